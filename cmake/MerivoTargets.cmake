@@ -1,0 +1,44 @@
+# SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+# SPDX-License-Identifier: MIT
+
+# merivo_add_floor(NAME FOLDER SOURCES ... LINKS ...)
+#
+# One floor of the house: a static, position-independent library. Its include directory shows its own folder alone, so
+# a source can include only what its floor links, and a forbidden include doesn't compile.
+function(merivo_add_floor name folder)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+    set(view "${PROJECT_BINARY_DIR}/include/${name}")
+    get_filename_component(view_parent "${view}/${folder}" DIRECTORY)
+    file(MAKE_DIRECTORY "${view_parent}")
+    file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${view}/${folder}" SYMBOLIC)
+
+    add_library(${name} STATIC ${arg_SOURCES})
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON AUTOMOC ON AUTOUIC ON)
+    target_include_directories(${name} PUBLIC "${view}")
+    target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE merivo_options)
+endfunction()
+
+# merivo_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [TIMEOUT seconds])
+#
+# A QtTest executable that runs without a display. The label "polling" selects it for the ThreadSanitizer run.
+function(merivo_add_test name)
+    cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    add_executable(${name} ${arg_SOURCES})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${name} PRIVATE ${arg_LINKS} Qt5::Test merivo_options)
+    add_test(NAME ${name} COMMAND ${name})
+    merivo_set_test_properties(${name} ${arg_TIMEOUT} "${arg_LABELS}")
+endfunction()
+
+# merivo_set_test_properties(NAME TIMEOUT LABELS): the environment that every test runs in.
+function(merivo_set_test_properties name timeout labels)
+    set(suppressions "${PROJECT_SOURCE_DIR}/tests/support/tsan-suppressions.txt")
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT ${timeout}
+        LABELS "${labels}"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;TSAN_OPTIONS=suppressions=${suppressions}:halt_on_error=1:second_deadlock_stack=1;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1")
+endfunction()

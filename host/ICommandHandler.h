@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/IExtensionPoint.h"
+
+class ICommand;
+
+/// The host's command processor: "CommandHandlerExtensionPoint". GUI thread only.
+class ICommandHandler : public IExtensionPoint
+{
+public:
+    ICommandHandler() = default;
+    ~ICommandHandler() override;
+
+    /// Takes the command and its ownership, and carries it out. The result is the host's own affair.
+    virtual bool execute(ICommand* command) = 0;
+};

@@ -1,0 +1,111 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "plugin/session/PatientSession.h"
+
+#include "host/IDatabase.h"
+#include "host/IServices.h"
+
+#include <QDate>
+#include <QDebug>
+
+#include <algorithm>
+
+namespace {
+
+const QString DefaultDeviceType = QStringLiteral("Cygnara");
+
+PatientSession* s_instance = nullptr;
+IServices* s_services = nullptr;
+IDatabase* s_database = nullptr;
+
+void traceBirthday(const char* direction, const QString& birthday)
+{
+    qDebug().noquote() << "static QString PatientSession::patientIdExt(const QStringList&)"
+                       << QString::fromLatin1(direction).arg(birthday);
+}
+
+} // namespace
+
+PatientSession* PatientSession::instance(QObject* parent)
+{
+    return s_instance ? s_instance : create(parent);
+}
+
+PatientSession* PatientSession::create(QObject* parent)
+{
+    delete s_instance;
+    s_instance = new PatientSession(parent);
+    return s_instance;
+}
+
+void PatientSession::setHost(IServices* services, IDatabase* database)
+{
+    s_services = services;
+    s_database = database;
+}
+
+PatientSession::PatientSession(QObject* parent)
+    : QObject(parent)
+{
+    setDeviceType({});
+}
+
+void PatientSession::setDeviceType(const QString& type)
+{
+    m_deviceName = displayNameOfDevice(type.isEmpty() ? DefaultDeviceType : type);
+}
+
+void PatientSession::setPump(const QString& serialNumber, const QString& deviceName)
+{
+    m_pumpSerialNumber = serialNumber;
+    if (deviceName.isEmpty() || deviceName == DefaultDeviceType)
+        setDeviceType({});
+    else
+        m_deviceName = deviceName;
+}
+
+QString PatientSession::patientName(const QStringList& pids)
+{
+    const QStringList parts = pids.mid(0, 2);
+    if (parts.isEmpty())
+        return {};
+    if (parts.size() == 1 || parts.at(1).isEmpty())
+        return parts.first();
+    return tr("%1, %2", "Pattern to display patient name and surname").arg(parts.at(0), parts.at(1));
+}
+
+QString PatientSession::patientIdExt(const QStringList& pids)
+{
+    const QStringList parts = pids.mid(2, 2);
+    if (parts.isEmpty())
+        return {};
+    QString birthday = parts.first();
+    if (birthday.isEmpty())
+        return parts.last();
+
+    traceBirthday(">> birthday = '%1'", birthday);
+    const QDate date = QDate::fromString(birthday, QStringLiteral("yyyy-MM-dd"));
+    if (date.isValid())
+        birthday = s_services->formatDate(date);
+    traceBirthday("<< birthday = '%1'", birthday);
+
+    // The last entry, not the second: a list that ends in the birthday shows it once more as it came.
+    if (parts.last().isEmpty())
+        return birthday;
+    return tr("%1, %2", "Pattern to display patient line 2 (birthday and extension)").arg(birthday, parts.last());
+}
+
+QStringList PatientSession::patientIdsOf(const QString& puid)
+{
+    const QString path = s_services->path(IServices::DatabasePath);
+    const QString guid = s_database->databaseGuid(path);
+    const QMap<QString, PatientRecord> records = s_database->patients(guid);
+    const auto found =
+        std::find_if(records.cbegin(), records.cend(), [&puid](const PatientRecord& r) { return r.puid == puid; });
+    return found == records.cend() ? QStringList() : found->ids;
+}
+
+QString PatientSession::displayNameOfDevice(const QString& type)
+{
+    return type == DefaultDeviceType ? QStringLiteral("Sanvio Merivo") : type;
+}
