@@ -17,68 +17,52 @@ public:
 };
 
 class IPatientChangedEvt : public virtual IPatientData
-{
-};
+{};
 
 class IDiarySessionOpenedEvt : public virtual IPatientData
-{
-};
+{};
 
 class ICmdFailedEvt : public IHostEvent
-{
-};
+{};
 
 class ICmdSucceededEvt : public IHostEvent
-{
-};
+{};
 
 class ICommandsReceivedEvt : public IHostEvent
-{
-};
+{};
 
 class IPatientCreatedEvt : public IHostEvent
-{
-};
+{};
 
 class IPatientDeletedEvt : public IHostEvent
-{
-};
+{};
 
 class IDiarySessionClosedEvt : public IHostEvent
-{
-};
+{};
 
 class IDiaryImportedEvt : public IHostEvent
-{
-};
+{};
 
 class IDiarySyncedEvt : public IHostEvent
-{
-};
+{};
 
 class IDiaryChangedEvt : public IHostEvent
-{
-};
+{};
 
 class IQueryReplyEvt : public IHostEvent
-{
-};
+{};
 
 class IDiaryLimitsEvt : public IHostEvent
-{
-};
+{};
 
 class IDiaryAnalyzedEvt : public IHostEvent
-{
-};
+{};
 
 class IStartupEvt : public IHostEvent
-{
-};
+{};
 
 class IShutdownEvt : public IHostEvent
-{
-};
+{};
 
 using ICmdFailedEvtPtr = QSharedPointer<ICmdFailedEvt>;
 using ICmdSucceededEvtPtr = QSharedPointer<ICmdSucceededEvt>;

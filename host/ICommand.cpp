@@ -4,8 +4,7 @@
 
 ICommand::ICommand(int type)
     : m_type(type)
-{
-}
+{}
 
 bool ICommand::isValid() const
 {

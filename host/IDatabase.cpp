@@ -4,7 +4,6 @@
 
 IDatabase::IDatabase(QObject* parent)
     : QObject(parent)
-{
-}
+{}
 
 IDatabase::~IDatabase() = default;

@@ -4,8 +4,7 @@
 
 IDevice::IDevice(QObject* parent)
     : QObject(parent)
-{
-}
+{}
 
 IDevice::~IDevice() = default;
 

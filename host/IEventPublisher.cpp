@@ -4,7 +4,6 @@
 
 IEventPublisher::IEventPublisher(QObject* parent)
     : QObject(parent)
-{
-}
+{}
 
 IEventPublisher::~IEventPublisher() = default;

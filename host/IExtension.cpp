@@ -11,12 +11,15 @@ QString IExtension::title() const
 
 QString IExtension::description() const
 {
-    return QStringLiteral("?" "?" "?");
+    return QStringLiteral("?"
+                          "?"
+                          "?");
 }
 
 QString IExtension::copyright() const
 {
-    return QStringLiteral("?" "?");
+    return QStringLiteral("?"
+                          "?");
 }
 
 QString IExtension::extraText() const

@@ -4,7 +4,6 @@
 
 IImportDataCmd::IImportDataCmd()
     : ICommand(Import)
-{
-}
+{}
 
 IImportDataCmd::~IImportDataCmd() = default;

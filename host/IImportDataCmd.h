@@ -16,8 +16,8 @@ public:
     /// Absolute path of the exchange file.
     virtual QString filePath() const = 0;
     virtual QString importTag() const = 0;
-    /// The keyed MAC over the file's bytes as they lie there at the moment of the call: HMAC with SHA-256, 64 lower-case
-    /// hexadecimal characters. The key is the text of SharedKey.h followed by the GUID of the open database.
+    /// The keyed MAC over the file's bytes as they lie there at the moment of the call: HMAC with SHA-256, 64
+    /// lower-case hexadecimal characters. The key is the text of SharedKey.h followed by the GUID of the open database.
     virtual QString fileMac() const = 0;
     virtual bool isImportFlagged() const = 0;
     virtual QString importNote() const = 0;

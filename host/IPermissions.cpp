@@ -4,7 +4,6 @@
 
 IPermissions::IPermissions(QObject* parent)
     : QObject(parent)
-{
-}
+{}
 
 IPermissions::~IPermissions() = default;

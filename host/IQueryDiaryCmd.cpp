@@ -4,5 +4,4 @@
 
 IQueryDiaryCmd::IQueryDiaryCmd()
     : ICommand(QueryDiary)
-{
-}
+{}

@@ -65,8 +65,7 @@ Logger* Logger::instance(IPlugin* plugin, IServices* services)
 Logger::Logger(IPlugin* plugin, IServices* services)
     : m_plugin(plugin)
     , m_services(services)
-{
-}
+{}
 
 Logger::~Logger()
 {

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "support/MessageCapture.h"
+
+#include <QLoggingCategory>
+
+#include <mutex>
+
+namespace {
+
+std::mutex s_mutex;
+QList<MessageCapture::Message> s_messages;
+QtMessageHandler s_previous = nullptr;
+
+void capture(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    const std::lock_guard<std::mutex> lock(s_mutex);
+    s_messages.append({type, QString::fromLatin1(context.category), text});
+}
+
+} // namespace
+
+MessageCapture::MessageCapture()
+{
+    clear();
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=true\nplugin.*.debug=true"));
+    s_previous = qInstallMessageHandler(capture);
+}
+
+MessageCapture::~MessageCapture()
+{
+    qInstallMessageHandler(s_previous);
+    QLoggingCategory::setFilterRules({});
+}
+
+QList<MessageCapture::Message> MessageCapture::messages() const
+{
+    const std::lock_guard<std::mutex> lock(s_mutex);
+    return s_messages;
+}
+
+QStringList MessageCapture::texts(QtMsgType type, const QString& category) const
+{
+    QStringList found;
+    const QList<Message> all = messages();
+    for (const Message& message : all) {
+        if (message.type == type && (category.isEmpty() || message.category == category))
+            found.append(message.text);
+    }
+    return found;
+}
+
+void MessageCapture::clear()
+{
+    const std::lock_guard<std::mutex> lock(s_mutex);
+    s_messages.clear();
+}

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+/// Takes Qt's messages for as long as it lives, from all threads, in the order in which they came. One at a time.
+class MessageCapture final
+{
+    Q_DISABLE_COPY_MOVE(MessageCapture)
+
+public:
+    struct Message
+    {
+        QtMsgType type;
+        QString category;
+        QString text;
+    };
+
+    MessageCapture();
+    ~MessageCapture();
+
+    QList<Message> messages() const;
+    /// The texts of one level, of all categories or of one.
+    QStringList texts(QtMsgType type, const QString& category = {}) const;
+    void clear();
+};

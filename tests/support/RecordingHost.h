@@ -1,0 +1,178 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/ICommandHandler.h"
+#include "host/IDatabase.h"
+#include "host/IDevice.h"
+#include "host/IDeviceAdmin.h"
+#include "host/IEventPublisher.h"
+#include "host/IExtensionRegistry.h"
+#include "host/IImportDataCmd.h"
+#include "host/IServices.h"
+
+#include <QDate>
+#include <QHash>
+#include <QThread>
+
+#include <memory>
+#include <vector>
+
+/// A host that does nothing by itself and remembers everything: what the plug-in asked, in which order, on which
+/// thread. The journal is one line a call; log records stand in it as "channel|message|detail1|detail2".
+struct Journal
+{
+    QStringList lines;
+    QList<QThread*> threads;
+
+    void add(const QString& line);
+    /// The lines that start with @p prefix.
+    QStringList startingWith(const QString& prefix) const;
+    bool contains(const QString& line) const { return lines.contains(line); }
+    int indexOf(const QString& line) const { return lines.indexOf(line); }
+    void clear();
+};
+
+class RecordingServices final : public IServices
+{
+public:
+    explicit RecordingServices(Journal& journal)
+        : m_journal(journal)
+    {}
+    QString formatDate(const QDate& date) override { return date.toString(QStringLiteral("dd.MM.yyyy")); }
+    QString path(int kind) override { return paths.value(kind); }
+    void logLine(IPlugin* source, const QString& channel, const QString& message, const QString& detail1,
+                 const QString& detail2) override;
+    quintptr logValue(int level, const QString&, const QString&, const QString&, const QString&,
+                      const QString&) override
+    {
+        return static_cast<quintptr>(level);
+    }
+
+    QHash<int, QString> paths{{DatabasePath, QStringLiteral("/data/open.db")}};
+    IPlugin* lastSource = nullptr;
+
+private:
+    Journal& m_journal;
+};
+
+class RecordingDevice final : public IDevice
+{
+    Q_OBJECT
+
+public:
+    RecordingDevice(Journal& journal, const QString& path)
+        : m_journal(journal)
+        , m_path(path)
+    {}
+    ~RecordingDevice() override { m_journal.add(QStringLiteral("device deleted")); }
+    void reserved12() override {}
+    void reserved13() override {}
+    void reserved14() override {}
+    void reserved15() override {}
+    void reserved16() override {}
+    QString drivePath() override { return m_path; }
+
+private:
+    Journal& m_journal;
+    QString m_path;
+};
+
+class RecordingDeviceAdmin final : public IDeviceAdmin
+{
+public:
+    explicit RecordingDeviceAdmin(Journal& journal)
+        : m_journal(journal)
+    {}
+    IDevice* acquireDevice(int type, const QString& name) override;
+    bool setDeviceHold(bool hold) override;
+
+    bool hasDevice = true;
+    QString drivePath;
+    bool holdChanges = false; ///< what setDeviceHold() answers
+
+private:
+    Journal& m_journal;
+};
+
+class RecordingCommandHandler final : public ICommandHandler
+{
+public:
+    explicit RecordingCommandHandler(Journal& journal)
+        : m_journal(journal)
+    {}
+    bool execute(ICommand* command) override;
+
+    /// The import commands received, owned as a host owns them; see commandTypes for all that came.
+    std::vector<std::unique_ptr<IImportDataCmd>> imports;
+    QList<int> commandTypes;
+
+private:
+    Journal& m_journal;
+};
+
+class RecordingEventPublisher final : public IEventPublisher
+{
+    Q_OBJECT
+};
+
+class RecordingDatabase final : public IDatabase
+{
+    Q_OBJECT
+
+public:
+    explicit RecordingDatabase(Journal& journal)
+        : m_journal(journal)
+    {}
+    void import(QString, IPlugin*) override {}
+    QString databaseGuid(const QString& path) override;
+    void reserved2() override {}
+    void reserved3() override {}
+    QMap<QString, PatientRecord> patients(const QString& databaseGuid) override;
+
+    QString guid = QStringLiteral("{d2f7a4a0-0001-4c1e-9a55-000000000001}");
+    QMap<QString, PatientRecord> records;
+
+private:
+    Journal& m_journal;
+};
+
+class RecordingHost final : public IExtensionRegistry
+{
+public:
+    void* reserved0() override { return nullptr; }
+    IExtensionPoint* extensionPoint(const QString& name) override;
+
+    Journal journal;
+    bool empty = false; ///< a registry that knows no name
+    RecordingServices services{journal};
+    RecordingDeviceAdmin deviceAdmin{journal};
+    RecordingCommandHandler commandHandler{journal};
+    RecordingEventPublisher publisher;
+    RecordingDatabase database{journal};
+};
+
+/// A diary or patient event with settable values: PatientEvent<IDiarySessionOpenedEvt>,
+/// PatientEvent<IPatientChangedEvt>.
+template <typename Event>
+class PatientEvent final : public Event
+{
+public:
+    PatientEvent(const QString& puid, const QStringList& pids, const QString& diaryName)
+        : m_puid(puid)
+        , m_pids(pids)
+        , m_diaryName(diaryName)
+    {}
+    QString puid() const override { return m_puid; }
+    QStringList pids() const override { return m_pids; }
+    QString pid(int index) const override { return m_pids.value(index); }
+    QString patientText0() const override { return {}; }
+    QString diaryName() const override { return m_diaryName; }
+    QString patientText1() const override { return {}; }
+    QString patientText2() const override { return {}; }
+
+private:
+    QString m_puid;
+    QStringList m_pids;
+    QString m_diaryName;
+};
