@@ -7,7 +7,7 @@ target_compile_features(merivo_options INTERFACE cxx_std_17)
 target_compile_definitions(merivo_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
 
 if(MSVC)
-    target_compile_options(merivo_options INTERFACE /W4 /permissive- /utf-8 $<$<BOOL:${MERIVO_WARNINGS_AS_ERRORS}>:/WX>)
+    target_compile_options(merivo_options INTERFACE /W4 /wd4250 /permissive- /utf-8 $<$<BOOL:${MERIVO_WARNINGS_AS_ERRORS}>:/WX>)
 else()
     target_compile_options(merivo_options INTERFACE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -fvisibility=hidden -fvisibility-inlines-hidden

@@ -11,7 +11,6 @@ class IImportDataCmd : public ICommand, public virtual IModeData, public virtual
 {
 public:
     IImportDataCmd();
-    ~IImportDataCmd() override;
 
     /// Absolute path of the exchange file.
     virtual QString filePath() const = 0;
@@ -21,4 +20,7 @@ public:
     virtual QString fileMac() const = 0;
     virtual bool isImportFlagged() const = 0;
     virtual QString importNote() const = 0;
+
+    // Declared last: it takes two places of its own in the order of virtual operations, behind the others.
+    ~IImportDataCmd() override;
 };

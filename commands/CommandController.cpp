@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "commands/CommandController.h"
+
+#include "commands/ImportDataCommand.h"
+#include "host/ICommandHandler.h"
+#include "plugin/session/PatientSession.h"
+
+#include <QStringList>
+
+#include <memory>
+
+CommandController::CommandController(QObject* parent)
+    : QObject(parent)
+{}
+
+void CommandController::importData(const QString& dbGuid)
+{
+    auto command = std::make_unique<ImportDataCommand>(this);
+    command->m_databaseGuid = dbGuid;
+
+    const PatientSession* session = PatientSession::instance();
+    command->m_pids = session->pids();
+    command->m_puid = session->patientId();
+    command->m_diaryName = session->diaryName();
+
+    const QString quoted = QStringLiteral("'%1'");
+    QStringList words{QStringLiteral("import")};
+    for (int i = 1; i <= command->m_pids.size(); ++i) {
+        // An empty pid keeps its number free.
+        const QString pid = command->m_pids.at(i - 1);
+        if (!pid.isEmpty())
+            words << QStringLiteral("-pid%1").arg(i) << quoted.arg(pid);
+    }
+    words << QStringLiteral("-filepath") << quoted.arg(session->exchangeFilePath());
+    words << QStringLiteral("-filemac") << quoted.arg(command->fileMac());
+
+    // The first word is no option, so nothing of this line stays with the command: the host reads the object itself.
+    command->setArguments(words);
+    m_commandHandler->execute(command.release()); // The host owns the command from here on.
+}

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+
+class ICommandHandler;
+
+/// The plug-in's command front towards the host. GUI thread only.
+class CommandController final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(CommandController)
+
+public:
+    explicit CommandController(QObject* parent = nullptr);
+
+    /// Hands the exchange file that the session names to the host, for the session's patient. @p dbGuid is the GUID
+    /// text of the open database. Runs the host's handler before it returns; the outcome isn't followed. Needs
+    /// m_commandHandler.
+    void importData(const QString& dbGuid);
+
+    /// The host's command handler, not owned; null until the plug-in has its extension points.
+    ICommandHandler* m_commandHandler = nullptr;
+};

@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "commands/EventsObserver.h"
+
+#include "host/IDatabase.h"
+#include "host/IEventPublisher.h"
+#include "plugin/session/PatientSession.h"
+
+namespace {
+
+template <typename ExtensionPoint>
+void replace(QPointer<ExtensionPoint>& held, ExtensionPoint* next)
+{
+    if (held == next)
+        return;
+    delete held;
+    held = next;
+}
+
+} // namespace
+
+EventsObserver::EventsObserver(QObject* parent)
+    : QObject(parent)
+{}
+
+void EventsObserver::attach(IEventPublisher* publisher, IDatabase* database)
+{
+    replace(m_publisher, publisher);
+    if (publisher) {
+        connect(publisher, &IEventPublisher::diarySessionOpened, this, &EventsObserver::onDiarySessionOpened);
+        connect(publisher, &IEventPublisher::diarySessionClosed, this, &EventsObserver::onDiarySessionClosed);
+        connect(publisher, &IEventPublisher::patientChanged, this, &EventsObserver::onPatientChanged);
+    }
+    replace(m_database, database);
+}
+
+void EventsObserver::onDiarySessionOpened(IDiarySessionOpenedEvtPtr evt)
+{
+    PatientSession* session = PatientSession::create(nullptr);
+    session->setPatientId(evt->puid());
+    session->setPids(evt->pids());
+    session->setDiaryName(evt->diaryName());
+}
+
+void EventsObserver::onDiarySessionClosed(IDiarySessionClosedEvtPtr evt)
+{
+    Q_UNUSED(evt)
+    PatientSession::create(nullptr);
+}
+
+void EventsObserver::onPatientChanged(IPatientChangedEvtPtr evt)
+{
+    PatientSession* session = PatientSession::instance();
+    if (evt->puid() == session->patientId())
+        session->setPids(evt->pids());
+}

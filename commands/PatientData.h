@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/IPatientData.h"
+
+/// The patient record of a command.
+class PatientData : public virtual IPatientData
+{
+public:
+    QString puid() const override { return m_puid; }
+    QStringList pids() const override { return m_pids; }
+    QString pid(int index) const override { return m_pids.value(index); }
+    QString patientText0() const override { return {}; }
+    QString diaryName() const override { return m_diaryName; }
+    QString patientText1() const override { return m_text1; }
+    QString patientText2() const override { return m_text2; }
+
+    /// Copies from any other implementation of the interface, patientText0() aside; false, and nothing copied, for
+    /// null.
+    bool assign(const IPatientData* other);
+
+    /// Takes "-puid" or "-diaryname" with its value from the front of @p args, which holds a word at least. False, and
+    /// @p args as it was, for any other word and for a missing value.
+    bool parsePatientOption(QStringList& args);
+
+    QString m_puid = QStringLiteral("-");
+    QStringList m_pids{QString(), QString(), QString(), QString()};
+    QString m_diaryName;
+    QString m_text1;
+    QString m_text2;
+};
