@@ -1,0 +1,53 @@
+# SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+# SPDX-License-Identifier: MIT
+# Shared by the scripts of this folder; sourced, not run.
+
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root"
+
+say() { printf '== %s\n' "$*"; }
+fail() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+build_packages=(cmake g++ ninja-build qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev libqt5sql5-sqlite
+                fonts-dejavu-core)
+check_packages=("${build_packages[@]}" binutils clang-format clang-tidy git)
+
+# install_missing PACKAGE...: installs by apt-get what dpkg doesn't know as installed, and says what.
+install_missing() {
+    command -v dpkg-query >/dev/null || {
+        say "No Debian package system here; assuming that these are installed: $*"
+        return
+    }
+    local package missing=() as_root=()
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null ||
+            fail "packages are missing and there is no sudo; as root, run: apt-get install ${missing[*]}"
+        as_root=(sudo)
+    fi
+    say "Installing: ${missing[*]}"
+    "${as_root[@]}" apt-get update -q
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET [CMAKE_ARGUMENT...]: configures, and builds what changed.
+build() {
+    local preset=$1
+    shift
+    say "Building: $preset"
+    mkdir -p "build/$preset"
+    cmake --preset "$preset" "$@" >"build/$preset/configure.log" 2>&1 || {
+        cat "build/$preset/configure.log" >&2
+        fail "configuring the preset $preset failed"
+    }
+    # Only our own sources are linted; what moc and rcc generate lies in the build folder.
+    printf "Checks: '-*,misc-definitions-in-headers'\n" >"build/$preset/.clang-tidy"
+    cmake --build --preset "$preset"
+}
