@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "toolkit/LmIconCache.h"
+
+#include <QCache>
+#include <QDebug>
+#include <QFileInfo>
+#include <QPainter>
+#include <QSvgRenderer>
+
+namespace {
+
+constexpr int MaximumImages = 100;
+
+QCache<QString, LmIconItem>& cache()
+{
+    static QCache<QString, LmIconItem> instance(MaximumImages);
+    return instance;
+}
+
+QPicture recordPicture(const QString& path)
+{
+    QPicture picture;
+    if (QFileInfo(path).suffix() == QLatin1String("svg")) {
+        QSvgRenderer renderer(path);
+        const QRectF rect(QPointF(), renderer.viewBoxF().size());
+        if (renderer.isValid()) {
+            QPainter painter(&picture);
+            // Gives the picture the bounds of the whole view box, empty margins included.
+            painter.fillRect(rect, Qt::transparent);
+            renderer.render(&painter, rect);
+        }
+        return picture;
+    }
+
+    const QImage image(path);
+    if (!image.isNull()) {
+        QPainter painter(&picture);
+        painter.drawImage(0, 0, image);
+    }
+    return picture;
+}
+
+} // namespace
+
+void LmIconReturn::operator()(LmIconItem* item) const
+{
+    cache().insert(item->path, item);
+}
+
+LmIconHandle lmTakeIconItem(const QString& path)
+{
+    if (LmIconItem* cached = cache().take(path))
+        return LmIconHandle(cached);
+
+    const QImage image(path);
+    if (image.isNull()) {
+        qCritical().noquote() << QStringLiteral("icon \"%1\" cannot be loaded").arg(path);
+        return nullptr;
+    }
+    return LmIconHandle(new LmIconItem{path, recordPicture(path), QPicture(), image, QIcon(path), image.size()});
+}
