@@ -1,0 +1,223 @@
+#!/usr/bin/python3
+# SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+# SPDX-License-Identifier: MIT
+"""Draws every picture under img/Images anew; README.md tells how. Needs the Debian packages python3-pil, python3-numpy.
+
+All icons are filled outlines without strokes. What is cut out of a shape is a hole in its path, so that any ground shows
+through it. Coordinates are those of the picture's view box.
+"""
+import base64
+import io
+from math import cos, hypot, pi, radians, sin, sqrt
+from pathlib import Path
+
+import rasters
+
+IMAGES = Path(__file__).resolve().parent / "img" / "Images"
+DARK, LIGHT, GREEN, CHECK_GREEN, ORANGE = "#484444", "#cccccc", "#59c68c", "#5cc78e", "#ff9900"
+# The family's measure: a disc that fills its 13 by 13 view, and marks of one weight with round ends. This weight comes
+# close to whole pixels at 16, 26 and 32 pixels alike.
+DISC, WEIGHT = 6.5, 1.7
+
+
+def number(value):
+    return f"{value:.3f}".rstrip("0").rstrip(".").replace("-0", "0") if abs(value) < 5e-4 else f"{value:.3f}".rstrip("0").rstrip(".")
+
+
+def move(point):
+    return f"M{number(point[0])} {number(point[1])}"
+
+
+def line(point):
+    return f"L{number(point[0])} {number(point[1])}"
+
+
+def arc(radius, point, clockwise=True, large=False):
+    return f"A{number(radius)} {number(radius)} 0 {int(large)} {int(clockwise)} {number(point[0])} {number(point[1])}"
+
+
+def polar(centre, radius, degrees):
+    """Clockwise from the right, as y points down."""
+    return centre[0] + radius * cos(radians(degrees)), centre[1] + radius * sin(radians(degrees))
+
+
+def disc(centre, radius):
+    left, right = (centre[0] - radius, centre[1]), (centre[0] + radius, centre[1])
+    return move(left) + arc(radius, right) + arc(radius, left) + "Z"
+
+
+def rounded_rect(x, y, width, height, radius):
+    right, bottom = x + width, y + height
+    return (move((x + radius, y)) + line((right - radius, y)) + arc(radius, (right, y + radius))
+            + line((right, bottom - radius)) + arc(radius, (right - radius, bottom))
+            + line((x + radius, bottom)) + arc(radius, (x, bottom - radius))
+            + line((x, y + radius)) + arc(radius, (x + radius, y)) + "Z")
+
+
+def plus(centre, reach, weight):
+    h = weight / 2
+    path = ""
+    for turn in (0, 90, 180, 270):
+        c, s = round(cos(radians(turn))), round(sin(radians(turn)))
+
+        def at(x, y):
+            return centre[0] + c * x - s * y, centre[1] + s * x + c * y
+
+        path += (line if path else move)(at(h, -h)) + line(at(reach - h, -h)) + arc(h, at(reach - h, h)) + line(at(h, h))
+    return path + "Z"
+
+
+def minus(centre, reach, weight):
+    return rounded_rect(centre[0] - reach, centre[1] - weight / 2, 2 * reach, weight, weight / 2)
+
+
+def arrow(centre, reach, weight, wing):
+    """Points downwards from centre - reach to centre + reach; its wings run up to the sides by `wing`."""
+    h, d = weight / 2, weight / 2 / sqrt(2)
+    x, top = centre[0], centre[1] - reach
+    tip = centre[1] + reach - h * 1.0  # centre of the round join at the tip
+    side = tip - wing
+    crotch = tip - h * (1 + sqrt(2))
+    return (move((x - h, top + h)) + arc(h, (x + h, top + h)) + line((x + h, crotch))
+            + line((x + wing - d, side - d)) + arc(h, (x + wing + d, side + d))
+            + line((x + d, tip + d)) + arc(h, (x - d, tip + d))
+            + line((x - wing - d, side + d)) + arc(h, (x - wing + d, side - d)) + line((x - h, crotch)) + "Z")
+
+
+def question(centre, weight):
+    """A hook of two tangent arcs of one radius, which ends upright under its own middle, and a dot."""
+    h, radius, bend = weight / 2, 1.85, 60
+    hook = (centre[0], centre[1] - 1.75)
+    foot = polar(hook, 2 * radius, bend)
+    start = polar(hook, radius, 185)
+    outer, inner = radius + h, radius - h
+    end = 0.05
+    path = (move(polar(hook, outer, 185)) + arc(outer, polar(hook, outer, bend), large=True)
+            + arc(inner, polar(foot, inner, 180), clockwise=False) + line((hook[0] + h, foot[1] + end))
+            + arc(h, (hook[0] - h, foot[1] + end)) + line(polar(foot, outer, 180))
+            + arc(outer, polar(foot, outer, 180 + bend)) + arc(inner, polar(hook, inner, 185), clockwise=False, large=True)
+            + arc(h, polar(hook, outer, 185)) + "Z")
+    return path + disc((centre[0], centre[1] + 4.0), 1.05)
+
+
+def check(corner, short, long, weight):
+    """A check mark at 45 degrees, its corner at `corner`; `short` and `long` are its arms along both axes."""
+    h, d = weight / 2, weight / 2 / sqrt(2)
+    x, y = corner
+    return (move((x - short - d, y - short + d)) + arc(h, (x - short + d, y - short - d)) + line((x, y - 2 * d))
+            + line((x + long - d, y - long - d)) + arc(h, (x + long + d, y - long + d)) + line((x + d, y + d))
+            + arc(h, (x - d, y + d)) + "Z")
+
+
+def bar(centre, radius, weight, spread):
+    """A curved bar to the right of `centre`, `spread` degrees to either side, with round ends."""
+    h = weight / 2
+    outer, inner = radius + h, radius - h
+    return (move(polar(centre, outer, -spread)) + arc(outer, polar(centre, outer, spread))
+            + arc(h, polar(centre, inner, spread)) + arc(inner, polar(centre, inner, -spread), clockwise=False)
+            + arc(h, polar(centre, outer, -spread)) + "Z")
+
+
+def pump_download(x=0.0, y=0.0, scale=1.0):
+    """The pump lying on its long side, and in front of its corner a disc; a gap keeps the two apart."""
+    def at(px, py):
+        return x + scale * px, y + scale * py
+
+    width, height, corner, gap, radius = 9.4, 6.7, 1.5, 0.5, 2.45
+    cx, cy = 10.59 - radius, 8.57 - radius
+    notch = radius + gap
+    right = (width, cy - sqrt(notch ** 2 - (width - cx) ** 2))
+    bottom = (cx - sqrt(notch ** 2 - (height - cy) ** 2), height)
+    body = (move(at(corner, 0)) + line(at(width - corner, 0)) + arc(scale * corner, at(width, corner)) + line(at(*right))
+            + arc(scale * notch, at(*bottom), clockwise=False) + line(at(corner, height))
+            + arc(scale * corner, at(0, height - corner)) + line(at(0, corner)) + arc(scale * corner, at(corner, 0)) + "Z")
+    left, top = at(1.25, 1.3)
+    display = rounded_rect(left, top, scale * 4.5, scale * 2.5, scale * 0.4)
+    return body + display + disc(at(cx, cy), scale * radius) + arrow(at(cx, cy), scale * 1.5, scale * 0.72, scale * 1.0)
+
+
+def path(d, fill, opacity=None):
+    faded = f' fill-opacity="{opacity}"' if opacity is not None else ""
+    return f'<path fill="{fill}"{faded} fill-rule="evenodd" d="{d}"/>'
+
+
+def picture(name, width, height, *shapes, unit="mm"):
+    size = f'width="{number(width)}{unit}" height="{number(height)}{unit}" ' if unit else ""
+    body = "\n  ".join(shapes)
+    (IMAGES / name).write_text(
+        "<!-- SPDX-FileCopyrightText: 2026 The Merivo Connections developers; SPDX-License-Identifier: MIT -->\n"
+        f'<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" version="1.1" {size}'
+        f'viewBox="0 0 {number(width)} {number(height)}">\n  {body}\n</svg>\n', encoding="utf-8")
+
+
+def image(pixels, width, height, y=0.0):
+    stream = io.BytesIO()
+    pixels.save(stream, "PNG", optimize=True)
+    data = base64.b64encode(stream.getvalue()).decode("ascii")
+    return (f'<image x="0" y="{number(y)}" width="{number(width)}" height="{number(height)}" '
+            f'preserveAspectRatio="none" xlink:href="data:image/png;base64,{data}"/>')
+
+
+def icons():
+    middle = (DISC, DISC)
+    marks = {
+        "plus": plus(middle, 3.7, WEIGHT),
+        "minus": minus(middle, 3.7, WEIGHT),
+        "data_download": arrow(middle, 3.9, WEIGHT, 2.9),
+        "help": question(middle, WEIGHT),
+    }
+    for mark, hole in marks.items():
+        for shade, colour in (("dark", DARK), ("light", LIGHT)):
+            picture(f"icon_{mark}_grey_{shade}.svg", 13, 13, path(disc(middle, DISC) + hole, colour))
+
+    picture("icon_check_green.svg", 13, 13,
+            path(disc(middle, DISC) + disc(middle, DISC - 1.2), CHECK_GREEN), path(check((5.75, 8.85), 2.1, 3.9, WEIGHT), CHECK_GREEN))
+
+    for name, opacity in (("", None), ("_deactivated", 0.35)):
+        picture(f"icon_pump_data_download{name}.svg", 13, 13, path(disc(middle, DISC), DARK, opacity),
+                path(pump_download(2.65, 3.25, 0.76), "#ffffff"))
+    for name, colour, opacity in (("GreyDark", "#111010", None), ("GreyLight", "#111111", 0.349), ("White", "#ffffff", None)):
+        picture(f"PumpDownload{name}.svg", 10.59, 8.57, path(pump_download(), colour, opacity))
+
+    weight, spread = 1.3, 58
+    outer = (8.66 / 2 - weight / 2) / sin(radians(spread))
+    hub = (5.32 - weight / 2 - outer, 8.66 / 2)
+    picture("icon_connected.svg", 5.32, 8.66, path(bar(hub, outer, weight, spread) + bar(hub, outer - 2.7, weight, spread), DARK))
+
+    middle, scale = (256, 256), 512 / 13
+    tick = check((5.75 * scale, 9.0 * scale), 2.2 * scale, 4.1 * scale, WEIGHT * scale)
+    # The mark is cut out of the disc, and white on any ground.
+    picture("result_succeeded.svg", 512, 512, path(tick, "#ffffff"), path(disc(middle, 256) + tick, GREEN), unit="")
+    picture("result_failed.svg", 512, 512, path(disc(middle, 256) + rounded_rect(162, 162, 188, 188, 26), ORANGE), unit="")
+
+
+def pump_pictures():
+    pump = rasters.pump()
+    picture("Cygnara.svg", 46.11, 30.74, image(pump, 46.11, 30.74))
+
+    def ring(x, y):
+        return f'<ellipse cx="{x}" cy="{y}" rx="25.2" ry="10.25" fill="none" stroke="{GREEN}" stroke-width="1.5"/>'
+
+    x, y = (value * 111.13 / 420 for value in rasters.DISPLAY_MIDDLE)
+    picture("ConfirmCode.svg", 111.13, 74.08, image(pump, 111.13, 74.08), ring(number(x), number(y)))
+
+    # The ring reaches above the body's edge, so the picture has that much more room at its top.
+    top = 75.54 - 74.08
+    x, y = (value * 111.13 / 420 for value in rasters.KEYS_MIDDLE)
+    y += top
+    keys = path(rounded_rect(x - 21.56 / 2, y - 11.41 / 2, 21.56, 11.41, 3.2), DARK)
+    dots = [path(disc((x + side * 4.9, y), 1.9), "#fbfbfb") for side in (-1, 1)]
+    picture("CancelOnPump.svg", 111.13, 75.54, image(pump, 111.13, 74.08, top), keys, *dots, ring(number(x), number(y)))
+
+    picture("DeviceReader.svg", 63.24, 81.23, image(rasters.reader(), 63.24, 81.23))
+
+
+def main():
+    IMAGES.mkdir(parents=True, exist_ok=True)
+    icons()
+    pump_pictures()
+    rasters.spinner(IMAGES / "busy.gif")
+
+
+if __name__ == "__main__":
+    main()
