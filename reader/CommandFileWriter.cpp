@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "reader/CommandFileWriter.h"
+
+#include "plugin/session/Logger.h"
+
+#include <QFile>
+#include <QTextStream>
+
+namespace {
+
+CommandFileWriter* s_instance = nullptr;
+
+const QString Trace = QStringLiteral("mcp");
+const QString Failure = QStringLiteral("err");
+
+void writeLog(const QString& message, const QString& channel, const QString& path)
+{
+    Logger::instance(nullptr, nullptr)->write(message, channel, {}, path);
+}
+
+} // namespace
+
+CommandFileWriter* CommandFileWriter::create(const QString& drivePath)
+{
+    delete s_instance;
+    s_instance = new CommandFileWriter(drivePath);
+    return s_instance;
+}
+
+CommandFileWriter* CommandFileWriter::instance()
+{
+    return s_instance;
+}
+
+CommandFileWriter::CommandFileWriter(const QString& drivePath)
+    : m_path(drivePath + QStringLiteral("/MISC"))
+{
+    writeLog(QStringLiteral("Command file writer initialized."), Trace, m_path);
+}
+
+CommandFileWriter::~CommandFileWriter()
+{
+    writeLog(QStringLiteral("Command file writer finished."), Trace, m_path);
+    s_instance = nullptr;
+}
+
+// The blanks and quotes below are the reader's wire format, uneven as they are: serial numbers are quoted, addresses
+// and patient ids never, and BTDELETEADDR has a second blank of its own.
+
+bool CommandFileWriter::search()
+{
+    return submit(QStringLiteral("SEARCH"), QStringLiteral("00100"));
+}
+
+bool CommandFileWriter::pair(const QString& btAddress, const QString& serialNumber, const QString& patientId)
+{
+    return submit(QStringLiteral("BTPAIR"), QStringLiteral("%1 \"%2\" %3").arg(btAddress, serialNumber, patientId));
+}
+
+bool CommandFileWriter::confirmPairing(bool accepted)
+{
+    return submit(QStringLiteral("BTPAIRCONFIRM"), accepted ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+bool CommandFileWriter::read(const QString& serialNumber)
+{
+    return submit(QStringLiteral("BTREAD"), QStringLiteral("\"%1\"").arg(serialNumber));
+}
+
+bool CommandFileWriter::isPaired(const QString& patientId)
+{
+    return submit(QStringLiteral("BTISPAIRED"), patientId);
+}
+
+bool CommandFileWriter::deleteAddress(const QString& serialNumber)
+{
+    return submit(QStringLiteral("BTDELETEADDR"), QStringLiteral(" \"%1\"").arg(serialNumber));
+}
+
+bool CommandFileWriter::reassign(const QString& serialNumber, const QString& patientId)
+{
+    return submit(QStringLiteral("BTPUMPREASSIGN"), QStringLiteral("\"%1\" %2").arg(serialNumber, patientId));
+}
+
+bool CommandFileWriter::abort()
+{
+    return submit(QStringLiteral("ABORT"), {});
+}
+
+bool CommandFileWriter::submit(const QString& command, const QString& arguments)
+{
+    m_lastCommand = command;
+
+    QFile file(m_path + QStringLiteral("/CommandFile.txt"));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        writeLog(QStringLiteral("=!= <%1 %2> failed.").arg(command, arguments), Failure, file.fileName());
+        m_lastCommand = QString();
+        return false;
+    }
+
+    // No line end behind the arguments, and the blank stands also where there are none.
+    QTextStream stream(&file);
+    stream << "QD17-C RemoteControl File\n"
+           << "Command=" << command << ' ' << arguments;
+    writeLog(QStringLiteral("<== <%1 %2> submitted.").arg(command, arguments), Trace, file.fileName());
+    return true;
+}

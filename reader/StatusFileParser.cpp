@@ -1,0 +1,271 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "reader/StatusFileParser.h"
+
+#include "plugin/session/HandOver.h"
+#include "plugin/session/Logger.h"
+#include "reader/CommandFileWriter.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QTextStream>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+StatusFileParser* s_instance = nullptr;
+
+const QString Trace = QStringLiteral("mcp");
+const QString Failure = QStringLiteral("err");
+
+void writeLog(const QString& message, const QString& channel, const QString& path = {})
+{
+    Logger::instance(nullptr, nullptr)->write(message, channel, {}, path);
+}
+
+/// The category of plain debug lines, named so that a line costs nothing while they are off.
+const QLoggingCategory& plainDebug()
+{
+    return *QLoggingCategory::defaultCategory();
+}
+
+} // namespace
+
+StatusFileParser* StatusFileParser::create(const QString& drivePath)
+{
+    delete s_instance;
+    s_instance = new StatusFileParser(drivePath);
+    return s_instance;
+}
+
+StatusFileParser* StatusFileParser::instance()
+{
+    return s_instance;
+}
+
+StatusFileParser::StatusFileParser(const QString& drivePath)
+    : m_path(drivePath + QStringLiteral("/MISC"))
+    , m_statusFile(m_path + QStringLiteral("/STATUS.TXT"))
+    // No separator: the file lies beside the folder, in the drive's root, under the name MISCNoCommand.txt.
+    , m_triggerFile(m_path + QStringLiteral("NoCommand.txt"))
+{
+    writeLog(QStringLiteral("Status file parser initialized."), Trace, m_path);
+    moveToThread(&m_thread);
+    startWorker(m_thread, QThread::InheritPriority);
+    connect(this, &StatusFileParser::pollingRequested, this, &StatusFileParser::prepareRun, Qt::QueuedConnection);
+
+    // A diagnostic alone: drives don't reliably tell of changes, so nothing hangs on it.
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_guiSide, [](const QString& path) {
+        qCDebug(plainDebug).noquote() << QStringLiteral("File '%1' has changed.").arg(path);
+    });
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_guiSide, [](const QString& path) {
+        qCDebug(plainDebug).noquote() << QStringLiteral("Directory '%1' has changed.").arg(path);
+    });
+    m_watcher.addPaths({m_statusFile, m_path});
+}
+
+StatusFileParser::~StatusFileParser()
+{
+    writeLog(QStringLiteral("Status file parser finishing."), Trace, m_path);
+    s_instance = nullptr;
+    joinWorker(m_thread);
+    writeLog(QStringLiteral("Status file parser finished."), Trace, m_path);
+}
+
+void StatusFileParser::start(int timeoutSec, int startingSec, int delayMs)
+{
+    if (delayMs == 0)
+        delayMs = 5 * m_pollIntervalMs;
+
+    // As a rule this still is the status of the previous command: what makes a new one recognisable.
+    const StatusRecord snapshot = readStatus();
+    if (!snapshot.header.isEmpty())
+        writeLog(QStringLiteral("=?= <%1> status snapshot.").arg(snapshot.toLogText()), Trace);
+    writeLog(QStringLiteral("=== Observer start requested (in %1 msec).").arg(delayMs), Trace);
+
+    // Directly ahead of the request, and so in place when the run begins.
+    handOver(this, [this, snapshot] { m_snapshot = snapshot; });
+    Q_EMIT pollingRequested(timeoutSec, startingSec, delayMs);
+}
+
+void StatusFileParser::cancel()
+{
+    writeLog(QStringLiteral("=== Observer canceling."), Trace);
+    // No run clears an older request: one that came too late for its run ends the next.
+    if (m_state != Ended)
+        m_cancelRequested = true;
+}
+
+bool StatusFileParser::triggerFileSystemUpdate() const
+{
+    QFile file(m_triggerFile);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        qCDebug(plainDebug).noquote().nospace() << "Could not write NoCommand.txt to device reader within " << m_path;
+        return false;
+    }
+    file.close();
+    return true;
+}
+
+StatusRecord StatusFileParser::readStatus() const
+{
+    // The trigger comes first, always: the drive is cached, and without it an old status may stand there for ever.
+    if (!triggerFileSystemUpdate()) {
+        writeLog(QStringLiteral("=!= Trigger file system update failed on device reader."), Failure, m_path);
+        return {};
+    }
+    QFileInfo(m_path).refresh(); // drops what Qt has cached
+
+    QFile file(m_statusFile);
+    if (!file.open(QIODevice::ReadOnly)) {
+        writeLog(QStringLiteral("=!= Status file open failed on device reader."), Failure, file.fileName());
+        return {};
+    }
+    QTextStream stream(&file);
+    const StatusRecord record = StatusRecord::fromText(stream);
+    qCDebug(plainDebug).noquote().nospace()
+        << "StatusFile: '" << record.header << "' # " << record.command
+        << ", Status: " << static_cast<int>(record.status) << ", Error: " << record.error;
+    file.close();
+    return record;
+}
+
+// From here on: the worker thread.
+
+void StatusFileParser::prepareRun(int timeoutSec, int startingSec, int delayMs)
+{
+    m_stopTimeoutMs = timeoutSec * 1000;
+    m_startTimeoutMs = startingSec > 0 ? startingSec * 1000 : m_stopTimeoutMs;
+    QTimer::singleShot(delayMs, this, &StatusFileParser::beginRun);
+}
+
+void StatusFileParser::beginRun()
+{
+    m_startTime = QDateTime::currentMSecsSinceEpoch();
+    m_startDeadline = m_startTime + m_startTimeoutMs;
+    m_stopDeadline = m_startTime + m_stopTimeoutMs;
+    m_state = Waiting;
+    if (m_startDeadline == m_stopDeadline) {
+        writeLog(QStringLiteral("=== Observer polling started with timeout of '%1'secs.").arg(m_stopTimeoutMs / 1000),
+                 Trace);
+    } else {
+        writeLog(QStringLiteral("=== Observer polling started with timeouts of '%1' (Start) and '%2' (Stop) secs.")
+                     .arg(m_startTimeoutMs / 1000)
+                     .arg(m_stopTimeoutMs / 1000),
+                 Trace);
+    }
+    continuePolling();
+}
+
+void StatusFileParser::continuePolling()
+{
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    const qint64 elapsed = now - m_startTime;
+    const qint64 total = m_stopDeadline - m_startTime;
+    const qint64 percentageOfTime = total > 0 ? 100 * elapsed / total : 100;
+    const QString linear =
+        QStringLiteral("linear progress: %1 of %2 = %3%").arg(elapsed).arg(total).arg(percentageOfTime);
+    const auto logEnd = [this, &linear](const QString& pattern, const QString& channel) {
+        writeLog(pattern.arg(linear, QString::number(isChanged() ? 1 : 0)), channel);
+    };
+
+    if (!updateStatus()) {
+        logEnd(QStringLiteral("--- Error during polling (%1) detected/notified [changed=%2]."), Failure);
+        Q_EMIT timeout();
+        return;
+    }
+    if (m_cancelRequested.exchange(false)) {
+        StatusRecord canceled = m_latest;
+        canceled.status = CommandStatus::Canceled;
+        setLatest(canceled);
+        logEnd(QStringLiteral("--- Cancel during polling (%1) detected/notified [changed=%2]."), Failure);
+        Q_EMIT finished(true);
+        return;
+    }
+    if (m_state == Ended) {
+        logEnd(QStringLiteral("--- Stop during polling (%1) detected/notified [changed=%2]."), Trace);
+        Q_EMIT finished(isChanged());
+        return;
+    }
+    // Ahead of the start limit: a run that is past both reports this one.
+    if (now > m_stopDeadline) {
+        logEnd(QStringLiteral("--- 'Unfinished command' timeout during polling (%1) detected/notified [changed=%2]."),
+               Failure);
+        Q_EMIT timeout();
+        return;
+    }
+    if (now > m_startDeadline && m_state == Waiting) {
+        logEnd(QStringLiteral("--- 'Unstarted command' timeout during polling (%1) detected/notified [changed=%2]."),
+               Failure);
+        Q_EMIT timeout();
+        return;
+    }
+
+    qCDebug(plainDebug).noquote() << "void StatusFileParser::continuePolling()"
+                                  << QStringLiteral("Polling continued (%1)").arg(linear);
+    // A tenth of the limit shows 52, half of it 90. Only a clock that was set back can ask for more than 100.
+    const double weight = 9.0 * static_cast<double>(elapsed);
+    const double curve = std::abs(100.0 * (static_cast<double>(elapsed) + weight) /
+                                  (static_cast<double>(std::max<qint64>(total, 1)) + weight));
+    Q_EMIT progress(static_cast<int>(std::min(curve, 100.0)));
+    QTimer::singleShot(m_pollIntervalMs, this, &StatusFileParser::continuePolling);
+}
+
+/// False if the read failed. A status left from an earlier command never moves the run.
+bool StatusFileParser::updateStatus()
+{
+    const StatusRecord record = readStatus();
+    if (record.header.isEmpty())
+        return false;
+
+    if (record != m_snapshot && record != m_latest)
+        writeLog(QStringLiteral("==> <%1> observed.").arg(record.toLogText()), Trace);
+    setLatest(record);
+    if (!isChanged() && !isAborted())
+        return true;
+
+    switch (record.status) {
+    case CommandStatus::Running:
+        if (m_state == Waiting) {
+            writeLog(QStringLiteral("Observed operation started."), Trace);
+            m_state = Started;
+        }
+        break;
+    case CommandStatus::Failed:
+    case CommandStatus::Done:
+    case CommandStatus::Canceled:
+        writeLog(QStringLiteral("Observed operation finished."), Trace);
+        m_state = Ended;
+        break;
+    case CommandStatus::Unknown:
+        break;
+    }
+    return true;
+}
+
+void StatusFileParser::setLatest(const StatusRecord& record)
+{
+    if (record == m_latest)
+        return;
+    m_latest = record;
+    handOver(&m_guiSide, [this, record] { m_lastStatus = record; });
+}
+
+/// Whether the latest status is new and speaks of the command that was submitted last, in any letter case.
+bool StatusFileParser::isChanged() const
+{
+    const QString submitted = CommandFileWriter::instance()->m_lastCommand;
+    return m_latest != m_snapshot && m_latest.command.toUpper() == submitted.toUpper();
+}
+
+/// Whether the latest status is a new one of an ABORT that is done, which ends any run.
+bool StatusFileParser::isAborted() const
+{
+    return m_latest != m_snapshot && m_latest.command.toUpper() == QLatin1String("ABORT") &&
+           m_latest.status == CommandStatus::Done;
+}
