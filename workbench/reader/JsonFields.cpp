@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/reader/JsonFields.h"
+
+#include <QJsonDocument>
+
+#include <cmath>
+
+JsonFields::JsonFields(const QJsonValue& value, const QString& path, QStringList* errors)
+    : m_path(path)
+    , m_object(value.toObject())
+    , m_errors(errors)
+{
+    if (!value.isObject())
+        m_errors->append(
+            QStringLiteral("%1: must be an object").arg(path.isEmpty() ? QStringLiteral("the whole") : path));
+}
+
+QString JsonFields::pathOf(const QString& name) const
+{
+    return m_path.isEmpty() ? name : m_path + QLatin1Char('.') + name;
+}
+
+void JsonFields::fail(const QString& name, const QString& what)
+{
+    m_errors->append(QStringLiteral("%1: %2").arg(pathOf(name), what));
+}
+
+void JsonFields::require(const QString& name)
+{
+    if (!has(name))
+        fail(name, QStringLiteral("is missing"));
+}
+
+QJsonValue JsonFields::take(const QString& name, QString* path)
+{
+    m_taken.insert(name);
+    if (path)
+        *path = pathOf(name);
+    return m_object.value(name);
+}
+
+void JsonFields::text(const QString& name, QString* target)
+{
+    const QJsonValue value = take(name, nullptr);
+    if (value.isUndefined())
+        return;
+    if (!value.isString())
+        return fail(name, QStringLiteral("must be a text"));
+    const QString text = value.toString();
+    for (const QChar c : text) {
+        if (c.unicode() < 0x20 || c.unicode() == 0x7f)
+            return fail(name, QStringLiteral("must not hold control characters"));
+    }
+    *target = text;
+}
+
+void JsonFields::number(const QString& name, int minimum, int maximum, int* target)
+{
+    const QJsonValue value = take(name, nullptr);
+    if (value.isUndefined())
+        return;
+    const double number = value.toDouble();
+    if (!value.isDouble() || std::trunc(number) != number || number < minimum || number > maximum)
+        return fail(name, QStringLiteral("must be a whole number from %1 to %2").arg(minimum).arg(maximum));
+    *target = static_cast<int>(number);
+}
+
+void JsonFields::flag(const QString& name, bool* target)
+{
+    const QJsonValue value = take(name, nullptr);
+    if (value.isUndefined())
+        return;
+    if (!value.isBool())
+        return fail(name, QStringLiteral("must be true or false"));
+    *target = value.toBool();
+}
+
+void JsonFields::array(const QString& name, const std::function<void(const QJsonValue&, const QString&)>& each)
+{
+    const QJsonValue value = take(name, nullptr);
+    if (value.isUndefined())
+        return;
+    if (!value.isArray())
+        return fail(name, QStringLiteral("must be a list"));
+    const QJsonArray elements = value.toArray();
+    for (int i = 0; i < elements.size(); ++i)
+        each(elements.at(i), QStringLiteral("%1[%2]").arg(pathOf(name)).arg(i));
+}
+
+void JsonFields::refuseOthers()
+{
+    const QStringList all = names();
+    for (const QString& name : all) {
+        if (!m_taken.contains(name))
+            fail(name, QStringLiteral("unknown field"));
+    }
+}
+
+QJsonValue parseJson(const QByteArray& bytes, QStringList* errors)
+{
+    QJsonParseError fault;
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &fault);
+    if (fault.error == QJsonParseError::NoError)
+        return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+    const QByteArray before = bytes.left(fault.offset);
+    errors->append(QStringLiteral("line %1, column %2: %3")
+                       .arg(before.count('\n') + 1)
+                       .arg(before.size() - before.lastIndexOf('\n'))
+                       .arg(fault.errorString()));
+    return QJsonValue(QJsonValue::Null);
+}

@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+/// One command as the reader understood it. Values that the command doesn't carry are empty.
+struct ReaderCommand
+{
+    enum class Kind {
+        Search,
+        Pair,
+        ConfirmPairing,
+        Read,
+        IsPaired,
+        DeleteAddress,
+        Reassign,
+        Abort,
+    };
+
+    Kind kind = Kind::Abort;
+    QString word;
+    QString serialNumber;
+    QString address;
+    QString patientId;
+    bool accepted = false;
+};
+
+/// Reads the bytes of a command file. The form is strict to the byte, the blanks included; whatever differs gives
+/// nothing, and @p fault says what was wrong and where ("line 2, column 17: ..."; columns count bytes from 1).
+std::optional<ReaderCommand> parseCommandFile(const QByteArray& bytes, QString* fault);
+
+/// True if @p word is the word of a command that the reader knows, in capitals as the command file has it.
+bool isCommandWord(const QString& word);

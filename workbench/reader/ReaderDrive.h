@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QFileSystemWatcher>
+#include <QLockFile>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <memory>
+
+/// When and how large a file was last seen; two equal stamps mean that nobody has written it in between.
+struct FileStamp
+{
+    qint64 modifiedMs = -1;
+    qint64 size = -1;
+
+    static FileStamp of(const QString& path);
+
+    bool exists() const { return size >= 0; }
+    bool operator==(const FileStamp& other) const { return modifiedMs == other.modifiedMs && size == other.size; }
+    bool operator!=(const FileStamp& other) const { return !(*this == other); }
+};
+
+namespace ReaderNames {
+inline const QString Folder = QStringLiteral("MISC");
+inline const QString Command = QStringLiteral("CommandFile.txt");
+inline const QString Status = QStringLiteral("STATUS.TXT");
+inline const QString DeviceList = QStringLiteral("DEVLIST.XML");
+inline const QString FirmwareLog = QStringLiteral("VERSION.log");
+inline const QString ExchangeFilter = QStringLiteral("I*.xml");
+/// Lies beside the folder MISC, not in it: its name begins with the folder's.
+inline const QString Trigger = QStringLiteral("MISCNoCommand.txt");
+} // namespace ReaderNames
+
+/// The reader's end of its drive: takes command files in, and gives the reader's files out.
+///
+/// The drive is cached. A status that is set stays with the reader until the trigger file is written the next time, so
+/// whoever reads STATUS.TXT without writing the trigger sees an old one. Every file is replaced in one step.
+class ReaderDrive final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ReaderDrive)
+
+public:
+    /// @p path is the drive's root, which must exist by the time of open().
+    explicit ReaderDrive(const QString& path, QObject* parent = nullptr);
+
+    /// Makes the folder MISC if need be and claims the drive, so that no second reader serves it. False with a sentence
+    /// that names the file if that isn't possible.
+    bool open(QString* error);
+
+    /// Begins to look at the drive. A command file that lies there already counts as an old one.
+    void listen();
+
+    QString path() const { return m_path; }
+    /// The path of a file in MISC, or of MISC itself.
+    QString filePath(const QString& name = {}) const;
+
+    /// Keeps @p bytes as the newest status, to be shown at the next trigger.
+    void setStatus(const QByteArray& bytes);
+    /// Shows the newest status at once, as a reader does that has just been connected.
+    void showStatus();
+
+    bool replaceFile(const QString& name, const QByteArray& bytes);
+    /// Gives the file @p from, a path beside MISC's files, the name @p name in one step.
+    bool moveInto(const QString& from, const QString& name);
+    void removeFile(const QString& name);
+
+Q_SIGNALS:
+    /// A command file was written and has rested long enough to be whole.
+    void commandWritten(const QByteArray& bytes);
+    /// The drive can't be written any more; nothing will work from here on.
+    void failed(const QString& error);
+
+private:
+    void look();
+    void lookAtTrigger();
+    void lookAtCommand();
+    void onFileChanged(const QString& path);
+    bool fail(const QString& what);
+
+    const QString m_path;
+    std::unique_ptr<QLockFile> m_lock;
+    QFileSystemWatcher m_watcher;
+    QTimer m_timer;
+
+    QByteArray m_status;
+    QByteArray m_shownStatus;
+
+    FileStamp m_triggerStamp;
+    bool m_triggered = false;
+
+    FileStamp m_commandStamp;
+    QByteArray m_commandBytes;
+    int m_quietLooks = 0;
+    bool m_commandTaken = true;
+};

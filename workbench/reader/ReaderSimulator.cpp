@@ -1,0 +1,362 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/reader/ReaderSimulator.h"
+
+#include "workbench/reader/ExchangeFile.h"
+#include "workbench/reader/ReaderDrive.h"
+#include "workbench/reader/ReaderFiles.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+const QString Running = QStringLiteral("running");
+const QString Failed = QStringLiteral("failed");
+const QString Done = QStringLiteral("done");
+const QString NoPump = QStringLiteral("0");
+
+QString memoryFile(const ReaderDrive& drive)
+{
+    return drive.path() + QStringLiteral("/.merivo-reader.json");
+}
+
+QString exchangeName(const Pump& pump, int number)
+{
+    QString serial;
+    for (const QChar c : pump.serialNumber)
+        serial += c.unicode() < 0x80 && c.isLetterOrNumber() ? c : QLatin1Char('-');
+    return QStringLiteral("I%1_%2.xml").arg(serial).arg(number, 4, 10, QLatin1Char('0'));
+}
+
+} // namespace
+
+ReaderSimulator::ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, bool instant, QObject* parent)
+    : QObject(parent)
+    , m_drive(drive)
+    , m_scenario(scenario)
+    , m_instant(instant)
+    , m_random(scenario.seed)
+{
+    m_step.setSingleShot(true);
+    m_step.setTimerType(Qt::PreciseTimer);
+    connect(&m_step, &QTimer::timeout, this, [this] { std::exchange(m_next, nullptr)(); });
+    connect(&m_progress, &QTimer::timeout, this, &ReaderSimulator::onProgress);
+    connect(&m_drive, &ReaderDrive::commandWritten, this, &ReaderSimulator::onCommandWritten);
+    connect(&m_drive, &ReaderDrive::failed, this, &ReaderSimulator::fail);
+}
+
+ReaderSimulator::~ReaderSimulator() = default;
+
+void ReaderSimulator::pairBeforehand(const QString& serialNumber, const QString& patientId)
+{
+    m_pairedBeforehand.insert(serialNumber, patientId);
+}
+
+bool ReaderSimulator::start(QString* error)
+{
+    if (!loadMemory(memoryFile(m_drive), m_scenario.pumps, &m_memory, error))
+        return false;
+    for (auto it = m_pairedBeforehand.cbegin(); it != m_pairedBeforehand.cend(); ++it) {
+        if (!find(it.key())) {
+            *error = QStringLiteral("there is no pump \"%1\" to pair").arg(it.key());
+            return false;
+        }
+        tie(it.key(), it.value());
+    }
+    ++m_memory.starts;
+    if (!saveMemory(memoryFile(m_drive), m_memory, error))
+        return false;
+
+    const Behaviour behaviour = m_scenario.faults.behaviourFor({});
+    const QString version = behaviour.firmware.isEmpty() ? m_scenario.firmware : behaviour.firmware;
+    m_drive.replaceFile(ReaderNames::FirmwareLog, firmwareLogText(version));
+    writeDeviceList();
+
+    m_active = behaviour.leftRunning.isEmpty() ? QStringLiteral("NONE") : behaviour.leftRunning;
+    setStatus(behaviour.leftRunning.isEmpty() ? Done : Running, {}, 0);
+    m_drive.showStatus();
+    m_active.clear();
+    m_drive.listen();
+    Q_EMIT logged(QStringLiteral("firmware %1, start %2").arg(version).arg(m_memory.starts));
+    return true;
+}
+
+void ReaderSimulator::onCommandWritten(const QByteArray& bytes)
+{
+    QString fault;
+    const std::optional<ReaderCommand> command = parseCommandFile(bytes, &fault);
+    if (command)
+        begin(*command);
+    else
+        Q_EMIT logged(QStringLiteral("refused a command file: ") + fault);
+}
+
+void ReaderSimulator::begin(const ReaderCommand& command)
+{
+    Q_EMIT logged(QStringLiteral("took %1").arg(command.word));
+    dropCommand();
+    m_active = command.word;
+    m_behaviour = m_scenario.faults.behaviourFor(command.word);
+    if (!m_behaviour.answers) {
+        Q_EMIT logged(QStringLiteral("leaves %1 unanswered, as the fault no-start says").arg(command.word));
+        return;
+    }
+
+    m_plan = planFor(command);
+    const Pump* pump = find(command.serialNumber);
+    if (pump && m_plan.failCode == 0 && pump->errors.contains(command.word)) {
+        m_plan.failCode = pump->errors.value(command.word);
+        m_plan.durationMs /= 2;
+    }
+    if (m_behaviour.failCode)
+        m_plan.failCode = *m_behaviour.failCode;
+
+    m_next = [this] {
+        showRunning();
+    };
+    m_step.start(duration(m_scenario.times.pickup));
+}
+
+void ReaderSimulator::dropCommand()
+{
+    m_step.stop();
+    m_progress.stop();
+    m_exchange.reset();
+    if (!m_active.isEmpty())
+        Q_EMIT logged(QStringLiteral("dropped %1, which hadn't ended").arg(m_active));
+    m_active.clear();
+}
+
+void ReaderSimulator::showRunning()
+{
+    setStatus(Running, {}, 0);
+    m_running.start();
+    m_plan.durationMs = duration(m_plan.durationMs);
+    if (m_scenario.times.progress > 0 && m_plan.durationMs > 0)
+        m_progress.start(m_scenario.times.progress);
+    if (!m_behaviour.ends)
+        return;
+    m_next = [this] {
+        finish();
+    };
+    m_step.start(m_plan.durationMs);
+}
+
+void ReaderSimulator::onProgress()
+{
+    const double part = std::min(1.0, double(m_running.elapsed()) / m_plan.durationMs);
+    if (m_exchange)
+        m_exchange->writeUpTo(part);
+    setStatus(Running, QStringLiteral("%1%").arg(static_cast<int>(100 * part)), 0);
+}
+
+void ReaderSimulator::finish()
+{
+    m_progress.stop();
+    QString result;
+    if (m_plan.failCode == 0 && m_plan.effect)
+        result = m_plan.effect();
+    m_exchange.reset();
+    setStatus(m_plan.failCode == 0 ? Done : Failed, result, m_plan.failCode);
+    m_active.clear();
+}
+
+ReaderSimulator::Plan ReaderSimulator::planFor(const ReaderCommand& command)
+{
+    switch (command.kind) {
+    case ReaderCommand::Kind::Search:
+        return planSearch();
+    case ReaderCommand::Kind::Pair:
+        return planPair(command);
+    case ReaderCommand::Kind::ConfirmPairing:
+        return planConfirm(command.accepted);
+    case ReaderCommand::Kind::Read:
+        return planRead(command);
+    case ReaderCommand::Kind::Reassign:
+        return planReassign(command);
+    case ReaderCommand::Kind::DeleteAddress:
+        return planDelete(command);
+    case ReaderCommand::Kind::IsPaired:
+        return {m_scenario.times.isPaired, 0, [this, patientId = command.patientId] {
+                    const auto found =
+                        std::find_if(m_memory.pumps.cbegin(), m_memory.pumps.cend(), [&](const Pump& pump) {
+                            return !patientId.isEmpty() && pump.patientId == patientId;
+                        });
+                    return found == m_memory.pumps.cend() ? NoPump : found->serialNumber;
+                }};
+    case ReaderCommand::Kind::Abort:
+        break;
+    }
+    return {m_scenario.times.abort, 0, {}};
+}
+
+ReaderSimulator::Plan ReaderSimulator::planSearch()
+{
+    return {m_scenario.times.search, 0, [this] {
+                m_seen.clear();
+                for (const Pump& pump : qAsConst(m_memory.pumps)) {
+                    if (pump.inRange)
+                        m_seen.insert(pump.serialNumber);
+                }
+                writeDeviceList();
+                return QString::number(m_seen.size());
+            }};
+}
+
+ReaderSimulator::Plan ReaderSimulator::planPair(const ReaderCommand& command)
+{
+    const Pump* pump = find(command.serialNumber);
+    if (!pump || !pump->inRange || pump->address != command.address)
+        return {m_scenario.times.connect, ReaderError::PumpNotFound, {}};
+    if (!pump->patientId.isEmpty())
+        return {m_scenario.times.connect, ReaderError::AlreadyPaired, {}};
+    return {m_scenario.times.pair, 0, [this, command, code = pump->confirmationCode] {
+                m_toConfirm = command;
+                return code;
+            }};
+}
+
+ReaderSimulator::Plan ReaderSimulator::planConfirm(bool accepted)
+{
+    const std::optional<ReaderCommand> pairing = std::exchange(m_toConfirm, std::nullopt);
+    if (!pairing)
+        return {m_scenario.times.confirm, ReaderError::NothingToConfirm, {}};
+    if (!accepted)
+        return {m_scenario.times.confirm, 0, {}};
+
+    const Pump* pump = find(pairing->serialNumber);
+    switch (pump->user) {
+    case PumpUser::Declines:
+        return {pump->userTakesMs, ReaderError::UserSaidNo, {}};
+    case PumpUser::WalksAway:
+        return {m_scenario.times.userLimit, ReaderError::UserGone, {}};
+    case PumpUser::Confirms:
+        break;
+    }
+    return {pump->userTakesMs + m_scenario.times.confirm, 0, [this, pairing] {
+                tie(pairing->serialNumber, pairing->patientId);
+                return pairing->serialNumber;
+            }};
+}
+
+ReaderSimulator::Plan ReaderSimulator::planRead(const ReaderCommand& command)
+{
+    const Pump* pump = find(command.serialNumber);
+    if (!pump || !pump->inRange || pump->patientId.isEmpty())
+        return {m_scenario.times.connect, ReaderError::PumpNotFound, {}};
+
+    const QString beside = m_drive.filePath(exchangeName(*pump, m_memory.readouts + 1)) + QStringLiteral(".part");
+    m_exchange = std::make_unique<ExchangeFile>(beside, *pump, m_scenario);
+    if (!m_exchange->open())
+        fail(QStringLiteral("%1: %2").arg(beside, m_exchange->errorString()));
+    return {m_scenario.times.read, 0, [this, pump = *pump] {
+                return publishExchangeFile(pump);
+            }};
+}
+
+QString ReaderSimulator::publishExchangeFile(const Pump& pump)
+{
+    if (!m_exchange->finish()) {
+        fail(QStringLiteral("%1: %2").arg(m_exchange->path(), m_exchange->errorString()));
+        return {};
+    }
+    const QStringList old = QDir(m_drive.filePath()).entryList({ReaderNames::ExchangeFilter}, QDir::Files);
+    for (const QString& name : old)
+        m_drive.removeFile(name);
+
+    QString name;
+    for (int i = 0; i < m_behaviour.exchangeFiles; ++i) {
+        name = exchangeName(pump, ++m_memory.readouts);
+        if (i + 1 < m_behaviour.exchangeFiles)
+            QFile::copy(m_exchange->path(), m_drive.filePath(name));
+        else
+            m_drive.moveInto(m_exchange->path(), name);
+    }
+    QString error;
+    if (!saveMemory(memoryFile(m_drive), m_memory, &error))
+        fail(error);
+    return name;
+}
+
+ReaderSimulator::Plan ReaderSimulator::planReassign(const ReaderCommand& command)
+{
+    if (!find(command.serialNumber))
+        return {m_scenario.times.reassign, ReaderError::PumpNotFound, {}};
+    return {m_scenario.times.reassign, 0, [this, command] {
+                tie(command.serialNumber, command.patientId);
+                return command.serialNumber;
+            }};
+}
+
+ReaderSimulator::Plan ReaderSimulator::planDelete(const ReaderCommand& command)
+{
+    if (!find(command.serialNumber))
+        return {m_scenario.times.remove, ReaderError::PumpNotFound, {}};
+    return {m_scenario.times.remove, 0, [this, serialNumber = command.serialNumber] {
+                tie(serialNumber, {});
+                return serialNumber;
+            }};
+}
+
+Pump* ReaderSimulator::find(const QString& serialNumber)
+{
+    const auto found = std::find_if(m_memory.pumps.begin(), m_memory.pumps.end(),
+                                    [&](const Pump& pump) { return pump.serialNumber == serialNumber; });
+    return found == m_memory.pumps.end() ? nullptr : found;
+}
+
+void ReaderSimulator::tie(const QString& serialNumber, const QString& patientId)
+{
+    // A patient has one pump at most, so BTISPAIRED has one answer.
+    for (Pump& pump : m_memory.pumps) {
+        if (pump.serialNumber == serialNumber)
+            pump.patientId = patientId;
+        else if (pump.patientId == patientId)
+            pump.patientId.clear();
+    }
+    QString error;
+    if (!saveMemory(memoryFile(m_drive), m_memory, &error))
+        fail(error);
+    writeDeviceList();
+}
+
+void ReaderSimulator::writeDeviceList()
+{
+    QVector<Pump> listed;
+    std::copy_if(m_memory.pumps.cbegin(), m_memory.pumps.cend(), std::back_inserter(listed),
+                 [this](const Pump& pump) { return !pump.patientId.isEmpty() || m_seen.contains(pump.serialNumber); });
+    m_drive.replaceFile(ReaderNames::DeviceList, deviceListXml(listed));
+}
+
+void ReaderSimulator::setStatus(const QString& word, const QString& result, int error)
+{
+    // Nothing else in the file would tell a second equal answer from the first.
+    if (m_behaviour.changesHeader)
+        ++m_statusCount;
+    const QString header = QStringLiteral("QD17-C RemoteControl File %1-%2")
+                               .arg(m_memory.starts, 4, 10, QLatin1Char('0'))
+                               .arg(m_statusCount, 6, 10, QLatin1Char('0'));
+    const QString shown = m_behaviour.statusWord.isEmpty() ? word : m_behaviour.statusWord;
+    if (m_behaviour.refreshesStatus)
+        m_drive.setStatus(statusText({header, m_active, shown, result, error}));
+    Q_EMIT logged(QStringLiteral("%1 %2, result \"%3\", error %4").arg(m_active, shown, result).arg(error));
+}
+
+int ReaderSimulator::duration(int milliseconds)
+{
+    if (m_instant)
+        return m_behaviour.extraMs;
+    const int percent =
+        m_scenario.jitterPercent > 0 ? m_random.bounded(-m_scenario.jitterPercent, m_scenario.jitterPercent + 1) : 0;
+    return milliseconds + milliseconds * percent / 100 + m_behaviour.extraMs;
+}
+
+void ReaderSimulator::fail(const QString& error)
+{
+    m_step.stop();
+    m_progress.stop();
+    Q_EMIT failed(error);
+}

@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "workbench/reader/ReaderCommand.h"
+#include "workbench/reader/ReaderMemory.h"
+#include "workbench/reader/Scenario.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QRandomGenerator>
+#include <QSet>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+class ExchangeFile;
+class ReaderDrive;
+
+/// The codes with which the simulated reader itself fails.
+namespace ReaderError {
+inline constexpr int NothingToConfirm = 20;
+inline constexpr int UserSaidNo = 21;
+inline constexpr int UserGone = 22;
+inline constexpr int PumpNotFound = 31;
+inline constexpr int AlreadyPaired = 124;
+} // namespace ReaderError
+
+/// Plays the device reader on a drive. One command is at work at a time: a new one takes the place of an unfinished
+/// one, as a reader has no queue. Lives on one thread, whose event loop carries it.
+class ReaderSimulator final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ReaderSimulator)
+
+public:
+    /// The drive is open already, not owned, and outlives this object. With @p instant every duration is 0.
+    ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, bool instant, QObject* parent = nullptr);
+    ~ReaderSimulator() override;
+
+    /// Takes up what an earlier run has kept, writes the first status, the firmware log and the device list, and
+    /// listens. False with a sentence for the user if the kept pairings can't be read or written.
+    bool start(QString* error);
+
+    /// Ties a pump to a patient before start(), whatever the scenario or an earlier run says.
+    void pairBeforehand(const QString& serialNumber, const QString& patientId);
+
+Q_SIGNALS:
+    /// One line of what the reader does, for people.
+    void logged(const QString& line);
+    /// The reader can't go on.
+    void failed(const QString& error);
+
+private:
+    /// What a command comes to: it takes a time, and then fails with a code or has an effect and a result.
+    struct Plan
+    {
+        int durationMs = 0;
+        int failCode = 0;
+        std::function<QString()> effect;
+    };
+
+    void onCommandWritten(const QByteArray& bytes);
+    void begin(const ReaderCommand& command);
+    void dropCommand();
+    void showRunning();
+    void onProgress();
+    void finish();
+
+    Plan planFor(const ReaderCommand& command);
+    Plan planSearch();
+    Plan planPair(const ReaderCommand& command);
+    Plan planConfirm(bool accepted);
+    Plan planRead(const ReaderCommand& command);
+    Plan planReassign(const ReaderCommand& command);
+    Plan planDelete(const ReaderCommand& command);
+    QString publishExchangeFile(const Pump& pump);
+
+    Pump* find(const QString& serialNumber);
+    void tie(const QString& serialNumber, const QString& patientId);
+    void writeDeviceList();
+    void setStatus(const QString& word, const QString& result, int error);
+    int duration(int milliseconds);
+    void fail(const QString& error);
+
+    ReaderDrive& m_drive;
+    const Scenario m_scenario;
+    const bool m_instant;
+    ReaderMemory m_memory;
+    QHash<QString, QString> m_pairedBeforehand;
+    QRandomGenerator m_random;
+    QSet<QString> m_seen;
+    int m_statusCount = 0;
+
+    QString m_active;
+    Behaviour m_behaviour;
+    Plan m_plan;
+    QTimer m_step;
+    QTimer m_progress;
+    QElapsedTimer m_running;
+    std::function<void()> m_next;
+    std::unique_ptr<ExchangeFile> m_exchange;
+    std::optional<ReaderCommand> m_toConfirm;
+};

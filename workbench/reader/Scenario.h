@@ -1,0 +1,87 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "workbench/reader/Faults.h"
+
+#include <QDate>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <optional>
+
+/// What the person who carries a pump does when the pump asks for the pairing.
+enum class PumpUser {
+    Confirms,
+    Declines,
+    WalksAway,
+};
+
+struct Pump
+{
+    QString serialNumber;
+    QString name = QStringLiteral("Cygnara");
+    QString model = QStringLiteral("M-300");
+    QString address;
+    /// What the pump shows for the user to compare, and BTPAIR answers.
+    QString confirmationCode = QStringLiteral("000000");
+    bool inRange = true;
+    /// The patient that the pump is paired with; empty for none.
+    QString patientId;
+    PumpUser user = PumpUser::Confirms;
+    int userTakesMs = 1000;
+    /// Error codes by command word: such a command fails half way with its code.
+    QHash<QString, int> errors;
+};
+
+/// Durations in milliseconds.
+struct ReaderTimes
+{
+    int pickup = 200;
+    int isPaired = 300;
+    int search = 3000;
+    int connect = 1500;
+    int read = 8000;
+    int pair = 2000;
+    int confirm = 800;
+    int reassign = 600;
+    int remove = 600;
+    int abort = 300;
+    /// How long the reader waits for the pump's user.
+    int userLimit = 30000;
+    /// The pause between two statuses of a command that runs; 0 for a single one.
+    int progress = 500;
+};
+
+struct ExchangeSettings
+{
+    int days = 28;
+    QDate lastDay = QDate(2026, 3, 1);
+    int bolusesPerDay = 6;
+    int eventsPerDay = 4;
+};
+
+/// The reader's whole world.
+struct Scenario
+{
+    QString firmware = QStringLiteral("3.2.23");
+    quint32 seed = 1;
+    /// By how many percent, at most, a duration differs from the one set; drawn from the seed.
+    int jitterPercent = 0;
+    ReaderTimes times;
+    ExchangeSettings exchange;
+    QVector<Pump> pumps;
+    FaultSet faults;
+};
+
+/// Reads a scenario from @p bytes. Every fault is told, one entry each: the line for text that isn't JSON, the field's
+/// path ("pumps[1].address: ...") for a value that doesn't fit or a field that nobody knows.
+std::optional<Scenario> parseScenario(const QByteArray& bytes, QStringList* errors);
+
+/// The same from a file; each entry of @p errors begins with the file's name.
+std::optional<Scenario> loadScenario(const QString& fileName, QStringList* errors);
+
+/// The world without a scenario file: one pump that is free and one out of range.
+Scenario defaultScenario();
