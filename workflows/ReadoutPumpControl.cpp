@@ -1,0 +1,147 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workflows/ReadoutPumpControl.h"
+
+#include "plugin/session/Logger.h"
+#include "plugin/session/PatientSession.h"
+#include "reader/CommandFileWriter.h"
+#include "reader/DeviceList.h"
+#include "reader/ErrorHandler.h"
+#include "reader/StatusFileParser.h"
+#include "toolkit/LmMessageBox.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace {
+
+void trace(const QString& message, const QString& detail2 = {})
+{
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("mcp"), {}, detail2);
+}
+
+void failure(const QString& message)
+{
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("err"), {}, {});
+}
+
+} // namespace
+
+ReadoutPumpControl::ReadoutPumpControl(QObject* parent)
+    : QObject(parent)
+{}
+
+void ReadoutPumpControl::startSearching(const QString& serialNumber)
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    connect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onSearchingFinished, Qt::QueuedConnection);
+    m_serialNumber = serialNumber;
+    trace(QStringLiteral("<== [Read Controller] Start searching: snr='%1'.").arg(m_serialNumber));
+    CommandFileWriter::instance()->search();
+    parser->start(20, 0, 0);
+}
+
+void ReadoutPumpControl::onSearchingFinished(bool success)
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    disconnect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onSearchingFinished);
+    const StatusRecord record = parser->m_lastStatus;
+
+    // A cancelled search is told as such, whatever the run's outcome.
+    if (record.status == CommandStatus::Canceled) {
+        failure(QStringLiteral("=!= [Read Controller] Searching canceled: error='%1'.").arg(record.error));
+        Q_EMIT searchingFinished(CommandStatus::Canceled);
+        return;
+    }
+    if (!success) {
+        failure(QStringLiteral("=!= [Read Controller] Searching failed."));
+        Q_EMIT searchingFinished(CommandStatus::Unknown);
+        return;
+    }
+    if (record.status == CommandStatus::Failed) {
+        // The log line stands ahead of the box here, behind it in a read-out.
+        failure(QStringLiteral("=!= [Read Controller] Searching failed: error='%1'.").arg(record.error));
+        ErrorHandler::showError(record.error);
+        Q_EMIT searchingFinished(CommandStatus::Failed);
+        return;
+    }
+
+    const QList<DeviceInfo> devices =
+        readDeviceList(CommandFileWriter::instance()->m_path, QStringLiteral("DEVLIST.XML"));
+    const bool found = std::any_of(devices.cbegin(), devices.cend(),
+                                   [this](const DeviceInfo& device) { return device.serialNumber == m_serialNumber; });
+    if (found) {
+        trace(QStringLiteral("==> [Read Controller] Searching succeeded: status='%1'.").arg(int(record.status)));
+        startReadout(m_serialNumber);
+        return;
+    }
+
+    LmMessageBox box(QMessageBox::Warning, tr("Merivo Connections", "Message box title used when read pump failed."),
+                     tr("The paired device for the patient can't be found."), QMessageBox::Ok, nullptr);
+    box.exec();
+    failure(QStringLiteral("=!= [Read Controller] Searching failed: no paired pump with snr='%1' for patient found.")
+                .arg(m_serialNumber));
+    Q_EMIT searchingFinished(record.status);
+}
+
+void ReadoutPumpControl::startReadout(const QString& serialNumber)
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    connect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onReadoutFinished, Qt::QueuedConnection);
+    connect(parser, &StatusFileParser::progress, this, &ReadoutPumpControl::onReadoutProgress, Qt::QueuedConnection);
+    // Ahead of the new serial number: the opening report still carries the earlier one.
+    onReadoutProgress(0);
+    m_serialNumber = serialNumber;
+    trace(QStringLiteral("<== [Read Controller] Start readout: snr='%1'.").arg(m_serialNumber));
+    CommandFileWriter::instance()->read(m_serialNumber);
+    parser->start(440, 20, 0);
+}
+
+void ReadoutPumpControl::onReadoutProgress(int percentage)
+{
+    Q_EMIT readoutProgress(m_serialNumber, percentage);
+}
+
+void ReadoutPumpControl::onReadoutFinished(bool success)
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    const StatusRecord record = parser->m_lastStatus;
+    disconnect(parser, &StatusFileParser::progress, this, &ReadoutPumpControl::onReadoutProgress);
+    disconnect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onReadoutFinished);
+
+    if (record.status == CommandStatus::Canceled) {
+        failure(QStringLiteral("=!= [Read Controller] Readout canceled: error='%1'.").arg(record.error));
+        Q_EMIT readoutFinished(CommandStatus::Canceled);
+    } else if (!success) {
+        failure(QStringLiteral("=!= [Read Controller] Readout failed."));
+        Q_EMIT readoutFinished(CommandStatus::Unknown);
+    } else if (record.status == CommandStatus::Failed) {
+        ErrorHandler::showError(record.error);
+        failure(QStringLiteral("=!= [Read Controller] Readout failed: error='%1'.").arg(record.error));
+        Q_EMIT readoutFinished(CommandStatus::Failed);
+    } else {
+        findExchangeFile(record.status);
+    }
+}
+
+void ReadoutPumpControl::findExchangeFile(CommandStatus status)
+{
+    onReadoutProgress(100);
+
+    // Letter case doesn't matter and a folder counts: anything but one single match is a reader that must be looked at.
+    const QDir directory(StatusFileParser::instance()->m_path);
+    const QStringList entries = directory.entryList({QStringLiteral("I*.xml")});
+    if (entries.size() == 1) {
+        const QString path = directory.absoluteFilePath(entries.first());
+        PatientSession::instance()->setExchangeFilePath(path);
+        trace(QStringLiteral("==> [Read Controller] Readout succeeded: status='%1'.").arg(int(status)), path);
+        Q_EMIT readoutSucceeded();
+        return;
+    }
+
+    const QString reason = entries.isEmpty() ? QStringLiteral("missing exchange file")
+                                             : QStringLiteral("To many (=%1) exchange files found").arg(entries.size());
+    failure(QStringLiteral("=!= [Read Controller] Readout failed: %1.").arg(reason));
+    Q_EMIT readoutFinished(CommandStatus::Unknown);
+}
