@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "dialogs/DialogHeader.h"
+
+#include "plugin/session/PatientSession.h"
+#include "toolkit/LmIcons.h"
+
+#include <QLabel>
+#include <QPixmap>
+#include <QVariant>
+
+namespace {
+
+void showIfAny(QLabel* label, const QString& text)
+{
+    label->setText(text);
+    label->setVisible(!text.isEmpty());
+}
+
+} // namespace
+
+void markBigSizeFont(QWidget* widget)
+{
+    widget->setProperty("BigSizeFont", true);
+}
+
+void markHighlightFont(QWidget* widget)
+{
+    widget->setProperty("HighlightFont", true);
+}
+
+void showSimulationPath(QLabel* label, const QString& path)
+{
+    if (path.isEmpty()) {
+        label->hide();
+        return;
+    }
+    // A developer's aid and no part of the translation.
+    label->setText(QStringLiteral("SimulationPath: '%1'").arg(path));
+    label->setToolTip(label->text());
+}
+
+void showPatient(QLabel* line1, QLabel* line2)
+{
+    markHighlightFont(line1);
+    const PatientSession* session = PatientSession::instance();
+    showIfAny(line1, session->patientName());
+    showIfAny(line2, session->patientIdExt());
+}
+
+void showScaledToWidth(QLabel* label, const QString& path, int width)
+{
+    if (!label)
+        return;
+    const QPixmap current = label->pixmap(Qt::ReturnByValue);
+    const QSize size = current.scaledToWidth(width, Qt::FastTransformation).size();
+    label->setPixmap(lmIcon(path).pixmap(size));
+}

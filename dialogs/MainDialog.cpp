@@ -1,0 +1,212 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "dialogs/MainDialog.h"
+
+#include "dialogs/DialogHeader.h"
+#include "dialogs/PumpReadDialog.h"
+#include "host/IDatabase.h"
+#include "host/IServices.h"
+#include "plugin/session/Logger.h"
+#include "plugin/session/PatientSession.h"
+#include "reader/CommandFileWriter.h"
+#include "reader/ErrorHandler.h"
+#include "reader/StatusFileParser.h"
+#include "toolkit/LmIcons.h"
+#include "toolkit/LmMessageBox.h"
+#include "toolkit/LmWidgets.h"
+
+#include <QTimer>
+
+namespace {
+
+constexpr int QueryTimeoutSec = 20;
+constexpr int PauseAfterAbortMs = 2000;
+constexpr int PictureWidth = 100;
+constexpr QSize StateIconSize{32, 32};
+/// A shorter answer to the paired pump query, such as "0", means that there is no pump.
+constexpr int ShortestSerialNumber = 3;
+
+void trace(const QString& message)
+{
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("mcp"), {}, {});
+}
+
+void failure(const QString& message, const QString& detail2 = {})
+{
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("err"), {}, detail2);
+}
+
+} // namespace
+
+MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent)
+    : QDialog(parent)
+    , m_services(services)
+    , m_database(database)
+    , m_simulationPath(simulationPath)
+{
+    setupUi(this);
+    lmRemoveHelpButton(this);
+
+    markBigSizeFont(m_TitleLabel);
+    markHighlightFont(m_TitleLabel);
+    m_TitleLabel->hide();
+    showSimulationPath(m_SimulationLabel, m_simulationPath);
+    // Nothing failed, but a log that shows no real reader must stand out.
+    if (!m_simulationPath.isEmpty())
+        failure(QStringLiteral("Device reader simulation used."), m_simulationPath);
+    showPatient(m_PatientLine1, m_PatientLine2);
+
+    showScaledToWidth(m_GraphicLabel1, QStringLiteral(":/img/Images/Cygnara.svg"), PictureWidth);
+    showScaledToWidth(m_GraphicLabel3, QStringLiteral(":/img/Images/DeviceReader.svg"), PictureWidth);
+    m_GraphicLabel2->setPixmap(lmIcon(QStringLiteral(":/img/Images/icon_help_grey_dark.svg")).pixmap(StateIconSize));
+
+    connect(m_readPumpButton, &QPushButton::clicked, this, &MainDialog::openReadDialog);
+    connect(m_DialogButtonBox, &QDialogButtonBox::clicked, this, &MainDialog::reject);
+    connect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout,
+            Qt::QueuedConnection);
+
+    refresh();
+    prepareReader();
+}
+
+void MainDialog::prepareReader()
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    const StatusRecord record = parser->readStatus();
+    trace(QStringLiteral("=?= <%1> status at open.").arg(record.toLogText()));
+    if (record.status != CommandStatus::Running) {
+        queryPairedPump();
+        return;
+    }
+
+    CommandFileWriter::instance()->abort();
+    connect(parser, &StatusFileParser::finished, this, &MainDialog::onPrepareFinished, Qt::QueuedConnection);
+    parser->start(QueryTimeoutSec, 0, 0);
+}
+
+void MainDialog::onPrepareFinished(bool success)
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    disconnect(parser, &StatusFileParser::finished, this, &MainDialog::onPrepareFinished);
+
+    if (!success)
+        failure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: not executed."));
+    const CommandStatus status = parser->m_lastStatus.status;
+    if (status == CommandStatus::Done)
+        trace(QStringLiteral("==> [Main dialog] Prepare (abort old running) succeeded."));
+    else
+        failure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: status='%1'.").arg(int(status)));
+
+    // A failed abort doesn't stop the dialog.
+    QTimer::singleShot(PauseAfterAbortMs, this, &MainDialog::queryPairedPump);
+}
+
+void MainDialog::queryPairedPump()
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    connect(parser, &StatusFileParser::finished, this, &MainDialog::onPairedPumpQueryFinished, Qt::QueuedConnection);
+    PatientSession::instance()->setPump({}, {});
+    CommandFileWriter::instance()->isPaired(PatientSession::instance()->patientId());
+    ++m_queryCount;
+    parser->start(QueryTimeoutSec, 0, 0);
+    refresh();
+}
+
+void MainDialog::onPairedPumpQueryFinished(bool success)
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    // From the first answer on a silent reader is the business of the pump dialogs.
+    disconnect(parser, &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout);
+    disconnect(parser, &StatusFileParser::finished, this, &MainDialog::onPairedPumpQueryFinished);
+    const StatusRecord record = parser->m_lastStatus;
+
+    if (!success) {
+        onPairedPumpQueryNotExecuted();
+        return;
+    }
+
+    const QString patientId = PatientSession::instance()->patientId();
+    if (record.status == CommandStatus::Failed) {
+        failure(QStringLiteral("=!= Paired pump query for patient '%1' failed: <%2 : %3>.")
+                    .arg(patientId, QString::number(record.error), record.result));
+        ErrorHandler::showError(record.error);
+        // Past the guard of reject(): the dialog is over, though what follows is carried out.
+        QDialog::reject();
+    }
+
+    m_pairedPumpKnown = true;
+    const QString serialNumber = record.result.size() >= ShortestSerialNumber ? record.result : QString();
+    PatientSession::instance()->setPumpSerialNumber(serialNumber);
+    trace(QStringLiteral("=== Paired pump query for patient '%2' finished: snr='%1'.").arg(serialNumber, patientId));
+    refresh();
+}
+
+void MainDialog::onPairedPumpQueryNotExecuted()
+{
+    failure(QStringLiteral("=!= %0. Paired pump query for patient '%1' not executed by device reader.")
+                .arg(QString::number(m_queryCount), PatientSession::instance()->patientId()));
+    if (m_queryCount > 1) {
+        const QString text = tr("<b>Request of patient assigned paired pump failed.</b>") + QStringLiteral("<br/>") +
+                             tr("Do you want to retry the request?");
+        LmMessageBox box(QMessageBox::Question,
+                         tr("Merivo Connections", "Message box title used in communication error/warning messages"),
+                         text, QMessageBox::Yes | QMessageBox::No, nullptr);
+        if (box.exec() != QMessageBox::Yes)
+            QDialog::reject();
+    }
+    // Also after a No: the command still goes out while the dialog closes.
+    queryPairedPump();
+}
+
+void MainDialog::onDeviceReaderTimeout()
+{
+    LmMessageBox box(
+        QMessageBox::Warning, tr("Merivo Connections", "Default message box title used within plugin warnings."),
+        tr("Something is wrong with the devicereader. Please reconnect it to the PC."), QMessageBox::Ok, nullptr);
+    box.exec();
+    // Past the guard of reject().
+    QDialog::reject();
+}
+
+void MainDialog::openReadDialog()
+{
+    PumpReadDialog dialog(m_services, m_database, m_simulationPath, nullptr);
+    connect(&dialog, &PumpReadDialog::importDataReady, this, &MainDialog::onImportDataReady);
+    connect(&dialog, &PumpReadDialog::deviceReaderCritical, this, &MainDialog::reject, Qt::QueuedConnection);
+    dialog.exec();
+    refresh();
+}
+
+void MainDialog::onImportDataReady()
+{
+    const QString guid = m_database->databaseGuid(m_services->path(IServices::DatabasePath));
+    Q_EMIT importDataReady(guid);
+    reject();
+}
+
+void MainDialog::refresh()
+{
+    const QString serialNumber = PatientSession::instance()->pumpSerialNumber();
+    const bool hasPump = m_pairedPumpKnown && !serialNumber.isEmpty();
+
+    setUpdatesEnabled(false);
+    m_addPumpButton->setEnabled(m_pairedPumpKnown && !hasPump);
+    m_readPumpButton->setEnabled(hasPump);
+    m_removePumpButton->setEnabled(hasPump);
+    m_DialogButtonBox->setEnabled(m_pairedPumpKnown);
+    if (m_pairedPumpKnown)
+        m_pumpAssignLabel->setText(hasPump ? tr("Pump assigned: S/N '%1'.").arg(serialNumber) : tr("No pump assigned"));
+    m_pumpAssignLabel->setVisible(m_pairedPumpKnown);
+    const QString image = hasPump ? QStringLiteral(":/img/Images/icon_connected.svg")
+                                  : QStringLiteral(":/img/Images/icon_plus_grey_dark.svg");
+    m_GraphicLabel2->setPixmap(lmIcon(image).pixmap(StateIconSize));
+    if (m_pairedPumpKnown)
+        m_GraphicLabel2->setAccessibleName(m_pumpAssignLabel->text());
+    setUpdatesEnabled(true);
+}
+
+void MainDialog::reject()
+{
+    if (m_pairedPumpKnown)
+        QDialog::reject();
+}

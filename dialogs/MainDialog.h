@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui_MainDialog.h"
+
+#include <QDialog>
+
+class IDatabase;
+class IServices;
+
+/// What the user sees of the plug-in for the open patient: which pump the reader holds for the patient, and the three
+/// actions on it.
+///
+/// Only the reader knows that pump, so on opening the dialog aborts a command that an earlier run left behind and then
+/// asks for it. Until the first answer all actions are off and the dialog can't be closed; a reader that stays silent
+/// until then, or answers with an error, ends the dialog. CommandFileWriter and StatusFileParser must outlive it.
+class MainDialog final : public QDialog, private Ui::MainDialog
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(MainDialog)
+
+public:
+    /// Services and database stay the host's. A simulation path that isn't empty is shown to the user.
+    MainDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
+
+    /// Closes the dialog once the patient's pump is known; does nothing before.
+    void reject() override;
+
+Q_SIGNALS:
+    /// A read-out has ended with data, whose path is in PatientSession; the dialog closes right after. Carries the GUID
+    /// of the open database.
+    void importDataReady(QString dbGuid);
+
+private:
+    void prepareReader();
+    void onPrepareFinished(bool success);
+    void queryPairedPump();
+    void onPairedPumpQueryFinished(bool success);
+    void onPairedPumpQueryNotExecuted();
+    void onDeviceReaderTimeout();
+    void openReadDialog();
+    void onImportDataReady();
+    void refresh();
+
+    IServices* m_services;
+    IDatabase* m_database;
+    QString m_simulationPath;
+    int m_queryCount = 0;           ///< paired pump queries started
+    bool m_pairedPumpKnown = false; ///< false until a query has had an answer, then true for good
+};

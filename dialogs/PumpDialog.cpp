@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "dialogs/PumpDialog.h"
+
+#include "dialogs/DialogHeader.h"
+#include "reader/StatusFileParser.h"
+#include "toolkit/LmMessageBox.h"
+#include "toolkit/LmWidgets.h"
+
+#include <QLabel>
+
+PumpDialog::PumpDialog(IServices* services, IDatabase* database, QWidget* parent)
+    : QDialog(parent)
+    , m_services(services)
+    , m_database(database)
+    , m_busyMovie(QStringLiteral(":/img/Images/busy.gif"))
+{
+    // Without a frame a label shows nothing until the movie runs, and takes no room in the layout.
+    m_busyMovie.jumpToFrame(0);
+    lmRemoveHelpButton(this);
+    connect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &PumpDialog::onDeviceReaderTimeout,
+            Qt::QueuedConnection);
+}
+
+void PumpDialog::onDeviceReaderTimeout()
+{
+    LmMessageBox box(
+        QMessageBox::Warning, tr("Merivo Connections", "Default message box title used within plugin warnings."),
+        tr("Something is wrong with the devicereader. Please reconnect it to the PC."), QMessageBox::Ok, nullptr);
+    box.exec();
+    Q_EMIT deviceReaderCritical();
+    // Past the guard of reject(): Cancel is off while a command runs.
+    QDialog::reject();
+}
+
+void PumpDialog::reject()
+{
+    if (isCancelEnabled())
+        QDialog::reject();
+}
+
+void PumpDialog::fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
+                            const QString& simulationPath)
+{
+    markBigSizeFont(title);
+    markHighlightFont(title);
+    showSimulationPath(simulation, simulationPath);
+    showPatient(patientLine1, patientLine2);
+}
+
+void PumpDialog::setWidthScaledPixmap(QLabel* label, const QString& path, int width)
+{
+    showScaledToWidth(label, path, width);
+}

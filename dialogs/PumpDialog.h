@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDialog>
+#include <QMovie>
+
+class IDatabase;
+class IServices;
+class QLabel;
+
+/// Base of the dialogs that drive the reader: the host's interfaces, the busy animation, the end of a dialog whose
+/// reader has stopped answering, and the rule that a dialog with its Cancel button off can't be closed by the user.
+class PumpDialog : public QDialog
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(PumpDialog)
+
+public:
+    /// Services and database stay the host's. StatusFileParser must outlive the dialog.
+    PumpDialog(IServices* services, IDatabase* database, QWidget* parent);
+
+    /// Closes the dialog if isCancelEnabled(), otherwise does nothing.
+    void reject() override;
+    /// True if the dialog has a Cancel button and that button is enabled.
+    virtual bool isCancelEnabled() const = 0;
+
+Q_SIGNALS:
+    /// The reader has stopped answering and the user has been told; the dialog closes as Rejected right after.
+    void deviceReaderCritical();
+
+protected:
+    /// Fills the header that the pump dialogs have in common.
+    void fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
+                    const QString& simulationPath);
+
+    /// Shows the image at @p path on @p label, @p width wide, in the shape of the pixmap that the label has. A null
+    /// label is ignored.
+    void setWidthScaledPixmap(QLabel* label, const QString& path, int width);
+
+    IServices* m_services;
+    IDatabase* m_database;
+    QMovie m_busyMovie; ///< on its first frame until started; one movie serves all labels of a dialog
+
+private:
+    void onDeviceReaderTimeout();
+};
