@@ -212,9 +212,100 @@ def pump_pictures():
     picture("DeviceReader.svg", 63.24, 81.23, image(rasters.reader(), 63.24, 81.23))
 
 
+def slab(a, b):
+    """The pump's face as it lies before the viewer: `a` along its long side, `b` along its short one."""
+    return 1.7 + 0.866 * (a + b), 49.3 + 0.45 * (b - a)
+
+
+def curve(*points):
+    return "C" + " ".join(f"{number(x)} {number(y)}" for x, y in points)
+
+
+def corner(a, b, da, db):
+    """The four points of a rounded corner, which comes in along (-da or -db) and whose sharp corner is (a, b)."""
+    k = 0.4477
+    first, second = ((a, b + db), (a + da, b)) if da * db < 0 else ((a + da, b), (a, b + db))
+    return [slab(*first), slab(a + (first[0] - a) * k, b + (first[1] - b) * k),
+            slab(a + (second[0] - a) * k, b + (second[1] - b) * k), slab(*second)]
+
+
+def slab_rect(a0, b0, a1, b1, r):
+    """The corners in clockwise order as seen: left, top, right, bottom."""
+    corners = [corner(a0, b0, r, r), corner(a1, b0, -r, r), corner(a1, b1, -r, -r), corner(a0, b1, r, -r)]
+    corners[0].reverse()
+    corners[2].reverse()
+    corners[1], corners[3] = corners[1][::-1], corners[3][::-1]
+    return corners
+
+
+def closed(corners):
+    return move(corners[0][0]) + "".join(curve(*c[1:]) + line(corners[(i + 1) % 4][0]) for i, c in enumerate(corners)) + "Z"
+
+
+def halves(points):
+    """A cubic curve cut in its middle."""
+    def mid(p, q):
+        return (p[0] + q[0]) / 2, (p[1] + q[1]) / 2
+
+    ab, bc, cd = (mid(p, q) for p, q in zip(points, points[1:]))
+    abc, bcd = mid(ab, bc), mid(bc, cd)
+    return [points[0], ab, abc, mid(abc, bcd)], [mid(abc, bcd), bcd, cd, points[3]]
+
+
+def pump_finger():
+    outline, skin, slab_line = "#717272", "#efefef", "#727373"
+
+    def stroke(d, colour, width, fill="none"):
+        return (f'<path fill="{fill}" stroke="{colour}" stroke-width="{width}" stroke-linecap="round" '
+                f'stroke-linejoin="round" d="{d}"/>')
+
+    face = slab_rect(0, 0, 50, 34, 8)
+    # The side below the face, from the leftmost to the rightmost point.
+    thick = 5.2
+
+    def lower(points):
+        return [(x, y + thick) for x, y in points]
+
+    left, right = halves(face[0])[0], halves(face[2])[1]
+    start, end = left[3], right[0]
+    side = (move(start) + line((start[0], start[1] + thick)) + curve(*lower(left[::-1])[1:]) + line(lower(face[3][::-1])[0])
+            + curve(*lower(face[3][::-1])[1:]) + line(lower(right[::-1])[0]) + curve(*lower(right[::-1])[1:]) + line(end))
+
+    touch = slab(18.5, 17)
+
+    def ring(radius, style):
+        return (f'<ellipse cx="{number(touch[0])}" cy="{number(touch[1])}" rx="{number(radius * 1.2247)}" '
+                f'ry="{number(radius * 0.6364)}" {style}/>')
+
+    # The finger, along its axis from the tip and across it.
+    lean = radians(-57)
+
+    def on(u, v):
+        return (touch[0] + 0.4 + (u - 1.6) * cos(lean) - v * sin(lean), touch[1] + (u - 1.6) * sin(lean) + v * cos(lean))
+
+    def at_top(v):
+        """How far along the axis the picture's upper edge is."""
+        return 1.6 - (touch[1] + v * cos(lean)) / sin(lean)
+
+    far, near = at_top(-8.2), at_top(8.2)
+    contour = (move(on(far, -8.2)) + curve(on(42, -7.6), on(36, -6.7), on(31, -6.9)) + curve(on(26, -7.1), on(22, -7.3), on(18, -6.6))
+               + curve(on(14, -6.1), on(10, -6.2), on(6.5, -5.8)) + curve(on(2.2, -5.2), on(0, -2.8), on(0, 0))
+               + curve(on(0, 2.8), on(2.2, 5.2), on(6.5, 5.8)) + curve(on(10, 6.2), on(14, 6.1), on(18, 6.6))
+               + curve(on(22, 7.3), on(26, 7.1), on(31, 6.9)) + curve(on(36, 6.7), on(42, 7.6), on(near, 8.2)))
+    nail = (move(on(10.2, -3.2)) + curve(on(7, -3.7), on(3.2, -3.0), on(3.0, 0)) + curve(on(3.2, 3.0), on(7, 3.7), on(10.2, 3.2))
+            + curve(on(11.2, 1.6), on(11.2, -1.6), on(10.2, -3.2)) + "Z")
+    creases = "".join(move(on(u, -v)) + curve(on(u + 1.0, -v / 2), on(u + 1.0, v / 2), on(u, v)) for u, v in ((22.6, 3.4), (25.2, 2.4)))
+    picture("PumpFinger.svg", 77.04, 70.76,
+            stroke(closed(face), slab_line, 1.5), stroke(side, slab_line, 1.5),
+            stroke(closed(slab_rect(4.5, 5, 32.5, 29, 3)), slab_line, 1), stroke(closed(slab_rect(38.5, 8, 44.5, 26, 3)), slab_line, 1),
+            ring(9.2, f'fill="none" stroke="{GREEN}" stroke-width="1.5"'), ring(5.2, f'fill="{GREEN}"'),
+            stroke(contour, outline, 1.5, skin), stroke(nail, outline, 1, "#ffffff"), stroke(creases, outline, 1))
+
+
 def main():
     IMAGES.mkdir(parents=True, exist_ok=True)
     icons()
+    pump_finger()
     pump_pictures()
     rasters.spinner(IMAGES / "busy.gif")
 
