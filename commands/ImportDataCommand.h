@@ -17,6 +17,9 @@ class ImportDataCommand final : public IImportDataCmd, public CommandExt, public
 public:
     explicit ImportDataCommand(QObject* owner);
 
+    using ModeData::assign;
+    using PatientData::assign;
+
     QString filePath() const override;
     QString importTag() const override;
     /// Streams the whole file at each call, in memory that doesn't grow with it. A file that can't be opened gives the
