@@ -42,3 +42,22 @@ function(merivo_set_test_properties name timeout labels)
         LABELS "${labels}"
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;TSAN_OPTIONS=suppressions=${suppressions}:halt_on_error=1:second_deadlock_stack=1;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1")
 endfunction()
+
+# merivo_export_only(NAME SYMBOL...): the library's dynamic symbols are these and no others, weak template symbols
+# included, which hidden visibility alone would leave. On Windows only what the code declares is exported anyway.
+function(merivo_export_only name)
+    set(exports "${CMAKE_CURRENT_BINARY_DIR}/${name}.exports")
+    if(WIN32)
+        return()
+    elseif(APPLE)
+        list(TRANSFORM ARGN PREPEND "_" OUTPUT_VARIABLE symbols)
+        string(JOIN "\n" content ${symbols})
+        target_link_options(${name} PRIVATE "LINKER:-exported_symbols_list,${exports}")
+    else()
+        string(JOIN "; " symbols ${ARGN})
+        set(content "{ global: ${symbols}; local: *; };")
+        target_link_options(${name} PRIVATE "LINKER:--version-script=${exports}")
+    endif()
+    file(GENERATE OUTPUT "${exports}" CONTENT "${content}\n")
+    set_target_properties(${name} PROPERTIES LINK_DEPENDS "${exports}")
+endfunction()

@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "plugin/MerivoConnectionsComponent.h"
+
+#include "commands/CommandController.h"
+#include "dialogs/MainDialog.h"
+#include "plugin/MerivoConnectionsPlugin.h"
+#include "plugin/session/Logger.h"
+#include "plugin/session/PatientSession.h"
+#include "reader/CommandFileWriter.h"
+#include "reader/StatusFileParser.h"
+#include "reader/UsbDeviceAdapter.h"
+#include "toolkit/LmMessageBox.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+
+#include <array>
+#include <memory>
+
+namespace {
+
+using Version = std::array<int, 3>; // major, minor, patch
+
+constexpr Version LowestFirmware{3, 2, 23};
+
+void trace(const QString& message)
+{
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("mcp"), {}, {});
+}
+
+/// The version at the end of a firmware log's fifth line. A missing line is an empty one.
+Version firmwareVersion(QFile& log)
+{
+    QTextStream stream(&log);
+    QString line;
+    for (int i = 0; i < 5; ++i)
+        line = stream.readLine();
+
+    const QStringList parts = line.split(QLatin1Char(' ')).last().split(QLatin1Char('.'));
+    Version version{};
+    for (int i = 0; i < 3; ++i)
+        version.at(static_cast<std::size_t>(i)) = parts.value(i).toInt();
+    return version;
+}
+
+} // namespace
+
+MerivoConnectionsComponent::MerivoConnectionsComponent(CommandController* commandController,
+                                                       MerivoConnectionsPlugin* plugin)
+    : m_commandController(commandController)
+    , m_plugin(plugin)
+{
+    m_icon.addFile(QStringLiteral(":/img/Images/PumpDownloadGreyDark.svg"), {}, QIcon::Normal, QIcon::Off);
+    m_icon.addFile(QStringLiteral(":/img/Images/PumpDownloadGreyLight.svg"), {}, QIcon::Disabled, QIcon::Off);
+}
+
+QString MerivoConnectionsComponent::title() const
+{
+    return tr("Merivo Connection", "Used as transaltable menu entry");
+}
+
+QIcon MerivoConnectionsComponent::icon() const
+{
+    return m_icon;
+}
+
+IPlugin* MerivoConnectionsComponent::plugin() const
+{
+    return m_plugin;
+}
+
+bool MerivoConnectionsComponent::execute(QWidget* parent)
+{
+    trace(QStringLiteral("--> Plugin component execution started"));
+    if (!m_plugin)
+        return false;
+
+    if (PatientSession::instance()->patientId().isEmpty()) {
+        return fail(parent,
+                    tr("No patient is selected. Please select first an patient and then start the plugin again."),
+                    QStringLiteral("missing patient"));
+    }
+
+    std::shared_ptr<UsbDeviceAdapter> adapter; // Holds the reader for the whole run; a simulation has none.
+    QString drivePath = m_simulationPath;
+    if (m_simulationPath.isEmpty()) {
+        adapter = std::make_shared<UsbDeviceAdapter>(m_plugin->m_deviceAdmin);
+        drivePath = adapter->m_drivePath;
+        if (drivePath.isEmpty()) {
+            return fail(parent, tr("No lumo2 device reader is currently connected."),
+                        QStringLiteral("missing device reader"));
+        }
+        if (!checkFirmware(drivePath)) {
+            return fail(parent,
+                        tr("The Lumodevice has an old firmware. Please update the DeviceReader and start the plugin "
+                           "again"),
+                        QStringLiteral("unsupported firmware version"));
+        }
+    }
+
+    CommandFileWriter::create(drivePath);
+    StatusFileParser::create(drivePath);
+    {
+        MainDialog dialog(m_plugin->m_services, m_plugin->m_database, m_simulationPath, nullptr);
+        connect(&dialog, &MainDialog::importDataReady, m_commandController, &CommandController::importData);
+        dialog.exec();
+
+        trace(QStringLiteral("--- Plugin component execution finishing"));
+        // The parser first: its thread reads the writer. Both before the dialog, which hears of nothing more.
+        delete StatusFileParser::instance();
+        delete CommandFileWriter::instance();
+    }
+    adapter.reset(); // Waits for host and reader.
+    trace(QStringLiteral("<-- Plugin component execution finished"));
+    return true;
+}
+
+bool MerivoConnectionsComponent::checkFirmware(const QString& drivePath)
+{
+    const QString folder = drivePath + QStringLiteral("/MISC");
+    const QStringList entries = QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System, QDir::Unsorted);
+    for (const QString& entry : entries) {
+        if (!entry.startsWith(QLatin1Char('V')) || !entry.contains(QLatin1String(".log"), Qt::CaseInsensitive))
+            continue;
+        QFile log(folder + QLatin1Char('/') + entry);
+        if (log.open(QIODevice::ReadOnly) && firmwareVersion(log) < LowestFirmware)
+            return false;
+    }
+    return true;
+}
+
+/// Ends a run that can't reach the dialog: the user first, then the log.
+bool MerivoConnectionsComponent::fail(QWidget* parent, const QString& text, const QString& reason) const
+{
+    LmMessageBox(QMessageBox::Warning, title(), text, QMessageBox::Ok, parent).exec();
+    Logger::instance(nullptr, nullptr)
+        ->write(QStringLiteral("-!- Plugin component execution failed: ") + reason, QStringLiteral("err"), {}, {});
+    return false;
+}

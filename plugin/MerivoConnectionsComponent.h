@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/IComponent.h"
+
+#include <QIcon>
+#include <QObject>
+
+class CommandController;
+class MerivoConnectionsPlugin;
+
+/// The plug-in's one menu entry: a user's whole work with the plug-in is one execute(). GUI thread only.
+class MerivoConnectionsComponent final : public QObject, public IComponent
+{
+    // No Q_INTERFACES: the host casts to IComponent by its class name, which the base alone brings.
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(MerivoConnectionsComponent)
+
+public:
+    /// Neither is owned, and both outlive the component.
+    MerivoConnectionsComponent(CommandController* commandController, MerivoConnectionsPlugin* plugin);
+
+    QString title() const override;
+    QIcon icon() const override;
+    IPlugin* plugin() const override;
+
+    /// Checks that a patient is open, that a reader is there and that its firmware is new enough, then runs the main
+    /// dialog modally and returns when the user is done. True for a run that reached the dialog. Otherwise the user has
+    /// read a box over @p parent, the log holds the failure, and nothing is left behind.
+    ///
+    /// The event loop turns in here, with all that the host does in it, also before and after the dialog's time.
+    bool execute(QWidget* parent) override;
+
+    /// True unless one of the reader's log files on that drive tells of a firmware below 3.2.23. A drive without such a
+    /// file passes; in a version text a part that is missing, or no number, counts as 0.
+    static bool checkFirmware(const QString& drivePath);
+
+private:
+    bool fail(QWidget* parent, const QString& text, const QString& reason) const;
+
+    CommandController* m_commandController;
+    MerivoConnectionsPlugin* m_plugin;
+    QIcon m_icon;
+
+public:
+    /// Empty, or the folder that takes the place of the reader's drive in all runs.
+    QString m_simulationPath;
+};

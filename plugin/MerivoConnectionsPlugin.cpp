@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "plugin/MerivoConnectionsPlugin.h"
+
+#include "host/ICommandHandler.h"
+#include "host/IDatabase.h"
+#include "host/IDeviceAdmin.h"
+#include "host/IEventPublisher.h"
+#include "host/IExtensionRegistry.h"
+#include "host/IServices.h"
+#include "plugin/MerivoConnectionsComponent.h"
+#include "plugin/session/Logger.h"
+#include "plugin/session/PatientSession.h"
+#include "reader/CommandStatus.h"
+#include "toolkit/LmTranslator.h"
+
+#include <QLocale>
+#include <QSettings>
+
+namespace {
+
+/// The host's extension point of that name as the class that stands behind the name; null stays null.
+template <typename ExtensionPoint>
+ExtensionPoint* find(IExtensionRegistry* registry, const QString& name)
+{
+    return registry ? static_cast<ExtensionPoint*>(registry->extensionPoint(name)) : nullptr;
+}
+
+} // namespace
+
+MerivoConnectionsPlugin::MerivoConnectionsPlugin()
+{
+    qRegisterMetaType<CommandStatus>("CommandStatus");
+    m_component = std::make_unique<MerivoConnectionsComponent>(&m_commandController, this);
+    m_icon = m_component->icon(); // One picture for both, so that it is loaded once.
+}
+
+MerivoConnectionsPlugin::~MerivoConnectionsPlugin()
+{
+    m_component.reset();
+    m_services = nullptr;
+    m_deviceAdmin = nullptr;
+}
+
+QString MerivoConnectionsPlugin::title() const
+{
+    return QStringLiteral("%1, %2").arg(QLatin1String("Sanvio Lumo Software"),
+                                        QLatin1String("Merivo Connections Plug-In"));
+}
+
+QString MerivoConnectionsPlugin::description() const
+{
+    return title();
+}
+
+QString MerivoConnectionsPlugin::copyright() const
+{
+    return QStringLiteral("Copyright \u00A9 2026 The Merivo Connections developers");
+}
+
+QString MerivoConnectionsPlugin::version() const
+{
+    return QStringLiteral(MERIVO_PLUGIN_VERSION);
+}
+
+QIcon MerivoConnectionsPlugin::icon() const
+{
+    return m_icon;
+}
+
+QString MerivoConnectionsPlugin::pluginName() const
+{
+    return QStringLiteral(MERIVO_PLUGIN_NAME);
+}
+
+void MerivoConnectionsPlugin::setExtensionRegistry(IExtensionRegistry* registry)
+{
+    IPlugin::setExtensionRegistry(registry);
+
+    m_services = find<IServices>(registry, QStringLiteral("ServicesExtensionPoint"));
+    m_deviceAdmin = find<IDeviceAdmin>(registry, QStringLiteral("DeviceAdminExtensionPoint"));
+    auto* handler = find<ICommandHandler>(registry, QStringLiteral("CommandHandlerExtensionPoint"));
+    auto* publisher = find<IEventPublisher>(registry, QStringLiteral("EventPublisherExtensionPoint"));
+    m_database = find<IDatabase>(registry, QStringLiteral("DatabaseExtensionPoint"));
+
+    m_commandController.m_commandHandler = handler;
+    PatientSession::instance(nullptr);
+    PatientSession::setHost(m_services, m_database);
+    m_eventsObserver.attach(publisher, m_database);
+}
+
+void MerivoConnectionsPlugin::initialize(QSettings& settings, const QDir& directory)
+{
+    IPlugin::initialize(settings, directory);
+
+    const QString trace = QStringLiteral("mcp");
+    if (m_services) {
+        // The call that fixes the logger's host: every other one passes nulls.
+        Logger* logger = Logger::instance(this, m_services);
+        const QString rule(56, QLatin1Char('-'));
+        logger->write(rule, trace, {}, {});
+        logger->write(QStringLiteral("---- Merivo Connections Plugin loaded."), trace, {}, {});
+        logger->write(rule, trace, {}, {});
+    }
+
+    const QString enabled = settings.value(QStringLiteral("EnableSimulation")).toString();
+    if (enabled.toUpper() != QLatin1String("TRUE"))
+        return;
+
+    // An empty path stands for the current folder and passes, but stays empty: the runs then go against the reader.
+    const QString path = settings.value(QStringLiteral("SimulationPath")).toString();
+    Logger* logger = Logger::instance(nullptr, nullptr);
+    if (!QDir(path).exists()) {
+        logger->write(QStringLiteral("SIMULATION disabled due to missing path."), QStringLiteral("err"), {}, path);
+        return;
+    }
+    m_component->m_simulationPath = path;
+    logger->write(QStringLiteral("SIMULATION enabled."), trace, {}, path);
+}
+
+void MerivoConnectionsPlugin::installTranslator()
+{
+    if (!m_services)
+        return;
+    const QStringList folders{m_services->path(IServices::TranslationsPath), QStringLiteral(":/lang/i18n/")};
+    const QLocale fallback(QLocale::English, QLocale::UnitedKingdom);
+    const QString prefix = QStringLiteral("mc_");
+    lmInstallTranslator(m_translator, {prefix + QLocale().name(), prefix + fallback.name()}, folders);
+}
+
+QList<IComponent*> MerivoConnectionsPlugin::components() const
+{
+    return {m_component.get()};
+}
