@@ -1,100 +1,85 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// Puts every picture of the resource on one sheet, on a light and on a dark ground, in the sizes in which the dialogs
-// show it, at one and at two device pixels a pixel.
+// Puts every picture of the resource on one sheet: on a light and on a dark ground, in the sizes in which dialogs,
+// menus and buttons show it, pixel for pixel as a display with one and with two device pixels a pixel does.
 #include <QDir>
+#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QPainter>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
 
-constexpr int margin = 16;
-constexpr int cellWidth = 300;
-constexpr int labelHeight = 20;
+constexpr int gap = 14;
+constexpr int sheetWidth = 1340;
 
-struct Row
+const QColor light(0xf0, 0xf0, 0xf0);
+const QColor dark(0x2a, 0x2c, 0x2e);
+
+// The widths at which a picture is asked for; an icon that nothing asks for gets those of its family.
+QVector<int> widthsOf(const QString& name)
 {
-    const char* name;
-    int height;
-    QVector<int> widths;
-};
+    static const QVector<QPair<QString, QVector<int>>> known = {
+        {QStringLiteral("Cygnara"), {100}},     {QStringLiteral("DeviceReader"), {100}},
+        {QStringLiteral("ConfirmCode"), {200}}, {QStringLiteral("CancelOnPump"), {200}},
+        {QStringLiteral("PumpFinger"), {200}},  {QStringLiteral("PumpDownload"), {16, 24, 32}},
+        {QStringLiteral("result_"), {50}},      {QStringLiteral("icon_connected"), {10, 16, 20}},
+        {QStringLiteral("busy"), {74}},         {QStringLiteral("icon_"), {16, 26, 32}},
+    };
+    const auto it =
+        std::find_if(known.begin(), known.end(), [&](const auto& entry) { return name.startsWith(entry.first); });
+    if (it == known.end()) {
+        qFatal("%s: no size is known for this picture", qPrintable(name));
+    }
+    return it->second;
+}
 
-// The widths are those at which a dialog, a menu or a button asks for the picture.
-const QVector<Row> rows = {
-    {"Cygnara.svg", 72, {100}},
-    {"DeviceReader.svg", 132, {100}},
-    {"ConfirmCode.svg", 138, {200}},
-    {"CancelOnPump.svg", 140, {200}},
-    {"PumpFinger.svg", 188, {200}},
-    {"PumpDownloadGreyDark.svg", 32, {16, 24, 32}},
-    {"PumpDownloadGreyLight.svg", 32, {16, 24, 32}},
-    {"PumpDownloadWhite.svg", 32, {16, 24, 32}},
-    {"icon_pump_data_download.svg", 36, {16, 26, 32}},
-    {"icon_pump_data_download_deactivated.svg", 36, {16, 26, 32}},
-    {"icon_plus_grey_dark.svg", 36, {16, 26, 32}},
-    {"icon_plus_grey_light.svg", 36, {16, 26, 32}},
-    {"icon_minus_grey_dark.svg", 36, {16, 26, 32}},
-    {"icon_minus_grey_light.svg", 36, {16, 26, 32}},
-    {"icon_data_download_grey_dark.svg", 36, {16, 26, 32}},
-    {"icon_data_download_grey_light.svg", 36, {16, 26, 32}},
-    {"icon_help_grey_dark.svg", 36, {16, 26, 32}},
-    {"icon_help_grey_light.svg", 36, {16, 26, 32}},
-    {"icon_connected.svg", 36, {10, 16, 20}},
-    {"icon_check_green.svg", 36, {16, 26, 32}},
-    {"result_succeeded.svg", 52, {26, 50}},
-    {"result_failed.svg", 52, {26, 50}},
-    {"busy.gif", 76, {74}},
-};
-
-QImage picture(const QString& path, int width, int scale)
+QImage picture(const QString& path, int width)
 {
     QImageReader reader(path);
     const QSize natural = reader.size();
+    const QSize size(width, qRound(width * double(natural.height()) / natural.width()));
     if (path.endsWith(QLatin1String(".svg"))) {
-        reader.setScaledSize(QSize(width, qRound(width * double(natural.height()) / natural.width())) * scale);
+        reader.setScaledSize(size);
     }
-    QImage image = reader.read();
+    const QImage image = reader.read();
     if (image.isNull()) {
         qFatal("%s: %s", qPrintable(path), qPrintable(reader.errorString()));
     }
-    if (!path.endsWith(QLatin1String(".svg"))) {
-        image = image.scaled(image.size() * scale, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    }
-    image.setDevicePixelRatio(scale);
-    return image;
+    return image.size() == size ? image : image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
-// One column of the sheet: all pictures on one ground at one scale. The painter's own scale doesn't enter: a picture at
-// two device pixels a pixel is shown twice as large, pixel for pixel.
-QImage column(const QColor& ground, const QColor& ink, int scale)
+// One picture in all its sizes, once on each ground, under its name.
+QImage block(const QString& name)
 {
-    int height = margin;
-    for (const Row& row : rows) {
-        height += row.height * scale + labelHeight + margin;
-    }
-    QImage sheet(cellWidth * scale, height, QImage::Format_ARGB32_Premultiplied);
-    sheet.fill(ground);
-    QPainter painter(&sheet);
-    painter.setPen(ink);
-    int y = margin;
-    for (const Row& row : rows) {
-        painter.drawText(QRect(margin, y, sheet.width() - margin, labelHeight), Qt::AlignVCenter,
-                         QStringLiteral("%1  %2x").arg(QLatin1String(row.name)).arg(scale));
-        y += labelHeight;
-        int x = margin;
-        for (const int width : row.widths) {
-            QImage image = picture(QStringLiteral(":/img/Images/") + QLatin1String(row.name), width, scale);
-            image.setDevicePixelRatio(1);
-            painter.drawImage(x, y, image);
-            x += image.width() + margin;
+    QVector<QImage> images;
+    QSize half(gap, 0);
+    for (const int scale : {1, 2}) {
+        for (const int width : widthsOf(name)) {
+            images.append(picture(QStringLiteral(":/img/Images/") + name, width * scale));
+            half = QSize(half.width() + images.last().width() + gap, qMax(half.height(), images.last().height()));
         }
-        y += row.height * scale + margin;
     }
-    return sheet;
+    const int title = QFontMetrics(QGuiApplication::font()).height() + gap / 2;
+    QImage result(2 * half.width(), title + half.height() + 2 * gap, QImage::Format_RGB32);
+    result.fill(Qt::white);
+    QPainter painter(&result);
+    painter.setPen(dark);
+    painter.drawText(QRect(0, 0, result.width(), title), Qt::AlignVCenter, name);
+    int x = 0;
+    for (const QColor& ground : {light, dark}) {
+        painter.fillRect(x, title, half.width(), result.height() - title, ground);
+        x += gap;
+        for (const QImage& image : qAsConst(images)) {
+            painter.drawImage(x, title + gap + (half.height() - image.height()) / 2, image);
+            x += image.width() + gap;
+        }
+    }
+    return result;
 }
 
 } // namespace
@@ -107,24 +92,33 @@ int main(int argc, char** argv)
         std::fputs("usage: merivo-contact-sheet FILE.png\n", stderr);
         return 2;
     }
-    const QDir images(QStringLiteral(":/img/Images"));
-    if (images.entryList().size() != rows.size()) {
-        std::fputs("the sheet's list of pictures isn't that of the resource\n", stderr);
-        return 1;
+
+    QVector<QImage> blocks;
+    for (const QString& name : QDir(QStringLiteral(":/img/Images")).entryList()) {
+        blocks.append(block(name));
+    }
+    // The large ones first, so that they lie beside each other.
+    std::stable_sort(blocks.begin(), blocks.end(),
+                     [](const QImage& a, const QImage& b) { return a.height() > b.height(); });
+
+    QVector<QPoint> places;
+    QPoint place(gap, gap);
+    int lineHeight = 0;
+    for (const QImage& image : qAsConst(blocks)) {
+        if (place.x() > gap && place.x() + image.width() + gap > sheetWidth) {
+            place = QPoint(gap, place.y() + lineHeight + gap);
+            lineHeight = 0;
+        }
+        places.append(place);
+        place.rx() += image.width() + gap;
+        lineHeight = qMax(lineHeight, image.height());
     }
 
-    const QColor white(0xf4, 0xf5, 0xf5);
-    const QColor black(0x26, 0x28, 0x2a);
-    const QVector<QImage> columns = {column(white, black, 1), column(black, white, 1), column(white, black, 2),
-                                     column(black, white, 2)};
-    QImage sheet(6 * cellWidth, columns.last().height(), QImage::Format_RGB32);
-    sheet.fill(white);
+    QImage sheet(sheetWidth, place.y() + lineHeight + gap, QImage::Format_RGB32);
+    sheet.fill(Qt::white);
     QPainter painter(&sheet);
-    int x = 0;
-    for (const QImage& part : columns) {
-        painter.fillRect(x, 0, part.width(), sheet.height(), part.pixelColor(0, 0));
-        painter.drawImage(x, 0, part);
-        x += part.width();
+    for (int i = 0; i < blocks.size(); ++i) {
+        painter.drawImage(places[i], blocks[i]);
     }
     if (!sheet.save(QString::fromLocal8Bit(argv[1]))) {
         std::fprintf(stderr, "%s: can't be written\n", argv[1]);

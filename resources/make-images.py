@@ -3,12 +3,12 @@
 # SPDX-License-Identifier: MIT
 """Draws every picture under img/Images anew; README.md tells how. Needs the Debian packages python3-pil, python3-numpy.
 
-All icons are filled outlines without strokes. What is cut out of a shape is a hole in its path, so that any ground shows
-through it. Coordinates are those of the picture's view box.
+All icons are filled outlines without strokes. What is cut out of a shape is a hole in its path, so that any ground
+shows through it. Coordinates are those of the picture's view box.
 """
 import base64
 import io
-from math import cos, hypot, pi, radians, sin, sqrt
+from math import cos, radians, sin, sqrt
 from pathlib import Path
 
 import rasters
@@ -21,7 +21,8 @@ DISC, WEIGHT = 6.5, 1.7
 
 
 def number(value):
-    return f"{value:.3f}".rstrip("0").rstrip(".").replace("-0", "0") if abs(value) < 5e-4 else f"{value:.3f}".rstrip("0").rstrip(".")
+    text = f"{value:.3f}".rstrip("0").rstrip(".")
+    return "0" if text == "-0" else text
 
 
 def move(point):
@@ -63,7 +64,8 @@ def plus(centre, reach, weight):
         def at(x, y):
             return centre[0] + c * x - s * y, centre[1] + s * x + c * y
 
-        path += (line if path else move)(at(h, -h)) + line(at(reach - h, -h)) + arc(h, at(reach - h, h)) + line(at(h, h))
+        path += (line if path else move)(at(h, -h)) + line(at(reach - h, -h)) + arc(h, at(reach - h, h))
+        path += line(at(h, h))
     return path + "Z"
 
 
@@ -75,7 +77,7 @@ def arrow(centre, reach, weight, wing):
     """Points downwards from centre - reach to centre + reach; its wings run up to the sides by `wing`."""
     h, d = weight / 2, weight / 2 / sqrt(2)
     x, top = centre[0], centre[1] - reach
-    tip = centre[1] + reach - h * 1.0  # centre of the round join at the tip
+    tip = centre[1] + reach - h
     side = tip - wing
     crotch = tip - h * (1 + sqrt(2))
     return (move((x - h, top + h)) + arc(h, (x + h, top + h)) + line((x + h, crotch))
@@ -89,14 +91,13 @@ def question(centre, weight):
     h, radius, bend = weight / 2, 1.85, 60
     hook = (centre[0], centre[1] - 1.75)
     foot = polar(hook, 2 * radius, bend)
-    start = polar(hook, radius, 185)
     outer, inner = radius + h, radius - h
-    end = 0.05
+    end = foot[1] + 0.05
     path = (move(polar(hook, outer, 185)) + arc(outer, polar(hook, outer, bend), large=True)
-            + arc(inner, polar(foot, inner, 180), clockwise=False) + line((hook[0] + h, foot[1] + end))
-            + arc(h, (hook[0] - h, foot[1] + end)) + line(polar(foot, outer, 180))
-            + arc(outer, polar(foot, outer, 180 + bend)) + arc(inner, polar(hook, inner, 185), clockwise=False, large=True)
-            + arc(h, polar(hook, outer, 185)) + "Z")
+            + arc(inner, polar(foot, inner, 180), clockwise=False) + line((hook[0] + h, end))
+            + arc(h, (hook[0] - h, end)) + line(polar(foot, outer, 180))
+            + arc(outer, polar(foot, outer, 180 + bend))
+            + arc(inner, polar(hook, inner, 185), clockwise=False, large=True) + arc(h, polar(hook, outer, 185)) + "Z")
     return path + disc((centre[0], centre[1] + 4.0), 1.05)
 
 
@@ -123,17 +124,19 @@ def pump_download(x=0.0, y=0.0, scale=1.0):
     def at(px, py):
         return x + scale * px, y + scale * py
 
-    width, height, corner, gap, radius = 9.4, 6.7, 1.5, 0.5, 2.45
+    width, height, corner, gap, radius = 9.27, 6.62, 1.6, 0.64, 2.3
     cx, cy = 10.59 - radius, 8.57 - radius
     notch = radius + gap
     right = (width, cy - sqrt(notch ** 2 - (width - cx) ** 2))
     bottom = (cx - sqrt(notch ** 2 - (height - cy) ** 2), height)
-    body = (move(at(corner, 0)) + line(at(width - corner, 0)) + arc(scale * corner, at(width, corner)) + line(at(*right))
-            + arc(scale * notch, at(*bottom), clockwise=False) + line(at(corner, height))
-            + arc(scale * corner, at(0, height - corner)) + line(at(0, corner)) + arc(scale * corner, at(corner, 0)) + "Z")
-    left, top = at(1.25, 1.3)
-    display = rounded_rect(left, top, scale * 4.5, scale * 2.5, scale * 0.4)
-    return body + display + disc(at(cx, cy), scale * radius) + arrow(at(cx, cy), scale * 1.5, scale * 0.72, scale * 1.0)
+    body = (move(at(corner, 0)) + line(at(width - corner, 0)) + arc(scale * corner, at(width, corner))
+            + line(at(*right)) + arc(scale * notch, at(*bottom), clockwise=False)
+            + line(at(corner, height)) + arc(scale * corner, at(0, height - corner))
+            + line(at(0, corner)) + arc(scale * corner, at(corner, 0)) + "Z")
+    left, top = at(1.32, 1.32)
+    display = rounded_rect(left, top, scale * 4.63, scale * 2.3, scale * 0.4)
+    mark = arrow(at(cx, cy), scale * 1.45, scale * 0.66, scale * 0.98)
+    return body + display + disc(at(cx, cy), scale * radius) + mark
 
 
 def path(d, fill, opacity=None):
@@ -170,25 +173,28 @@ def icons():
         for shade, colour in (("dark", DARK), ("light", LIGHT)):
             picture(f"icon_{mark}_grey_{shade}.svg", 13, 13, path(disc(middle, DISC) + hole, colour))
 
-    picture("icon_check_green.svg", 13, 13,
-            path(disc(middle, DISC) + disc(middle, DISC - 1.2), CHECK_GREEN), path(check((5.75, 8.85), 2.1, 3.9, WEIGHT), CHECK_GREEN))
+    ring = disc(middle, DISC) + disc(middle, DISC - 1.2)
+    picture("icon_check_green.svg", 13, 13, path(ring + check((5.75, 8.85), 2.1, 3.9, WEIGHT), CHECK_GREEN))
 
     for name, opacity in (("", None), ("_deactivated", 0.35)):
         picture(f"icon_pump_data_download{name}.svg", 13, 13, path(disc(middle, DISC), DARK, opacity),
                 path(pump_download(2.65, 3.25, 0.76), "#ffffff"))
-    for name, colour, opacity in (("GreyDark", "#111010", None), ("GreyLight", "#111111", 0.349), ("White", "#ffffff", None)):
+    shades = {"GreyDark": ("#111010", None), "GreyLight": ("#111111", 0.349), "White": ("#ffffff", None)}
+    for name, (colour, opacity) in shades.items():
         picture(f"PumpDownload{name}.svg", 10.59, 8.57, path(pump_download(), colour, opacity))
 
     weight, spread = 1.3, 58
     outer = (8.66 / 2 - weight / 2) / sin(radians(spread))
     hub = (5.32 - weight / 2 - outer, 8.66 / 2)
-    picture("icon_connected.svg", 5.32, 8.66, path(bar(hub, outer, weight, spread) + bar(hub, outer - 2.7, weight, spread), DARK))
+    bars = bar(hub, outer, weight, spread) + bar(hub, outer - 2.7, weight, spread)
+    picture("icon_connected.svg", 5.32, 8.66, path(bars, DARK))
 
     middle, scale = (256, 256), 512 / 13
     tick = check((5.75 * scale, 9.0 * scale), 2.2 * scale, 4.1 * scale, WEIGHT * scale)
     # The mark is cut out of the disc, and white on any ground.
     picture("result_succeeded.svg", 512, 512, path(tick, "#ffffff"), path(disc(middle, 256) + tick, GREEN), unit="")
-    picture("result_failed.svg", 512, 512, path(disc(middle, 256) + rounded_rect(162, 162, 188, 188, 26), ORANGE), unit="")
+    stop = disc(middle, 256) + rounded_rect(162, 162, 188, 188, 26)
+    picture("result_failed.svg", 512, 512, path(stop, ORANGE), unit="")
 
 
 def pump_pictures():
@@ -221,25 +227,22 @@ def curve(*points):
     return "C" + " ".join(f"{number(x)} {number(y)}" for x, y in points)
 
 
-def corner(a, b, da, db):
-    """The four points of a rounded corner, which comes in along (-da or -db) and whose sharp corner is (a, b)."""
-    k = 0.4477
-    first, second = ((a, b + db), (a + da, b)) if da * db < 0 else ((a + da, b), (a, b + db))
-    return [slab(*first), slab(a + (first[0] - a) * k, b + (first[1] - b) * k),
-            slab(a + (second[0] - a) * k, b + (second[1] - b) * k), slab(*second)]
-
-
-def slab_rect(a0, b0, a1, b1, r):
-    """The corners in clockwise order as seen: left, top, right, bottom."""
-    corners = [corner(a0, b0, r, r), corner(a1, b0, -r, r), corner(a1, b1, -r, -r), corner(a0, b1, r, -r)]
-    corners[0].reverse()
-    corners[2].reverse()
-    corners[1], corners[3] = corners[1][::-1], corners[3][::-1]
+def slab_rect(left, near, right, far, radius):
+    """The rounded corners of a rectangle on the face, each a cubic curve, clockwise as seen from the leftmost one."""
+    sharp = ((left, near), (right, near), (right, far), (left, far))
+    ahead = ((1, 0), (0, 1), (-1, 0), (0, -1))
+    corners = []
+    for i, (a, b) in enumerate(sharp):
+        (in_a, in_b), (out_a, out_b) = ahead[i - 1], ahead[i]
+        handle = radius * (1 - 0.5523)
+        corners.append([slab(a - in_a * radius, b - in_b * radius), slab(a - in_a * handle, b - in_b * handle),
+                        slab(a + out_a * handle, b + out_b * handle), slab(a + out_a * radius, b + out_b * radius)])
     return corners
 
 
 def closed(corners):
-    return move(corners[0][0]) + "".join(curve(*c[1:]) + line(corners[(i + 1) % 4][0]) for i, c in enumerate(corners)) + "Z"
+    first, *others = corners
+    return move(first[0]) + curve(*first[1:]) + "".join(line(c[0]) + curve(*c[1:]) for c in others) + "Z"
 
 
 def halves(points):
@@ -263,13 +266,11 @@ def pump_finger():
     # The side below the face, from the leftmost to the rightmost point.
     thick = 5.2
 
-    def lower(points):
-        return [(x, y + thick) for x, y in points]
-
-    left, right = halves(face[0])[0], halves(face[2])[1]
-    start, end = left[3], right[0]
-    side = (move(start) + line((start[0], start[1] + thick)) + curve(*lower(left[::-1])[1:]) + line(lower(face[3][::-1])[0])
-            + curve(*lower(face[3][::-1])[1:]) + line(lower(right[::-1])[0]) + curve(*lower(right[::-1])[1:]) + line(end))
+    left, bottom, right = halves(face[0])[0][::-1], face[3][::-1], halves(face[2])[1][::-1]
+    side = move(left[0])
+    for first, *others in (left, bottom, right):
+        side += line((first[0], first[1] + thick)) + curve(*((x, y + thick) for x, y in others))
+    side += line(right[3])
 
     touch = slab(18.5, 17)
 
@@ -281,23 +282,25 @@ def pump_finger():
     lean = radians(-57)
 
     def on(u, v):
-        return (touch[0] + 0.4 + (u - 1.6) * cos(lean) - v * sin(lean), touch[1] + (u - 1.6) * sin(lean) + v * cos(lean))
+        u -= 1.6
+        return touch[0] + 0.4 + u * cos(lean) - v * sin(lean), touch[1] + u * sin(lean) + v * cos(lean)
 
     def at_top(v):
-        """How far along the axis the picture's upper edge is."""
-        return 1.6 - (touch[1] + v * cos(lean)) / sin(lean)
+        """Where the line `v` beside the axis leaves the picture."""
+        return on(1.6 - (touch[1] + v * cos(lean)) / sin(lean), v)
 
-    far, near = at_top(-8.2), at_top(8.2)
-    contour = (move(on(far, -8.2)) + curve(on(42, -7.6), on(36, -6.7), on(31, -6.9)) + curve(on(26, -7.1), on(22, -7.3), on(18, -6.6))
-               + curve(on(14, -6.1), on(10, -6.2), on(6.5, -5.8)) + curve(on(2.2, -5.2), on(0, -2.8), on(0, 0))
-               + curve(on(0, 2.8), on(2.2, 5.2), on(6.5, 5.8)) + curve(on(10, 6.2), on(14, 6.1), on(18, 6.6))
-               + curve(on(22, 7.3), on(26, 7.1), on(31, 6.9)) + curve(on(36, 6.7), on(42, 7.6), on(near, 8.2)))
-    nail = (move(on(10.2, -3.2)) + curve(on(7, -3.7), on(3.2, -3.0), on(3.0, 0)) + curve(on(3.2, 3.0), on(7, 3.7), on(10.2, 3.2))
-            + curve(on(11.2, 1.6), on(11.2, -1.6), on(10.2, -3.2)) + "Z")
-    creases = "".join(move(on(u, -v)) + curve(on(u + 1.0, -v / 2), on(u + 1.0, v / 2), on(u, v)) for u, v in ((22.6, 3.4), (25.2, 2.4)))
+    flank = ((44, 7.0), (37, 6.5), (31, 6.75), (26, 6.95), (22, 7.1), (18, 6.55), (14, 6.1), (10, 6.2), (6.5, 5.8),
+             (2.2, 5.2), (0, 2.8))
+    contour = move(at_top(-7.6)) + curve(*(on(u, -v) for u, v in flank), on(0, 0), *(on(u, v) for u, v in flank[::-1]),
+                                         at_top(7.6))
+    nail = move(on(10.2, -3.2)) + curve(*(on(u, v) for u, v in (
+        (7, -3.7), (3.2, -3), (3, 0), (3.2, 3), (7, 3.7), (10.2, 3.2), (11.2, 1.6), (11.2, -1.6), (10.2, -3.2)))) + "Z"
+    creases = "".join(move(on(u, -v)) + curve(on(u + 1, -v / 2), on(u + 1, v / 2), on(u, v))
+                      for u, v in ((22.6, 3.4), (25.2, 2.4)))
     picture("PumpFinger.svg", 77.04, 70.76,
             stroke(closed(face), slab_line, 1.5), stroke(side, slab_line, 1.5),
-            stroke(closed(slab_rect(4.5, 5, 32.5, 29, 3)), slab_line, 1), stroke(closed(slab_rect(38.5, 8, 44.5, 26, 3)), slab_line, 1),
+            stroke(closed(slab_rect(4.5, 5, 32.5, 29, 3)), slab_line, 1),
+            stroke(closed(slab_rect(38.5, 8, 44.5, 26, 3)), slab_line, 1),
             ring(9.2, f'fill="none" stroke="{GREEN}" stroke-width="1.5"'), ring(5.2, f'fill="{GREEN}"'),
             stroke(contour, outline, 1.5, skin), stroke(nail, outline, 1, "#ffffff"), stroke(creases, outline, 1))
 

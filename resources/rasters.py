@@ -35,8 +35,8 @@ def unit(vector):
 
 
 def studio(direction):
-    """The light that comes from a direction (x right, y down or towards the viewer's feet, z to the viewer): a dim room,
-    a wide soft box at the upper left and a narrow one at the right."""
+    """The light that comes from a direction (x right, y down, z to the viewer): a dim room, a wide soft box at the
+    upper left and a narrow one at the right."""
     x, y, z = direction[..., 0], direction[..., 1], direction[..., 2]
     room = 0.10 + 0.16 * smooth(0.6, -0.9, y)
     wide = smooth(-0.05, 0.35, -0.45 * x - 0.75 * y + 0.25 * z - 0.22) * smooth(1.05, 0.75, np.abs(x + 0.25) + 0.2)
@@ -73,7 +73,7 @@ def pump():
 
     # The surface's height over the picture's plane; its slope gives the light.
     surface = rise(-body, 30, 17) + 9 * (1 - ((x - 210) / 206) ** 2) * (1 - ((y - 140) / 128) ** 2)
-    surface -= 2.4 * smooth(2.4, 0, seam)
+    surface -= 3.4 * smooth(3.4, 0, seam)
     surface -= 2.0 * smooth(0.5, -3, glass) + 1.8 * smooth(0.5, -4, keys) + 3.2 * smooth(4, -2, window)
     slope_y, slope_x = np.gradient(surface, 1 / SAMPLES)
     normal = unit(np.dstack([-slope_x, -slope_y, np.ones_like(x)]))
@@ -81,7 +81,7 @@ def pump():
 
     shell = np.where((x > 316)[..., None], (0.185, 0.188, 0.195), (0.135, 0.137, 0.143))
     colour = shade(shell, normal, view, 0.85)
-    colour *= (1 - 0.55 * smooth(1.8, 0, seam))[..., None]
+    colour *= (1 - 0.55 * smooth(2.8, 0, seam))[..., None]
     colour += 0.10 * (smooth(3.2, 0, -body) * smooth(268, 60, y))[..., None]
     colour = np.where((keys < -1)[..., None], colour * 0.62, colour)
     for side in (-1, 1):
@@ -90,7 +90,7 @@ def pump():
 
     colour = np.where((glass < 0)[..., None], panel(x, y, glass, screen), colour)
     colour = np.where((window < 0)[..., None], reservoir(x, y, window), colour)
-    return finish(np.dstack([np.clip(colour, 0, 1) ** (1 / 1.25), body < 0]))
+    return finish(np.dstack([np.clip(colour, 0, 1) ** (1 / 1.25), body < 0]), soften=2)
 
 
 def panel(x, y, glass, screen):
@@ -106,7 +106,8 @@ def panel(x, y, glass, screen):
     battery = np.minimum(battery, box(x, y, right - 37, top + 14, right - 25, top + 20, 1))
     battery = np.minimum(battery, box(x, y, right - 15.5, top + 14.5, right - 13.5, top + 19.5, 0.8))
     rule = box(x, y, left + 14, top + 32, right - 14, top + 33, 0.4)
-    lit = lit + 0.42 * smooth(0.3, -0.3, np.minimum(marks, battery))[..., None] + 0.10 * smooth(0.3, -0.3, rule)[..., None]
+    lit = lit + 0.42 * smooth(0.3, -0.3, np.minimum(marks, battery))[..., None]
+    lit = lit + 0.10 * smooth(0.3, -0.3, rule)[..., None]
     face = np.where((screen < 0)[..., None], lit, black)
     sweep = smooth(0, 30, 200 - x - (y - 82) * 0.62) * (0.45 + 0.55 * smooth(246, 60, y))
     edge = smooth(1.6, 0, np.abs(glass + 1.2)) * smooth(150, 60, y)
@@ -123,8 +124,8 @@ def reservoir(x, y, window):
     face = face * (0.35 + 0.65 * np.sqrt(1 - 0.92 * round_ ** 2))[..., None]
     for ring in (level + 2, level + 10):
         face = face * (1 - 0.6 * smooth(2.2, 0, np.abs(y - ring)))[..., None]
-    marks = np.minimum.reduce([box(x, y, right - (17 if i % 2 else 22), top + 26 + 11 * i, right - 6, top + 27.6 + 11 * i, 0.5)
-                               for i in range(8)])
+    marks = np.minimum.reduce([box(x, y, right - length, mark, right - 6, mark + 1.6, 0.5)
+                               for mark, length in zip(range(top + 26, level - 2, 11), (22, 17) * 8)])
     face = face * (1 - 0.55 * smooth(0.5, -0.3, marks))[..., None]
     gleam = smooth(0.20, 0.05, np.abs(round_ + 0.52)) * smooth(-5, -11, window)
     return face * (0.45 + 0.55 * smooth(0, -6, window))[..., None] + 0.24 * gleam[..., None]
@@ -138,7 +139,8 @@ def reader():
     u, v = ((column - 119.5) / scale).ravel(), ((166 - row) / scale).ravel()
     upward, forward = np.array([0, np.sin(pitch), np.cos(pitch)]), np.array([0, np.cos(pitch), -np.sin(pitch)])
     origin = u[:, None] * np.array([1.0, 0, 0]) + v[:, None] * upward - 4 * forward
-    cables = [bezier((0.62, 0.62), (0.9, 0.95), (0.62, 1.35), (0.92, 2.4)), bezier((-0.6, -0.62), (-1.0, -1.0), (-0.75, -1.4), (-0.95, -2.4))]
+    cables = [bezier((0.62, 0.62), (0.9, 0.95), (0.62, 1.35), (0.92, 2.4)),
+              bezier((-0.6, -0.62), (-1.0, -1.0), (-0.75, -1.4), (-0.95, -2.4))]
 
     def cable(p):
         flat = np.full(len(p), 9.0)
@@ -154,7 +156,7 @@ def reader():
         k = np.sqrt((r / 0.985) ** 2 + ((z - 0.2) / 0.5) ** 2)
         g = np.sqrt((r / 0.985 ** 2) ** 2 + ((z - 0.2) / 0.25) ** 2)
         cupola = np.maximum(k * (k - 1) / np.maximum(g, 1e-6), 0.215 - z)
-        cupola = np.maximum(cupola, -(np.hypot(r - 0.40, z - 0.665) - 0.022))
+        cupola = np.maximum(cupola, -(np.hypot(r - 0.40, z - 0.665) - 0.028))
         return np.minimum(foot, cupola)
 
     def field(p):
@@ -178,17 +180,17 @@ def reader():
     seen = normal @ frame.T
     wire = cable(p) < dome(p)
     r, z = np.hypot(p[:, 0], p[:, 1]), p[:, 2]
-    albedo = np.where(wire[:, None], (0.33, 0.335, 0.34), np.where((z < 0.205)[:, None], (0.33, 0.335, 0.34), (0.66, 0.67, 0.68)))
+    albedo = np.where((wire | (z < 0.205))[:, None], (0.33, 0.335, 0.34), (0.66, 0.67, 0.68))
     colour = shade(albedo, seen, np.broadcast_to(np.array([0.0, 0, -1.0]), seen.shape), np.where(wire, 0.25, 0.42))
     shadow = smooth(0.0, 0.30, dome(p + np.array([-0.16, -0.05, 0.16])))
     colour = np.where(wire[:, None], colour * (0.45 + 0.55 * shadow)[:, None], colour)
-    lamp = smooth(0.075, 0.055, r)
+    lamp = smooth(0.085, 0.065, r)
     colour = colour * (1 - lamp)[:, None] + lamp[:, None] * np.array([0x59, 0xC6, 0x8C]) / 255 * 1.05
     pixels = np.zeros((len(u), 4))
     pixels[hit, :3] = np.clip(colour, 0, 1) ** (1 / 1.15)
     # The cable fades away at the picture's edge and doesn't look cut.
     pixels[hit, 3] = np.where(wire, smooth(0, 34, np.minimum(row, height - row).ravel()[hit]), 1)
-    return finish(pixels.reshape(row.shape + (4,)))
+    return finish(pixels.reshape(row.shape + (4,)), soften=1)
 
 
 def bezier(a, b, c, d, pieces=18):
@@ -197,12 +199,16 @@ def bezier(a, b, c, d, pieces=18):
             + t ** 3 * np.array(d))
 
 
-def finish(colour):
-    """Averages the samples of each pixel; colour counts by its coverage, so that no dark fringe appears."""
+def finish(colour, soften):
+    """Averages the samples of each pixel; colour counts by its coverage, so that no dark fringe appears. The dialogs
+    show the picture at a half or a quarter of its size and Qt looks at four pixels for one, so it is softened."""
     rows, columns = colour.shape[0] // SAMPLES, colour.shape[1] // SAMPLES
     colour = colour.copy()
     colour[..., :3] *= colour[..., 3:]
     mean = colour.reshape(rows, SAMPLES, columns, SAMPLES, 4).mean(axis=(1, 3))
+    for _ in range(soften):
+        for axis in (0, 1):
+            mean = (np.roll(mean, 1, axis) + 2 * mean + np.roll(mean, -1, axis)) / 4
     mean[..., :3] /= np.maximum(mean[..., 3:], 1e-6)
     return Image.fromarray((np.clip(mean, 0, 1) * 255 + 0.5).astype(np.uint8), "RGBA")
 
@@ -213,8 +219,8 @@ def spinner(path):
     size, frames, samples = 74, 31, 4
     y, x = (np.mgrid[0:size * samples, 0:size * samples] + 0.5) / samples - size / 2
     radius, angle = np.hypot(x, y), np.arctan2(y, x)
-    mid, track_half, arc_half = 28.0, 4.0, 4.0
-    ground, track, accent = (np.array(c) / 255 for c in ((244, 245, 245), (222, 226, 225), (0x59, 0xC6, 0x8C)))
+    mid, track_half, arc_half = 28.0, 4.4, 3.3
+    ground, track, accent = (np.array(c) / 255 for c in ((240, 240, 240), (220, 224, 223), (0x59, 0xC6, 0x8C)))
     pictures = []
     for frame in range(frames):
         turn = frame / frames
@@ -231,7 +237,7 @@ def spinner(path):
         def mean(values):
             return values.reshape(size, samples, size, samples, -1).mean(axis=(1, 3))
 
-        pictures.append(np.dstack([mean(colour), mean(cover) > 0.1]))
+        pictures.append(np.dstack([mean(colour), mean(cover) > 0.35]))
     save_gif(path, pictures)
 
 
@@ -241,7 +247,7 @@ def save_gif(path, pictures):
     seen = strip[strip[..., 3] > 0][:, :3]
     sample = Image.fromarray((seen.reshape(1, -1, 3) * 255 + 0.5).astype(np.uint8), "RGB")
     palette = sample.quantize(63, method=Image.Quantize.MEDIANCUT)
-    colours = [0xF4, 0xF5, 0xF5] + palette.getpalette()[:63 * 3]
+    colours = [0xF0, 0xF0, 0xF0] + palette.getpalette()[:63 * 3]
     lookup = np.array(colours).reshape(-1, 3) / 255
     frames = []
     for picture in pictures:
