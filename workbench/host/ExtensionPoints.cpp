@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/host/ExtensionPoints.h"
+
+#include "host/ICommandHandler.h"
+#include "host/IEventPublisher.h"
+#include "host/IPlugin.h"
+#include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostDeviceAdmin.h"
+#include "workbench/host/HostLog.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+
+HostServices::HostServices(HostLog& log, HostDatabase& database)
+    : m_log(log)
+    , m_database(database)
+{}
+
+QString HostServices::formatDate(const QDate& date)
+{
+    return QLocale().toString(date, QLocale::ShortFormat);
+}
+
+QString HostServices::path(int kind)
+{
+    switch (kind) {
+    case DatabasePath:
+        return m_database.path();
+    case TranslationsPath:
+        return QCoreApplication::applicationDirPath() + QStringLiteral("/translations");
+    default:
+        return {};
+    }
+}
+
+void HostServices::logLine(IPlugin* source, const QString& channel, const QString& message, const QString& detail1,
+                           const QString& detail2)
+{
+    m_log.write(source ? source->pluginName() : QStringLiteral("?"), channel, message, {detail1, detail2});
+}
+
+quintptr HostServices::logValue(int level, const QString& value1, const QString& value2, const QString& value3,
+                                const QString& value4, const QString& value5)
+{
+    m_log.write(QStringLiteral("value %1").arg(level), QStringLiteral("mcp"), value1, {value2, value3, value4, value5});
+    return 0;
+}
+
+DatabasePoint::DatabasePoint(HostLog& log, HostDatabase& database)
+    : m_log(log)
+    , m_database(database)
+{}
+
+void DatabasePoint::import(QString cache, IPlugin* pPlugin)
+{
+    m_log.write(pPlugin ? pPlugin->pluginName() : QStringLiteral("?"), QStringLiteral("Error"),
+                QStringLiteral("An import by cache file isn't offered by this host."), {cache});
+}
+
+QString DatabasePoint::databaseGuid(const QString& path)
+{
+    return path == m_database.path() ? m_database.guid() : QString();
+}
+
+QMap<QString, PatientRecord> DatabasePoint::patients(const QString& databaseGuid)
+{
+    QMap<QString, PatientRecord> result;
+    if (databaseGuid != m_database.guid())
+        return result;
+    const QVector<PatientRecord> patients = m_database.patients();
+    if (!m_database.errorText().isEmpty())
+        m_log.write(QStringLiteral("host"), QStringLiteral("Error"), m_database.errorText());
+    for (const PatientRecord& patient : patients)
+        result.insert(patient.puid, patient);
+    return result;
+}
+
+ExtensionPoints::ExtensionPoints(HostLog& log, HostDatabase& database, HostDeviceAdmin& deviceAdmin,
+                                 ICommandHandler& commandHandler, IEventPublisher& eventPublisher)
+    : m_services(log, database)
+    , m_database(log, database)
+    , m_points{{QStringLiteral("ServicesExtensionPoint"), &m_services},
+               {QStringLiteral("DeviceAdminExtensionPoint"), &deviceAdmin},
+               {QStringLiteral("CommandHandlerExtensionPoint"), &commandHandler},
+               {QStringLiteral("EventPublisherExtensionPoint"), &eventPublisher},
+               {QStringLiteral("DatabaseExtensionPoint"), &m_database}}
+{}
+
+IExtensionPoint* ExtensionPoints::extensionPoint(const QString& name)
+{
+    return m_points.value(name, nullptr);
+}

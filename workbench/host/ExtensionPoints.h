@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/IDatabase.h"
+#include "host/IExtensionRegistry.h"
+#include "host/IServices.h"
+
+class HostDatabase;
+class HostDeviceAdmin;
+class HostLog;
+class ICommandHandler;
+class IEventPublisher;
+
+/// "ServicesExtensionPoint" over the log and the open database.
+class HostServices final : public IServices
+{
+public:
+    HostServices(HostLog& log, HostDatabase& database);
+
+    QString formatDate(const QDate& date) override;
+    QString path(int kind) override;
+    void logLine(IPlugin* source, const QString& channel, const QString& message, const QString& detail1,
+                 const QString& detail2) override;
+    quintptr logValue(int level, const QString& value1, const QString& value2, const QString& value3,
+                      const QString& value4, const QString& value5) override;
+
+private:
+    HostLog& m_log;
+    HostDatabase& m_database;
+};
+
+/// "DatabaseExtensionPoint": the open database as plug-ins see it. Any other path or GUID is unknown.
+class DatabasePoint final : public IDatabase
+{
+    Q_OBJECT
+
+public:
+    DatabasePoint(HostLog& log, HostDatabase& database);
+
+    /// Imports by a cache file aren't offered; says so in the log.
+    void import(QString cache, IPlugin* pPlugin) override;
+    QString databaseGuid(const QString& path) override;
+    void reserved2() override {}
+    void reserved3() override {}
+    QMap<QString, PatientRecord> patients(const QString& databaseGuid) override;
+
+private:
+    HostLog& m_log;
+    HostDatabase& m_database;
+};
+
+/// The registry that a plug-in gets: finds the five extension points by their names. Owns those made here; the others
+/// must outlive it, and all must outlive the plug-in.
+class ExtensionPoints final : public IExtensionRegistry
+{
+public:
+    ExtensionPoints(HostLog& log, HostDatabase& database, HostDeviceAdmin& deviceAdmin, ICommandHandler& commandHandler,
+                    IEventPublisher& eventPublisher);
+
+    void* reserved0() override { return nullptr; }
+    IExtensionPoint* extensionPoint(const QString& name) override;
+
+private:
+    HostServices m_services;
+    DatabasePoint m_database;
+    QMap<QString, IExtensionPoint*> m_points;
+};

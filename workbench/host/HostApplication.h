@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "workbench/host/ExtensionPoints.h"
+#include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostDeviceAdmin.h"
+#include "workbench/host/HostLog.h"
+#include "workbench/host/HostWindow.h"
+#include "workbench/host/ImportHandler.h"
+#include "workbench/host/PatientEvents.h"
+#include "workbench/host/PluginHost.h"
+
+struct HostOptions;
+
+/// The whole host: owns all its pieces, in the order in which they depend on each other, and starts them. The plug-in
+/// goes before all that it was given.
+class HostApplication final
+{
+public:
+    HostApplication();
+    ~HostApplication();
+    Q_DISABLE_COPY_MOVE(HostApplication)
+
+    /// Opens log and database, loads the plug-in, opens the asked-for diary and shows the window. On a failure the
+    /// error is one sentence and nothing is shown.
+    bool start(const HostOptions& options, QString* error);
+
+    HostLog& log() { return m_log; }
+    HostDatabase& database() { return m_database; }
+    HostDeviceAdmin& deviceAdmin() { return m_deviceAdmin; }
+    PatientEvents& events() { return m_events; }
+    PluginHost& pluginHost() { return m_pluginHost; }
+    ImportHandler& importHandler() { return m_importHandler; }
+    HostWindow& window() { return m_window; }
+
+private:
+    HostLog m_log;
+    HostDatabase m_database;
+    HostDeviceAdmin m_deviceAdmin;
+    PatientEvents m_events;
+    ImportHandler m_importHandler;
+    ExtensionPoints m_extensionPoints;
+    PluginHost m_pluginHost;
+    HostWindow m_window;
+};

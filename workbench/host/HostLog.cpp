@@ -1,0 +1,161 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/host/HostLog.h"
+
+#include <QBrush>
+#include <QColor>
+#include <QGuiApplication>
+#include <QPalette>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int MaxRows = 20000;
+
+/// Colours that stand out on the table's background, a light or a dark one.
+QColor colourOf(HostLog::Level level)
+{
+    const bool isDark = QGuiApplication::palette().color(QPalette::Base).lightness() < 128;
+    switch (level) {
+    case HostLog::Error:
+        return isDark ? QColor(0xff, 0x8a, 0x80) : QColor(0xb0, 0x00, 0x20);
+    case HostLog::Warning:
+        return isDark ? QColor(0xff, 0xc1, 0x6b) : QColor(0x8a, 0x50, 0x00);
+    case HostLog::Info:
+        return isDark ? QColor(0x82, 0xb8, 0xff) : QColor(0x0b, 0x57, 0xa4);
+    case HostLog::Trace:
+        break;
+    }
+    return QGuiApplication::palette().color(QPalette::Text);
+}
+
+QString onOneLine(QString text)
+{
+    return text.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+        .replace(QLatin1Char('\n'), QLatin1String("\\n"))
+        .replace(QLatin1Char('\r'), QLatin1String("\\r"))
+        .replace(QLatin1Char('\t'), QLatin1String("\\t"));
+}
+
+} // namespace
+
+HostLog::HostLog(QObject* parent)
+    : QAbstractTableModel(parent)
+{}
+
+bool HostLog::openFile(const QString& path, QString* error)
+{
+    m_file.setFileName(path);
+    if (m_file.open(QIODevice::WriteOnly | QIODevice::Append))
+        return true;
+    *error = QStringLiteral("log file '%1': %2").arg(path, m_file.errorString());
+    return false;
+}
+
+void HostLog::write(const QString& source, const QString& channel, const QString& message, const QStringList& details)
+{
+    QStringList filled = details;
+    filled.removeAll(QString());
+    const Record record{QDateTime::currentDateTime(),    levelOf(channel), source, channel, message,
+                        filled.join(QLatin1String("; "))};
+    if (m_records.size() >= MaxRows) {
+        beginRemoveRows({}, 0, MaxRows / 10 - 1);
+        m_records.remove(0, MaxRows / 10);
+        endRemoveRows();
+    }
+    beginInsertRows({}, m_records.size(), m_records.size());
+    m_records.append(record);
+    endInsertRows();
+    writeToFile(record);
+}
+
+void HostLog::writeToFile(const Record& record)
+{
+    if (!m_file.isOpen())
+        return;
+    const QStringList fields{record.time.toString(Qt::ISODateWithMs), record.channel, record.source,
+                             onOneLine(record.message), onOneLine(record.details)};
+    const QByteArray line = fields.join(QLatin1Char('\t')).toUtf8() + '\n';
+    if (m_file.write(line) == line.size() && m_file.flush())
+        return;
+    const QString sentence = QStringLiteral("log file '%1': %2").arg(m_file.fileName(), m_file.errorString());
+    m_file.close();
+    Q_EMIT fileFailed(sentence);
+}
+
+bool HostLog::contains(const QString& text) const
+{
+    return std::any_of(m_records.cbegin(), m_records.cend(), [&text](const Record& record) {
+        return record.message.contains(text) || record.details.contains(text);
+    });
+}
+
+HostLog::Level HostLog::levelOf(const QString& channel)
+{
+    if (channel == QLatin1String("Info") || channel == QLatin1String("txt"))
+        return Info;
+    if (channel == QLatin1String("Warning"))
+        return Warning;
+    if (channel == QLatin1String("Error") || channel == QLatin1String("err"))
+        return Error;
+    return Trace;
+}
+
+QString HostLog::levelName(Level level)
+{
+    switch (level) {
+    case Error:
+        return tr("Error");
+    case Warning:
+        return tr("Warning");
+    case Info:
+        return tr("Information");
+    case Trace:
+        break;
+    }
+    return tr("Trace");
+}
+
+int HostLog::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : m_records.size();
+}
+
+int HostLog::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant HostLog::data(const QModelIndex& index, int role) const
+{
+    const Record& record = m_records.at(index.row());
+    if (role == LevelRole)
+        return record.level;
+    if (role == Qt::ForegroundRole)
+        return QBrush(colourOf(record.level));
+    if (role == Qt::ToolTipRole && index.column() >= MessageColumn)
+        return index.column() == MessageColumn ? record.message : record.details;
+    if (role != Qt::DisplayRole)
+        return {};
+    switch (index.column()) {
+    case TimeColumn:
+        return record.time.toString(QStringLiteral("hh:mm:ss.zzz"));
+    case LevelColumn:
+        return levelName(record.level);
+    case SourceColumn:
+        return record.source;
+    case MessageColumn:
+        return record.message;
+    default:
+        return record.details;
+    }
+}
+
+QVariant HostLog::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole || orientation != Qt::Horizontal)
+        return {};
+    static const QStringList titles{tr("Time"), tr("Level"), tr("Source"), tr("Message"), tr("Details")};
+    return titles.value(section);
+}

@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/host/HostOptions.h"
+
+#include <QCommandLineParser>
+#include <QLocale>
+
+namespace {
+
+struct ValueOption
+{
+    const char* name;
+    const char* valueName;
+    const char* description;
+    QString HostOptions::*value;
+};
+
+constexpr ValueOption ValueOptions[] = {
+    {"database", "FILE", "Patient database; made if there is none. Default: a file in the user's data folder.",
+     &HostOptions::database},
+    {"plugin", "LIBRARY", "Plug-in library. Default: the one beside the program or in the build tree.",
+     &HostOptions::plugin},
+    {"drive", "FOLDER", "Folder that stands for the reader's drive. The reader is there while the folder exists.",
+     &HostOptions::drive},
+    {"simulation", "FOLDER", "Let the plug-in run against this folder in place of a reader.", &HostOptions::simulation},
+    {"patient", "PUID", "Open the diary of the patient with this key at start.", &HostOptions::patient},
+    {"locale", "NAME", "Locale of the run, such as de_DE.", &HostOptions::locale},
+    {"robot", "STEPS", "Do the steps of this file as a user would, and end.", &HostOptions::robot},
+    {"pictures", "FOLDER", "Folder for the robot's pictures; made if there is none. Default: the current one.",
+     &HostOptions::pictures},
+    {"log", "FILE", "Append the host's log to this file.", &HostOptions::log},
+};
+
+/// Fills the parser in the order of the help text.
+void addOptions(QCommandLineParser& parser)
+{
+    parser.setApplicationDescription(QStringLiteral("A stand-in host that runs, shows and tests the plug-in."));
+    for (const ValueOption& option : ValueOptions)
+        parser.addOption(
+            {QLatin1String(option.name), QLatin1String(option.description), QLatin1String(option.valueName)});
+    parser.addOption({QStringLiteral("json"), QStringLiteral("Write the robot's steps as JSON, one object a line.")});
+    parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")});
+    parser.addOption({{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Show the version.")});
+}
+
+} // namespace
+
+HostOptions HostOptions::parse(const QStringList& arguments, QString* error)
+{
+    HostOptions options;
+    QCommandLineParser parser;
+    addOptions(parser);
+    if (!parser.parse(arguments)) {
+        *error = parser.errorText();
+        return options;
+    }
+    options.help = parser.isSet(QStringLiteral("help"));
+    options.version = parser.isSet(QStringLiteral("version"));
+    options.json = parser.isSet(QStringLiteral("json"));
+    for (const ValueOption& option : ValueOptions) {
+        const QString name = QLatin1String(option.name);
+        options.*option.value = parser.value(name);
+        if (parser.isSet(name) && parser.value(name).isEmpty())
+            *error = QStringLiteral("--%1 needs a value").arg(name);
+        else if (parser.values(name).size() > 1)
+            *error = QStringLiteral("--%1 is given more than once").arg(name);
+    }
+    if (!parser.positionalArguments().isEmpty())
+        *error = QStringLiteral("unexpected argument '%1'").arg(parser.positionalArguments().constFirst());
+    else if (options.robot.isEmpty() && (options.json || !options.pictures.isEmpty()))
+        *error = QStringLiteral("--json and --pictures need --robot");
+    else if (!options.drive.isEmpty() && !options.simulation.isEmpty())
+        *error = QStringLiteral("--drive and --simulation exclude each other");
+    // A name that Qt doesn't know gives the C locale.
+    else if (!options.locale.isEmpty() && options.locale != QLatin1String("C") &&
+             QLocale(options.locale).language() == QLocale::C)
+        *error = QStringLiteral("--locale: there is no locale '%1'").arg(options.locale);
+    return options;
+}
+
+QString HostOptions::helpText()
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    return parser.helpText();
+}

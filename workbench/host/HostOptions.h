@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// What the program was asked for.
+struct HostOptions
+{
+    QString database;   ///< empty: a file in the user's data folder
+    QString plugin;     ///< empty: the library beside the program or in the build tree
+    QString drive;      ///< empty: no reader
+    QString simulation; ///< empty: no simulation
+    QString patient;    ///< puid of the diary to open at start; empty: none
+    QString locale;     ///< empty: the system's
+    QString robot;      ///< steps file; empty: a user is at the window
+    QString pictures;   ///< folder of the robot's pictures; empty: the current one
+    QString log;        ///< empty: no log file
+    bool json = false;
+    bool help = false;
+    bool version = false;
+
+    /// Reads the command line, the program's name first. A wrong call gives one sentence in @p error.
+    static HostOptions parse(const QStringList& arguments, QString* error);
+    /// Needs an application object.
+    static QString helpText();
+};

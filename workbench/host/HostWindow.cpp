@@ -1,0 +1,361 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/host/HostWindow.h"
+
+#include "host/IComponent.h"
+#include "host/IPlugin.h"
+#include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostDeviceAdmin.h"
+#include "workbench/host/HostLog.h"
+#include "workbench/host/ImportHandler.h"
+#include "workbench/host/LogFilter.h"
+#include "workbench/host/PatientDialog.h"
+#include "workbench/host/PatientEvents.h"
+#include "workbench/host/PluginHost.h"
+
+#include <QCloseEvent>
+#include <QDir>
+#include <QHeaderView>
+#include <QLocale>
+#include <QMessageBox>
+#include <QScrollBar>
+
+namespace {
+
+constexpr int PuidRole = Qt::UserRole;
+
+/// "Doe, Jane", or the one part that there is.
+QString nameOf(const PatientRecord& patient)
+{
+    QStringList parts{patient.ids.value(0), patient.ids.value(1)};
+    parts.removeAll(QString());
+    return parts.join(QLatin1String(", "));
+}
+
+QString birthdayOf(const PatientRecord& patient)
+{
+    const QDate date = QDate::fromString(patient.ids.value(2), QStringLiteral("yyyy-MM-dd"));
+    return date.isValid() ? QLocale().toString(date, QLocale::ShortFormat) : patient.ids.value(2);
+}
+
+QList<QStandardItem*> rowOf(const QStringList& texts)
+{
+    QList<QStandardItem*> row;
+    for (const QString& text : texts) {
+        auto* item = new QStandardItem(text); // the model takes it over
+        item->setToolTip(text);
+        row.append(item);
+    }
+    return row;
+}
+
+void setUpHeaders(QTableView* table, int stretched)
+{
+    table->verticalHeader()->hide();
+    table->horizontalHeader()->setHighlightSections(false);
+    table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table->horizontalHeader()->setSectionResizeMode(stretched, QHeaderView::Stretch);
+}
+
+} // namespace
+
+HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& log, PluginHost& pluginHost,
+                       const ImportHandler& importHandler, const HostDeviceAdmin& deviceAdmin, QWidget* parent)
+    : QMainWindow(parent)
+    , m_database(database)
+    , m_events(events)
+    , m_pluginHost(pluginHost)
+    , m_deviceAdmin(deviceAdmin)
+    , m_logFilter(new LogFilter(this))
+{
+    setupUi(this);
+    messageBar->hide();
+    pluginButton->hide();
+    QFont nameFont = diaryName->font();
+    nameFont.setPointSizeF(nameFont.pointSizeF() * 1.3);
+    nameFont.setBold(true);
+    diaryName->setFont(nameFont);
+    m_logFilter->setSourceModel(&log);
+    setUpTables();
+    mainSplitter->setStretchFactor(0, 2);
+    mainSplitter->setStretchFactor(1, 3);
+    resizeDocks({logDock}, {220}, Qt::Vertical);
+    viewMenu->addAction(logDock->toggleViewAction());
+    for (const HostLog::Level level : {HostLog::Trace, HostLog::Info, HostLog::Warning, HostLog::Error})
+        logLevel->addItem(HostLog::levelName(level), level);
+
+    connect(messageDismiss, &QPushButton::clicked, messageBar, &QWidget::hide);
+    connect(patientFilter, &QLineEdit::textChanged, &m_patientFilter, &QSortFilterProxyModel::setFilterFixedString);
+    connect(patientTable->selectionModel(), &QItemSelectionModel::selectionChanged, this, &HostWindow::refreshActions);
+    connect(patientTable, &QTableView::activated, this, &HostWindow::openDiary);
+    connect(addPatientAction, &QAction::triggered, this, &HostWindow::addPatient);
+    connect(editPatientAction, &QAction::triggered, this, &HostWindow::editPatient);
+    connect(deletePatientAction, &QAction::triggered, this, &HostWindow::deletePatient);
+    connect(openDiaryAction, &QAction::triggered, this, &HostWindow::openDiary);
+    connect(closeDiaryAction, &QAction::triggered, &m_events, &PatientEvents::closeDiary);
+    connect(addPatientButton, &QPushButton::clicked, addPatientAction, &QAction::trigger);
+    connect(editPatientButton, &QPushButton::clicked, editPatientAction, &QAction::trigger);
+    connect(deletePatientButton, &QPushButton::clicked, deletePatientAction, &QAction::trigger);
+    connect(openDiaryButton, &QPushButton::clicked, openDiaryAction, &QAction::trigger);
+    connect(closeDiaryButton, &QPushButton::clicked, closeDiaryAction, &QAction::trigger);
+    connect(quitAction, &QAction::triggered, this, &QWidget::close);
+    connect(aboutAction, &QAction::triggered, this, [this] {
+        const IPlugin* plugin = m_pluginHost.plugin();
+        QMessageBox::about(this, tr("About Merivo Host"),
+                           tr("A host application to run, show and test a plug-in with.\n\nPlug-in: %1, version %2\n%3")
+                               .arg(plugin->title(), plugin->version(), plugin->copyright()));
+    });
+    connect(logLevel, QOverload<int>::of(&QComboBox::currentIndexChanged), m_logFilter, &LogFilter::setLowestLevel);
+    connect(logFilter, &QLineEdit::textChanged, m_logFilter, &LogFilter::setText);
+    connect(m_logFilter, &QAbstractItemModel::rowsInserted, logTable, &QTableView::scrollToBottom);
+    connect(&log, &HostLog::fileFailed, this, &HostWindow::showError);
+
+    connect(&m_events, &IEventPublisher::patientCreated, this, &HostWindow::refresh);
+    connect(&m_events, &IEventPublisher::patientChanged, this, &HostWindow::refresh);
+    connect(&m_events, &IEventPublisher::patientDeleted, this, &HostWindow::refresh);
+    connect(&m_events, &IEventPublisher::diarySessionOpened, this, &HostWindow::refreshDiary);
+    connect(&m_events, &IEventPublisher::diarySessionClosed, this, &HostWindow::refreshDiary);
+    connect(&importHandler, &ImportHandler::finished, this, &HostWindow::onImportFinished);
+    connect(&m_pluginHost, &PluginHost::runningChanged, this, &HostWindow::refreshActions);
+    refresh();
+}
+
+void HostWindow::setUpTables()
+{
+    m_patients.setHorizontalHeaderLabels({tr("Name"), tr("Birthday"), tr("Further id"), tr("Key")});
+    m_patientFilter.setSourceModel(&m_patients);
+    m_patientFilter.setFilterKeyColumn(-1);
+    m_patientFilter.setFilterCaseSensitivity(Qt::CaseInsensitive);
+    patientTable->setModel(&m_patientFilter);
+    setUpHeaders(patientTable, 0);
+
+    m_imports.setHorizontalHeaderLabels({tr("When"), tr("Pump file"), tr("Size"), tr("State"), tr("MAC")});
+    importTable->setModel(&m_imports);
+    setUpHeaders(importTable, 4);
+
+    logTable->setModel(m_logFilter);
+    logTable->verticalHeader()->hide();
+    logTable->verticalHeader()->setDefaultSectionSize(logTable->fontMetrics().height() + 6);
+    // Fixed widths, since measuring every record again would cost more the longer the log grows.
+    const int unit = logTable->fontMetrics().averageCharWidth();
+    logTable->setColumnWidth(HostLog::TimeColumn, unit * 15);
+    logTable->setColumnWidth(HostLog::LevelColumn, unit * 13);
+    logTable->setColumnWidth(HostLog::SourceColumn, unit * 22);
+    logTable->setColumnWidth(HostLog::MessageColumn, unit * 70);
+    logTable->horizontalHeader()->setStretchLastSection(true);
+    logTable->horizontalHeader()->setHighlightSections(false);
+    logTable->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void HostWindow::showComponents()
+{
+    deviceMenu->clear();
+    for (IComponent* component : m_pluginHost.components()) {
+        auto* action = new QAction(component->icon(), component->title(), deviceMenu);
+        action->setObjectName(component->elementKey());
+        action->setEnabled(component->isEnabled());
+        connect(action, &QAction::triggered, this, [this, component] { runComponent(component); });
+        deviceMenu->addAction(action);
+        if (deviceMenu->actions().size() > 1)
+            continue;
+        pluginButton->setIcon(action->icon());
+        pluginButton->setText(action->text());
+        pluginButton->show();
+        connect(pluginButton, &QPushButton::clicked, action, &QAction::trigger);
+    }
+    refreshActions();
+}
+
+void HostWindow::runComponent(IComponent* component)
+{
+    m_pluginHost.run(component, this);
+    refreshStatus();
+}
+
+void HostWindow::addPatient()
+{
+    PatientDialog dialog({}, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    if (!m_database.addPatient(dialog.patient())) {
+        reportDatabaseError();
+        return;
+    }
+    m_events.publishCreated();
+}
+
+void HostWindow::editPatient()
+{
+    const auto patient = selectedPatient();
+    if (!patient)
+        return;
+    PatientDialog dialog(*patient, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    if (!m_database.changePatient(dialog.patient())) {
+        reportDatabaseError();
+        return;
+    }
+    m_events.publishChanged(dialog.patient());
+}
+
+void HostWindow::deletePatient()
+{
+    const auto patient = selectedPatient();
+    if (!patient)
+        return;
+    const int count = m_database.imports(patient->puid).size();
+    if (reportDatabaseError())
+        return;
+    QMessageBox question(
+        QMessageBox::Warning, tr("Delete patient"),
+        tr("Delete %1 with all imported pump files (%2)? This can't be undone.").arg(nameOf(*patient)).arg(count),
+        QMessageBox::Cancel, this);
+    QPushButton* confirm = question.addButton(tr("Delete"), QMessageBox::DestructiveRole);
+    question.setDefaultButton(QMessageBox::Cancel);
+    question.exec();
+    if (question.clickedButton() != confirm)
+        return;
+    if (!m_database.removePatient(patient->puid)) {
+        reportDatabaseError();
+        return;
+    }
+    m_events.publishDeleted(patient->puid);
+}
+
+void HostWindow::openDiary()
+{
+    const auto patient = selectedPatient();
+    if (patient)
+        m_events.openDiary(*patient);
+}
+
+void HostWindow::onImportFinished(const ImportOutcome& outcome)
+{
+    refreshDiary();
+    if (outcome.kind == ImportOutcome::Refused)
+        showError(outcome.sentence);
+    else
+        showNotice(outcome.sentence);
+}
+
+void HostWindow::refresh()
+{
+    refreshPatients();
+    refreshDiary();
+    refreshStatus();
+}
+
+void HostWindow::refreshPatients()
+{
+    const QModelIndex selected = patientTable->currentIndex();
+    const QString puid = selected.siblingAtColumn(0).data(PuidRole).toString();
+    m_patients.removeRows(0, m_patients.rowCount());
+    const QVector<PatientRecord> patients = m_database.patients();
+    if (reportDatabaseError())
+        return;
+    for (const PatientRecord& patient : patients) {
+        const QList<QStandardItem*> row =
+            rowOf({nameOf(patient), birthdayOf(patient), patient.ids.value(3), patient.puid});
+        row.first()->setData(patient.puid, PuidRole);
+        m_patients.appendRow(row);
+        if (patient.puid == puid)
+            patientTable->setCurrentIndex(m_patientFilter.mapFromSource(m_patients.indexFromItem(row.first())));
+    }
+}
+
+void HostWindow::refreshDiary()
+{
+    const PatientRecord patient = m_events.openPatient();
+    diaryName->setText(m_events.isOpen() ? nameOf(patient) : tr("No diary is open"));
+    QStringList details{birthdayOf(patient), patient.ids.value(3), patient.puid};
+    details.removeAll(QString());
+    diaryDetails->setText(m_events.isOpen() ? details.join(QStringLiteral("  \u00b7  "))
+                                            : tr("Select a patient and open the diary."));
+    m_imports.removeRows(0, m_imports.rowCount());
+    const QVector<ImportFacts> imports = m_database.imports(patient.puid);
+    reportDatabaseError();
+    for (const ImportFacts& facts : imports) {
+        m_imports.appendRow(rowOf({QLocale().toString(facts.importedAt.toLocalTime(), QLocale::ShortFormat),
+                                   facts.fileName, QLocale::c().formattedDataSize(facts.fileSize),
+                                   tr("verified, %1").arg(facts.deviceState), facts.mac}));
+    }
+    refreshActions();
+}
+
+void HostWindow::refreshActions()
+{
+    const bool isFree = !m_pluginHost.isRunning();
+    const bool isSelected = isFree && patientTable->selectionModel()->hasSelection();
+    const bool isOpen = isFree && m_events.isOpen();
+    addPatientAction->setEnabled(isFree);
+    for (QAction* action : {editPatientAction, deletePatientAction, openDiaryAction})
+        action->setEnabled(isSelected);
+    closeDiaryAction->setEnabled(isOpen);
+    // The entry stays open without a diary: what it says then is the plug-in's affair.
+    for (QAction* action : deviceMenu->actions())
+        action->setEnabled(isFree);
+    addPatientButton->setEnabled(addPatientAction->isEnabled());
+    editPatientButton->setEnabled(isSelected);
+    deletePatientButton->setEnabled(isSelected);
+    openDiaryButton->setEnabled(isSelected);
+    closeDiaryButton->setEnabled(isOpen);
+    pluginButton->setEnabled(isFree);
+}
+
+void HostWindow::refreshStatus()
+{
+    const QString reader = m_deviceAdmin.drivePath().isEmpty() ? tr("no reader's drive is set")
+                           : m_deviceAdmin.isReaderThere()
+                               ? tr("reader at %1").arg(QDir::toNativeSeparators(m_deviceAdmin.drivePath()))
+                               : tr("reader not plugged in");
+    hostStatusBar->showMessage(tr("Database %1; %2").arg(QDir::toNativeSeparators(m_database.path()), reader));
+}
+
+void HostWindow::showError(const QString& sentence)
+{
+    showMessage(sentence, QStyle::SP_MessageBoxCritical, QColor(0xfd, 0xe0, 0xe0));
+}
+
+void HostWindow::showNotice(const QString& sentence)
+{
+    showMessage(sentence, QStyle::SP_MessageBoxInformation, QColor(0xe0, 0xee, 0xfb));
+}
+
+void HostWindow::showMessage(const QString& sentence, QStyle::StandardPixmap icon, const QColor& background)
+{
+    QPalette palette = messageBar->palette();
+    palette.setColor(QPalette::Window, background);
+    palette.setColor(QPalette::WindowText, Qt::black);
+    messageBar->setPalette(palette);
+    messageIcon->setPixmap(style()->standardIcon(icon).pixmap(24));
+    messageText->setText(sentence);
+    messageText->setAccessibleName(sentence);
+    messageBar->show();
+}
+
+bool HostWindow::reportDatabaseError()
+{
+    if (m_database.errorText().isEmpty())
+        return false;
+    showError(m_database.errorText());
+    return true;
+}
+
+std::optional<PatientRecord> HostWindow::selectedPatient()
+{
+    const QModelIndexList rows = patientTable->selectionModel()->selectedRows();
+    if (rows.isEmpty())
+        return std::nullopt;
+    const QString puid = rows.first().data(PuidRole).toString();
+    const auto patient = m_database.findPatient(puid);
+    if (!reportDatabaseError() && !patient)
+        showError(tr("The patient '%1' isn't in the database any more.").arg(puid));
+    return patient;
+}
+
+void HostWindow::closeEvent(QCloseEvent* event)
+{
+    event->setAccepted(!m_pluginHost.isRunning());
+}

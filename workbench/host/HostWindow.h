@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/IDatabase.h"
+#include "ui_HostWindow.h"
+
+#include <QMainWindow>
+#include <QSortFilterProxyModel>
+#include <QStandardItemModel>
+
+#include <optional>
+
+class HostDatabase;
+class HostDeviceAdmin;
+class HostLog;
+class IComponent;
+class ImportHandler;
+class LogFilter;
+class PatientEvents;
+class PluginHost;
+struct ImportOutcome;
+
+/// The host's window: the patients, the diary of the open one with its imports, the log, and the plug-in's entry in the
+/// menu. Failures show in a bar above it all. What it is made with must outlive it.
+class HostWindow final : public QMainWindow, private Ui::HostWindow
+{
+    Q_OBJECT
+
+public:
+    HostWindow(HostDatabase& database, PatientEvents& events, HostLog& log, PluginHost& pluginHost,
+               const ImportHandler& importHandler, const HostDeviceAdmin& deviceAdmin, QWidget* parent = nullptr);
+
+    /// Puts the components of the loaded plug-in into the menu "Devices".
+    void showComponents();
+    /// Reads patients and imports anew.
+    void refresh();
+    void showError(const QString& sentence);
+    void showNotice(const QString& sentence);
+
+protected:
+    /// Keeps the window open while the plug-in runs.
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void setUpTables();
+    void addPatient();
+    void editPatient();
+    void deletePatient();
+    void openDiary();
+    void onImportFinished(const ImportOutcome& outcome);
+    void runComponent(IComponent* component);
+    void refreshPatients();
+    void refreshDiary();
+    void refreshActions();
+    void refreshStatus();
+    void showMessage(const QString& sentence, QStyle::StandardPixmap icon, const QColor& background);
+    bool reportDatabaseError();
+    std::optional<PatientRecord> selectedPatient();
+
+    HostDatabase& m_database;
+    PatientEvents& m_events;
+    PluginHost& m_pluginHost;
+    const HostDeviceAdmin& m_deviceAdmin;
+    QStandardItemModel m_patients;
+    QSortFilterProxyModel m_patientFilter;
+    QStandardItemModel m_imports;
+    LogFilter* m_logFilter; // child
+};

@@ -1,0 +1,122 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/host/ImportHandler.h"
+
+#include "host/IImportDataCmd.h"
+#include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostDeviceAdmin.h"
+#include "workbench/host/HostLog.h"
+#include "workbench/host/ImportMac.h"
+#include "workbench/host/PatientEvents.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <memory>
+
+namespace {
+
+/// Far above what a pump holds, and well below what one database field takes.
+constexpr qint64 MaxFileSize = 256 * 1024 * 1024;
+
+ImportOutcome refused(const QString& sentence)
+{
+    return {ImportOutcome::Refused, sentence};
+}
+
+QString channelOf(ImportOutcome::Kind kind)
+{
+    switch (kind) {
+    case ImportOutcome::Stored:
+        return QStringLiteral("Info");
+    case ImportOutcome::Repeated:
+        return QStringLiteral("Warning");
+    case ImportOutcome::Refused:
+        break;
+    }
+    return QStringLiteral("Error");
+}
+
+} // namespace
+
+ImportHandler::ImportHandler(HostDatabase& database, PatientEvents& events, HostLog& log,
+                             const HostDeviceAdmin& deviceAdmin, QObject* parent)
+    : QObject(parent)
+    , m_database(database)
+    , m_events(events)
+    , m_log(log)
+    , m_deviceAdmin(deviceAdmin)
+{}
+
+bool ImportHandler::execute(ICommand* command)
+{
+    ImportOutcome outcome;
+    if (!command) {
+        outcome = refused(tr("A plug-in handed over no command."));
+    } else if (command->type() == ICommand::Import) {
+        const std::unique_ptr<IImportDataCmd> import(static_cast<IImportDataCmd*>(command));
+        outcome = carryOut(*import);
+    } else {
+        // Only an import can be freed through its interface; of any other command the class isn't known here.
+        outcome = refused(tr("A command of type %1 isn't carried out by this host.").arg(command->type()));
+    }
+    m_log.write(QStringLiteral("host"), channelOf(outcome.kind), outcome.sentence);
+    Q_EMIT finished(outcome);
+    m_events.publishImport(outcome.kind != ImportOutcome::Refused);
+    return outcome.kind != ImportOutcome::Refused;
+}
+
+ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
+{
+    const QString path = command.filePath();
+    const QString name = QFileInfo(path).fileName();
+    const auto patient = m_database.findPatient(command.puid());
+    if (!m_database.errorText().isEmpty())
+        return refused(tr("Import of '%1' failed: %2.").arg(name, m_database.errorText()));
+    if (!patient)
+        return refused(tr("Import of '%1' refused: there is no patient '%2'.").arg(name, command.puid()));
+
+    // The file is read once: what is checked is what is stored, whatever the reader does with its file meanwhile.
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return refused(tr("Import refused: the file '%1' can't be read.").arg(path));
+    const QByteArray bytes = file.read(MaxFileSize + 1);
+    if (file.error() != QFileDevice::NoError)
+        return refused(tr("Import refused: reading '%1' failed: %2.").arg(path, file.errorString()));
+    if (bytes.isEmpty())
+        return refused(tr("Import refused: the file '%1' is empty.").arg(path));
+    if (bytes.size() > MaxFileSize)
+        return refused(tr("Import refused: the file '%1' is larger than 256 MiB.").arg(path));
+
+    const QByteArray mac = importMac(bytes, m_database.guid());
+    if (!equalInConstantTime(mac, command.fileMac().toUtf8()))
+        return refused(tr("Import of '%1' refused: its MAC doesn't match the file.").arg(name));
+
+    const auto earlier = m_database.findImport(patient->puid, QString::fromLatin1(mac));
+    if (earlier) {
+        return {ImportOutcome::Repeated,
+                tr("'%1' holds what was imported on %2 as '%3' already; nothing was stored again.")
+                    .arg(name, earlier->importedAt.toLocalTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")),
+                         earlier->fileName)};
+    }
+    ImportFacts facts;
+    facts.puid = patient->puid;
+    facts.importedAt = QDateTime::currentDateTimeUtc();
+    facts.fileName = name;
+    facts.fileSize = bytes.size();
+    facts.mac = QString::fromLatin1(mac);
+    facts.deviceState = deviceState();
+    // An error of the look-up for an earlier import shows here too, since the same database is written to.
+    if (!m_database.addImport(facts, bytes))
+        return refused(tr("Import of '%1' failed: %2.").arg(name, m_database.errorText()));
+    return {ImportOutcome::Stored, tr("'%1' imported: %2 bytes, MAC verified.").arg(name).arg(facts.fileSize)};
+}
+
+QString ImportHandler::deviceState() const
+{
+    if (m_isSimulation)
+        return QStringLiteral("simulation");
+    if (!m_deviceAdmin.isReaderThere())
+        return QStringLiteral("no reader");
+    return m_deviceAdmin.isHeld() ? QStringLiteral("reader held") : QStringLiteral("reader");
+}

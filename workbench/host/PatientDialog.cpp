@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/host/PatientDialog.h"
+
+#include "workbench/host/HostDatabase.h"
+
+#include <QDate>
+#include <QPushButton>
+
+PatientDialog::PatientDialog(const PatientRecord& patient, QWidget* parent)
+    : QDialog(parent)
+{
+    setupUi(this);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    const bool isNew = patient.puid.isEmpty();
+    setWindowTitle(isNew ? tr("Add patient") : tr("Edit patient"));
+    familyName->setText(patient.ids.value(0));
+    givenName->setText(patient.ids.value(1));
+    birthday->setText(patient.ids.value(2));
+    furtherId->setText(patient.ids.value(3));
+    puid->setText(isNew ? HostDatabase::newPuid() : patient.puid);
+    puid->setReadOnly(!isNew);
+
+    for (const QLineEdit* field : {familyName, birthday, puid})
+        connect(field, &QLineEdit::textChanged, this, &PatientDialog::refresh);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    refresh();
+}
+
+PatientRecord PatientDialog::patient() const
+{
+    return {puid->text().trimmed(),
+            {familyName->text().trimmed(), givenName->text().trimmed(), birthday->text().trimmed(),
+             furtherId->text().trimmed()}};
+}
+
+void PatientDialog::refresh()
+{
+    const QString missing = whatIsMissing();
+    problem->setText(missing);
+    buttons->button(QDialogButtonBox::Save)->setEnabled(missing.isEmpty());
+}
+
+QString PatientDialog::whatIsMissing() const
+{
+    const PatientRecord record = patient();
+    if (record.ids.at(0).isEmpty())
+        return tr("Please enter the family name.");
+    const QString birthdayText = record.ids.at(2);
+    if (!birthdayText.isEmpty()) {
+        const QDate date = QDate::fromString(birthdayText, QStringLiteral("yyyy-MM-dd"));
+        if (!date.isValid() || date > QDate::currentDate())
+            return tr("The birthday must be a past day such as 1970-02-28, or empty.");
+    }
+    if (!HostDatabase::isValidPuid(record.puid))
+        return tr("The key may have letters, digits, '-', '_' and '.', up to 64 of them.");
+    return {};
+}

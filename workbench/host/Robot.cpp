@@ -1,0 +1,499 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/host/Robot.h"
+
+#include "workbench/host/HostApplication.h"
+#include "workbench/host/WidgetFinder.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCheckBox>
+#include <QDir>
+#include <QHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMessageBox>
+#include <QRadioButton>
+#include <QWindow>
+
+#include <cstdio>
+
+// Where Qt's own test library puts events into the window system's queue; declared as its public headers do.
+QT_BEGIN_NAMESPACE
+Q_GUI_EXPORT void qt_handleMouseEvent(QWindow* window, const QPointF& local, const QPointF& global,
+                                      Qt::MouseButtons state, Qt::MouseButton button, QEvent::Type type,
+                                      Qt::KeyboardModifiers mods, int timestamp);
+Q_GUI_EXPORT void qt_handleKeyEvent(QWindow* window, QEvent::Type type, int key, Qt::KeyboardModifiers mods,
+                                    const QString& text, bool autorep, ushort count);
+QT_END_NAMESPACE
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto TickEvery = 20ms;
+/// How long the GUI thread may be away beyond a step's limit: the plug-in's own pauses are a few seconds.
+constexpr auto Grace = 20s;
+
+/// Where a click hits the widget: its middle, but for boxes that only react on their mark and text.
+QPoint hitPointOf(const QWidget* widget)
+{
+    if (!qobject_cast<const QCheckBox*>(widget) && !qobject_cast<const QRadioButton*>(widget))
+        return widget->rect().center();
+    const int inset = widget->height() / 2;
+    return {widget->isLeftToRight() ? inset : widget->width() - inset, widget->height() / 2};
+}
+
+/// The text that a keyboard gives with a key.
+QString textOfKey(int key)
+{
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return QStringLiteral("\r");
+    case Qt::Key_Tab:
+        return QStringLiteral("\t");
+    default:
+        return key < Qt::Key_Escape ? QString(QChar(key)).toLower() : QString();
+    }
+}
+
+void sendKey(int key, Qt::KeyboardModifiers modifiers, const QString& text)
+{
+    QWindow* window = QGuiApplication::focusWindow();
+    if (!window && WidgetFinder::inputWindow())
+        window = WidgetFinder::inputWindow()->windowHandle();
+    qt_handleKeyEvent(window, QEvent::KeyPress, key, modifiers, text, false, 1);
+    qt_handleKeyEvent(window, QEvent::KeyRelease, key, modifiers, text, false, 1);
+}
+
+QModelIndex cellOf(const QAbstractItemView* view, const QString& text)
+{
+    const QAbstractItemModel* model = view->model();
+    const QModelIndex root = view->rootIndex();
+    for (int row = 0; row < model->rowCount(root); ++row)
+        for (int column = 0; column < model->columnCount(root); ++column)
+            if (model->index(row, column, root).data().toString() == text)
+                return model->index(row, column, root);
+    return {};
+}
+
+} // namespace
+
+Robot::Robot(HostApplication& host, const RobotScript& script, const RobotOptions& options, QObject* parent)
+    : QObject(parent)
+    , m_host(host)
+    , m_script(script)
+    , m_options(options)
+    , m_watchdog(1, QStringLiteral("merivo-host: %1: the event loop doesn't turn any more; the run was ended")
+                        .arg(script.name())
+                        .toLocal8Bit())
+{
+    m_timer.setInterval(TickEvery);
+    connect(&m_timer, &QTimer::timeout, this, &Robot::tick);
+}
+
+void Robot::start()
+{
+    QApplication::setQuitOnLastWindowClosed(false); // the run ends with its last step
+    qApp->installEventFilter(this);
+    m_clock.start();
+    m_timer.start();
+    m_watchdog.expectBackWithin(Grace);
+    m_watchdog.start();
+}
+
+void Robot::tick()
+{
+    const RobotStep& step = m_script.steps().at(m_index);
+    m_watchdog.expectBackWithin(step.limit + Grace);
+    Outcome outcome = attempt(step);
+    if (outcome.kind == Outcome::Waiting) {
+        if (!m_clock.hasExpired(step.limit.count()))
+            return;
+        outcome.kind = Outcome::Failed;
+    }
+    report(step, outcome, m_clock.elapsed());
+    m_isPosted = false;
+    m_isDelivered = false;
+    m_clock.restart();
+    ++m_index;
+    if (outcome.kind == Outcome::Failed)
+        m_failure = QStringLiteral("%1:%2: step failed: %3: %4")
+                        .arg(m_script.name())
+                        .arg(step.line)
+                        .arg(step.text, outcome.seen);
+    if (m_failure.isEmpty() && m_index < m_script.steps().size())
+        return;
+    m_timer.stop();
+    qApp->removeEventFilter(this);
+    Q_EMIT finished();
+    QCoreApplication::exit();
+}
+
+void Robot::report(const RobotStep& step, const Outcome& outcome, qint64 milliseconds) const
+{
+    const bool isDone = outcome.kind == Outcome::Done;
+    QByteArray line;
+    if (m_options.json) {
+        QJsonObject object{{QStringLiteral("step"), m_index + 1},
+                           {QStringLiteral("line"), step.line},
+                           {QStringLiteral("text"), step.text},
+                           {QStringLiteral("outcome"), isDone ? QStringLiteral("ok") : QStringLiteral("failed")},
+                           {QStringLiteral("milliseconds"), milliseconds}};
+        if (!isDone)
+            object.insert(QStringLiteral("seen"), outcome.seen);
+        line = QJsonDocument(object).toJson(QJsonDocument::Compact);
+    } else {
+        line = QStringLiteral("%1  %2  %3 ms  %4")
+                   .arg(m_index + 1, 3)
+                   .arg(isDone ? QStringLiteral("ok    ") : QStringLiteral("FAILED"))
+                   .arg(milliseconds, 6)
+                   .arg(step.text)
+                   .toLocal8Bit();
+        if (!isDone)
+            line += QStringLiteral("\n     instead: %1").arg(outcome.seen).toLocal8Bit();
+    }
+    std::fprintf(stdout, "%s\n", line.constData());
+    std::fflush(stdout);
+}
+
+Robot::Outcome Robot::attempt(const RobotStep& step)
+{
+    static const QHash<QString, Attempt> attempts{
+        {QStringLiteral("answer"), &Robot::answer},      {QStringLiteral("click"), &Robot::click},
+        {QStringLiteral("close"), &Robot::closeWindow},  {QStringLiteral("close-diary"), &Robot::closeDiary},
+        {QStringLiteral("drive"), &Robot::setDrive},     {QStringLiteral("expect"), &Robot::expect},
+        {QStringLiteral("key"), &Robot::pressKey},       {QStringLiteral("open"), &Robot::openDiary},
+        {QStringLiteral("patient"), &Robot::addPatient}, {QStringLiteral("picture"), &Robot::takePicture},
+        {QStringLiteral("quit"), &Robot::quit},          {QStringLiteral("row"), &Robot::selectRow},
+        {QStringLiteral("trigger"), &Robot::trigger},    {QStringLiteral("type"), &Robot::type},
+        {QStringLiteral("wait"), &Robot::waitFor},
+    };
+    if (m_isPosted) {
+        if (m_isDelivered)
+            return {};
+        return waiting(QStringLiteral("the input doesn't arrive; ") + WidgetFinder::describeWindows());
+    }
+    return (this->*attempts.value(step.verb))(step);
+}
+
+Robot::Outcome Robot::addPatient(const RobotStep& step)
+{
+    const PatientRecord patient{step.words.at(0), step.words.mid(1)};
+    const bool isThere = m_host.database().findPatient(patient.puid).has_value();
+    if (!(isThere ? m_host.database().changePatient(patient) : m_host.database().addPatient(patient)))
+        return failed(m_host.database().errorText());
+    if (isThere)
+        m_host.events().publishChanged(patient);
+    else
+        m_host.events().publishCreated();
+    return {};
+}
+
+Robot::Outcome Robot::openDiary(const RobotStep& step)
+{
+    const auto patient = m_host.database().findPatient(step.words.at(0));
+    if (!patient)
+        return failed(QStringLiteral("there is no patient '%1'").arg(step.words.at(0)));
+    m_host.events().openDiary(*patient);
+    return {};
+}
+
+Robot::Outcome Robot::closeDiary(const RobotStep& step)
+{
+    Q_UNUSED(step)
+    m_host.events().closeDiary();
+    return {};
+}
+
+Robot::Outcome Robot::setDrive(const RobotStep& step)
+{
+    const QString folder = step.words.at(0);
+    m_host.deviceAdmin().setDrivePath(folder == QLatin1String("none") ? QString() : QDir(folder).absolutePath());
+    m_host.window().refresh();
+    return {};
+}
+
+Robot::Outcome Robot::trigger(const RobotStep& step)
+{
+    const auto* menu = m_host.window().findChild<QMenu*>(QStringLiteral("deviceMenu"));
+    QStringList titles;
+    const QList<QAction*> actions = menu->actions();
+    for (QAction* action : actions) {
+        titles.append(action->text());
+        if (!step.words.isEmpty() && action->text() != step.words.at(0))
+            continue;
+        if (!action->isEnabled() || QApplication::activeModalWidget())
+            return waiting(QStringLiteral("the entry can't be reached; ") + WidgetFinder::describeWindows());
+        post([action = QPointer<QAction>(action)] {
+            if (action)
+                action->trigger();
+        });
+        return waiting({});
+    }
+    return failed(QStringLiteral("the menu has the entries: ") + titles.join(QStringLiteral(", ")));
+}
+
+Robot::Outcome Robot::click(const RobotStep& step)
+{
+    const QString name = step.words.at(0);
+    QWidget* widget = WidgetFinder::widget(name);
+    const Outcome outcome = reachable(widget, name);
+    if (outcome.kind == Outcome::Done)
+        postClick(widget, hitPointOf(widget));
+    return outcome.kind == Outcome::Done ? waiting({}) : outcome;
+}
+
+Robot::Outcome Robot::selectRow(const RobotStep& step)
+{
+    const QString name = step.words.at(0);
+    auto* view = qobject_cast<QAbstractItemView*>(WidgetFinder::widget(name));
+    const Outcome outcome = reachable(view, name);
+    if (outcome.kind != Outcome::Done)
+        return outcome;
+    const QModelIndex cell = cellOf(view, step.words.at(1));
+    if (!cell.isValid())
+        return waiting(
+            QStringLiteral("none of its %1 rows shows that").arg(view->model()->rowCount(view->rootIndex())));
+    view->scrollTo(cell);
+    postClick(view->viewport(), view->visualRect(cell).center());
+    return waiting({});
+}
+
+Robot::Outcome Robot::type(const RobotStep& step)
+{
+    const QString name = step.words.at(0);
+    QWidget* widget = WidgetFinder::widget(name);
+    const Outcome outcome = reachable(widget, name);
+    if (outcome.kind != Outcome::Done)
+        return outcome;
+    post([field = QPointer<QWidget>(widget), text = step.words.at(1)] {
+        if (!field)
+            return;
+        field->setFocus(Qt::OtherFocusReason);
+        // As a user does who replaces what is there.
+        if (field->metaObject()->indexOfMethod("selectAll()") >= 0)
+            QMetaObject::invokeMethod(field, "selectAll");
+        for (const QChar character : text)
+            sendKey(character.toUpper().unicode(), Qt::NoModifier, QString(character));
+    });
+    return waiting({});
+}
+
+Robot::Outcome Robot::pressKey(const RobotStep& step)
+{
+    QString name = step.words.at(0);
+    if (name.endsWith(QLatin1String("Escape")))
+        name.chop(3); // Qt knows it as "Esc"
+    const QKeySequence sequence = QKeySequence::fromString(name, QKeySequence::PortableText);
+    const int code = sequence.isEmpty() ? int(Qt::Key_unknown) : sequence[0];
+    const int key = code & ~int(Qt::KeyboardModifierMask);
+    if (sequence.count() != 1 || key == Qt::Key_unknown)
+        return failed(QStringLiteral("there is no key '%1'").arg(step.words.at(0)));
+    QWidget* target = nullptr;
+    if (step.words.size() > 1) {
+        target = WidgetFinder::widget(step.words.at(1));
+        const Outcome outcome = reachable(target, step.words.at(1));
+        if (outcome.kind != Outcome::Done)
+            return outcome;
+    } else if (!WidgetFinder::inputWindow()) {
+        return waiting(WidgetFinder::describeWindows());
+    }
+    const auto modifiers = Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask));
+    post([target = QPointer<QWidget>(target), key, modifiers] {
+        if (target)
+            target->setFocus(Qt::OtherFocusReason);
+        sendKey(key, modifiers, modifiers & ~Qt::ShiftModifier ? QString() : textOfKey(key));
+    });
+    return waiting({});
+}
+
+Robot::Outcome Robot::answer(const RobotStep& step)
+{
+    const Outcome outcome = checkBox(step.words, 1);
+    if (outcome.kind != Outcome::Done)
+        return outcome;
+    QWidget* box = QApplication::activeModalWidget();
+    QAbstractButton* button = WidgetFinder::button(box, step.words.at(0));
+    if (!button)
+        return failed(QStringLiteral("the box has no button '%1'; ").arg(step.words.at(0)) +
+                      WidgetFinder::describeWindows());
+    postClick(button, button->rect().center());
+    return waiting({});
+}
+
+Robot::Outcome Robot::takePicture(const RobotStep& step)
+{
+    QWidget* widget = WidgetFinder::inputWindow();
+    if (step.words.size() > 1) {
+        widget = WidgetFinder::window(step.words.at(1));
+        if (!widget)
+            widget = WidgetFinder::widget(step.words.at(1));
+        if (!widget || !widget->isVisible())
+            return waiting(QStringLiteral("'%1' isn't shown; ").arg(step.words.at(1)) +
+                           WidgetFinder::describeWindows());
+    }
+    if (!widget)
+        widget = &m_host.window();
+    const QDir folder(m_options.pictures.isEmpty() ? QStringLiteral(".") : m_options.pictures);
+    QString file = folder.filePath(step.words.at(0));
+    if (!file.endsWith(QLatin1String(".png")))
+        file += QLatin1String(".png");
+    QDir().mkpath(QFileInfo(file).path());
+    return widget->grab().save(file, "PNG") ? Outcome() : failed(QStringLiteral("'%1' can't be written").arg(file));
+}
+
+Robot::Outcome Robot::closeWindow(const RobotStep& step)
+{
+    QWidget* window = WidgetFinder::window(step.words.at(0));
+    if (!window)
+        return waiting(WidgetFinder::describeWindows());
+    post([window = QPointer<QWidget>(window)] {
+        if (window)
+            window->close();
+    });
+    return waiting({});
+}
+
+Robot::Outcome Robot::quit(const RobotStep& step)
+{
+    Q_UNUSED(step)
+    if (QApplication::activeModalWidget() || !m_host.window().close())
+        return waiting(QStringLiteral("the window stays open; ") + WidgetFinder::describeWindows());
+    return {};
+}
+
+Robot::Outcome Robot::waitFor(const RobotStep& step)
+{
+    return checkCondition(step.words);
+}
+
+Robot::Outcome Robot::expect(const RobotStep& step)
+{
+    Outcome outcome = checkCondition(step.words);
+    if (outcome.kind == Outcome::Waiting)
+        outcome.kind = Outcome::Failed;
+    return outcome;
+}
+
+Robot::Outcome Robot::checkCondition(const QStringList& words)
+{
+    const QString subject = words.at(0);
+    const QString object = words.at(1);
+    if (subject == QLatin1String("box"))
+        return checkBox(words, 1);
+    if (subject == QLatin1String("dialog")) {
+        const bool isOpen = WidgetFinder::window(object) != nullptr;
+        return isOpen == (words.at(2) == QLatin1String("open")) ? Outcome() : waiting(WidgetFinder::describeWindows());
+    }
+    if (subject == QLatin1String("imports")) {
+        const int count = m_host.database().imports(m_host.events().openPatient().puid).size();
+        if (!m_host.database().errorText().isEmpty())
+            return failed(m_host.database().errorText());
+        return count == object.toInt() ? Outcome() : waiting(QStringLiteral("the open patient has %1").arg(count));
+    }
+    if (subject == QLatin1String("diary")) {
+        const QString puid = m_host.events().isOpen() ? m_host.events().openPatient().puid : QStringLiteral("closed");
+        return puid == object ? Outcome() : waiting(QStringLiteral("the diary is: ") + puid);
+    }
+    if (subject == QLatin1String("log"))
+        return m_host.log().contains(object) ? Outcome() : waiting(QStringLiteral("no record of the log holds that"));
+    return checkWidget(words);
+}
+
+Robot::Outcome Robot::checkWidget(const QStringList& words)
+{
+    QWidget* widget = WidgetFinder::widget(words.at(0));
+    if (!widget)
+        return waiting(QStringLiteral("there is no '%1'; ").arg(words.at(0)) + WidgetFinder::describeWindows());
+    const QString state = words.at(1);
+    if (state == QLatin1String("text")) {
+        const QString text = WidgetFinder::textOf(widget);
+        const bool isRight = words.at(2) == QLatin1String("equals") ? WidgetFinder::textEquals(text, words.at(3))
+                                                                    : WidgetFinder::textContains(text, words.at(3));
+        return isRight ? Outcome() : waiting(QStringLiteral("its text is '%1'").arg(text));
+    }
+    if (state == QLatin1String("rows")) {
+        const auto* view = qobject_cast<const QAbstractItemView*>(widget);
+        if (!view)
+            return failed(QStringLiteral("'%1' has no rows").arg(words.at(0)));
+        const int rows = view->model() ? view->model()->rowCount(view->rootIndex()) : 0;
+        return rows == words.at(2).toInt() ? Outcome() : waiting(QStringLiteral("it has %1 rows").arg(rows));
+    }
+    const auto* button = qobject_cast<const QAbstractButton*>(widget);
+    const bool isChecked = button && button->isChecked();
+    const QHash<QString, bool> states{
+        {QStringLiteral("visible"), widget->isVisible()}, {QStringLiteral("hidden"), !widget->isVisible()},
+        {QStringLiteral("enabled"), widget->isEnabled()}, {QStringLiteral("disabled"), !widget->isEnabled()},
+        {QStringLiteral("checked"), isChecked},           {QStringLiteral("unchecked"), button && !isChecked},
+        {QStringLiteral("focused"), widget->hasFocus()},
+    };
+    return states.value(state) ? Outcome() : waiting(QStringLiteral("it isn't %1").arg(state));
+}
+
+Robot::Outcome Robot::checkBox(const QStringList& words, int from)
+{
+    const auto* box = qobject_cast<const QMessageBox*>(QApplication::activeModalWidget());
+    if (!box)
+        return waiting(QStringLiteral("no message box is open; ") + WidgetFinder::describeWindows());
+    for (int i = from; i + 1 < words.size(); i += 2) {
+        const bool isRight = words.at(i) == QLatin1String("title")
+                                 ? box->windowTitle() == words.at(i + 1)
+                                 : WidgetFinder::textContains(box->text(), words.at(i + 1));
+        if (!isRight)
+            return waiting(WidgetFinder::describeWindows());
+    }
+    return {};
+}
+
+Robot::Outcome Robot::reachable(QWidget* widget, const QString& name)
+{
+    if (!widget)
+        return waiting(QStringLiteral("there is no such '%1'; ").arg(name) + WidgetFinder::describeWindows());
+    if (!widget->isVisible())
+        return waiting(QStringLiteral("'%1' is hidden; ").arg(name) + WidgetFinder::describeWindows());
+    if (!widget->isEnabled())
+        return waiting(QStringLiteral("'%1' is disabled; ").arg(name) + WidgetFinder::describeWindows());
+    const QWidget* modal = QApplication::activeModalWidget();
+    if (modal && widget->window() != modal)
+        return waiting(QStringLiteral("'%1' is behind a modal window; ").arg(name) + WidgetFinder::describeWindows());
+    return {};
+}
+
+void Robot::post(const std::function<void()>& action)
+{
+    m_isPosted = true;
+    m_clicked = nullptr;
+    QTimer::singleShot(0, this, [this, action] {
+        m_isDelivered = true;
+        action();
+    });
+}
+
+void Robot::postClick(QWidget* widget, const QPoint& position)
+{
+    m_isPosted = true;
+    m_clicked = widget;
+    QWindow* window = widget->window()->windowHandle();
+    const QPointF local = widget->mapTo(widget->window(), position);
+    const QPointF global = widget->mapToGlobal(position);
+    static int timestamp = 0;
+    timestamp += QApplication::doubleClickInterval() + 1; // two clicks never make a double click
+    qt_handleMouseEvent(window, local, global, Qt::LeftButton, Qt::LeftButton, QEvent::MouseButtonPress, Qt::NoModifier,
+                        timestamp);
+    qt_handleMouseEvent(window, local, global, Qt::NoButton, Qt::LeftButton, QEvent::MouseButtonRelease, Qt::NoModifier,
+                        timestamp + 1);
+}
+
+bool Robot::eventFilter(QObject* watched, QEvent* event)
+{
+    // The release comes to the widget that took the press. From here on its own loop may run.
+    if (event->type() == QEvent::MouseButtonRelease && m_isPosted && m_clicked && watched == m_clicked)
+        m_isDelivered = true;
+    return false;
+}

@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "host/PluginIdentity.h"
+#include "workbench/host/HostApplication.h"
+#include "workbench/host/HostOptions.h"
+#include "workbench/host/Robot.h"
+#include "workbench/host/RobotScript.h"
+
+#include <QApplication>
+#include <QLocale>
+#include <QLoggingCategory>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+enum ExitStatus { Success = 0, Failure = 1, WrongCall = 2 };
+
+int report(ExitStatus status, const QString& sentence)
+{
+    std::fprintf(stderr, "merivo-host: %s\n", qPrintable(sentence));
+    return status;
+}
+
+/// True where Qt would end the process for want of a display.
+bool isWithoutDisplay()
+{
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (!qEnvironmentVariableIsEmpty(variable))
+            return false;
+    return true;
+#else
+    return false;
+#endif
+}
+
+int showText(int& argc, char** argv, const HostOptions& options)
+{
+    const QCoreApplication application(argc, argv);
+    const QString text = options.help ? HostOptions::helpText()
+                                      : QStringLiteral("merivo-host %1\n").arg(QLatin1String(MERIVO_PLUGIN_VERSION));
+    std::fputs(qPrintable(text), stdout);
+    return Success;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    QString error;
+    const HostOptions options = HostOptions::parse(arguments, &error);
+    if (!error.isEmpty())
+        return report(WrongCall, error + QStringLiteral("; see --help"));
+    if (options.help || options.version)
+        return showText(argc, argv, options);
+
+    RobotScript script;
+    if (!options.robot.isEmpty() && !script.load(options.robot, &error))
+        return report(Failure, error);
+    if (isWithoutDisplay()) {
+        if (options.robot.isEmpty())
+            return report(Failure, QStringLiteral("there is no display for the window"));
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    // The trace of the plug-in stands in the host's log; standard error is for what the caller must know.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+    if (!options.locale.isEmpty())
+        QLocale::setDefault(QLocale(options.locale));
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("merivo-host"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Merivo Host"));
+    QApplication::setApplicationVersion(QLatin1String(MERIVO_PLUGIN_VERSION));
+
+    HostApplication host;
+    if (!host.start(options, &error))
+        return report(Failure, error);
+    if (options.robot.isEmpty())
+        return QApplication::exec();
+
+    Robot robot(host, script, {options.json, options.pictures});
+    QTimer::singleShot(0, &robot, &Robot::start);
+    QApplication::exec();
+    return robot.failure().isEmpty() ? Success : report(Failure, robot.failure());
+}
