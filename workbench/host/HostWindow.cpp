@@ -118,7 +118,6 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     connect(&m_events, &IEventPublisher::diarySessionClosed, this, &HostWindow::refreshDiary);
     connect(&importHandler, &ImportHandler::finished, this, &HostWindow::onImportFinished);
     connect(&m_pluginHost, &PluginHost::runningChanged, this, &HostWindow::refreshActions);
-    refresh();
 }
 
 void HostWindow::setUpTables()

@@ -479,15 +479,18 @@ void Robot::postClick(QWidget* widget, const QPoint& position)
 {
     m_isPosted = true;
     m_clicked = widget;
-    QWindow* window = widget->window()->windowHandle();
-    const QPointF local = widget->mapTo(widget->window(), position);
-    const QPointF global = widget->mapToGlobal(position);
-    static int timestamp = 0;
-    timestamp += QApplication::doubleClickInterval() + 1; // two clicks never make a double click
-    qt_handleMouseEvent(window, local, global, Qt::LeftButton, Qt::LeftButton, QEvent::MouseButtonPress, Qt::NoModifier,
-                        timestamp);
-    qt_handleMouseEvent(window, local, global, Qt::NoButton, Qt::LeftButton, QEvent::MouseButtonRelease, Qt::NoModifier,
-                        timestamp + 1);
+    QTimer::singleShot(0, this, [this, position] {
+        if (!m_clicked)
+            return;
+        QWindow* window = m_clicked->window()->windowHandle();
+        const QPointF local = m_clicked->mapTo(m_clicked->window(), position);
+        const QPointF global = m_clicked->mapToGlobal(position);
+        m_timestamp += QApplication::doubleClickInterval() + 1; // two clicks never make a double click
+        qt_handleMouseEvent(window, local, global, Qt::LeftButton, Qt::LeftButton, QEvent::MouseButtonPress,
+                            Qt::NoModifier, m_timestamp);
+        qt_handleMouseEvent(window, local, global, Qt::NoButton, Qt::LeftButton, QEvent::MouseButtonRelease,
+                            Qt::NoModifier, m_timestamp + 1);
+    });
 }
 
 bool Robot::eventFilter(QObject* watched, QEvent* event)

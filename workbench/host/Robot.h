@@ -95,9 +95,10 @@ private:
     int m_index = 0;
     QString m_failure;
 
-    // An action is carried out by the event loop, and may block there in a dialog of its own. It counts as done once it
-    // has been delivered.
+    // Input is given by an event of its own, since it may block there in a dialog's loop, in which a timer whose slot
+    // hasn't returned doesn't fire again. It counts as done once it has been delivered.
     bool m_isPosted = false;
     bool m_isDelivered = false;
     QPointer<QWidget> m_clicked;
+    int m_timestamp = 0; // of the last click, in milliseconds
 };

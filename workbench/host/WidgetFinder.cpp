@@ -7,6 +7,8 @@
 #include <QDialogButtonBox>
 #include <QMessageBox>
 #include <QMetaEnum>
+#include <QPushButton>
+#include <QTextDocument>
 #include <QTextDocumentFragment>
 
 #include <algorithm>

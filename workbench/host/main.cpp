@@ -8,7 +8,6 @@
 
 #include <QApplication>
 #include <QLocale>
-#include <QLoggingCategory>
 #include <QTimer>
 
 #include <cstdio>
@@ -34,6 +33,26 @@ bool isWithoutDisplay()
 #else
     return false;
 #endif
+}
+
+HostLog* qtMessageLog = nullptr; // set once, before the plug-in is loaded
+
+/// Qt's own messages go into the host's log: standard error is for what the caller must know. Any thread.
+void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    // What the plug-in writes to Qt's log comes to the host's by itself; the rest of the debug output is no news. That
+    // a platform without a display has no size hints isn't either.
+    if (type == QtDebugMsg || QByteArray(context.category).startsWith("plugin.") ||
+        text.contains(QLatin1String("propagateSizeHints")))
+        return;
+    if (type == QtFatalMsg || !qtMessageLog) {
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+        return;
+    }
+    const QString channel = type == QtInfoMsg ? QStringLiteral("Info") : QStringLiteral("Warning");
+    QMetaObject::invokeMethod(
+        qtMessageLog, [channel, text] { qtMessageLog->write(QStringLiteral("Qt"), channel, text); },
+        Qt::QueuedConnection);
 }
 
 int showText(int& argc, char** argv, const HostOptions& options)
@@ -67,17 +86,18 @@ int main(int argc, char** argv)
             return report(Failure, QStringLiteral("there is no display for the window"));
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-    // The trace of the plug-in stands in the host's log; standard error is for what the caller must know.
-    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
     if (!options.locale.isEmpty())
         QLocale::setDefault(QLocale(options.locale));
 
-    QApplication application(argc, argv);
+    qInstallMessageHandler(takeQtMessage);
+    int onlyTheName = 1; // the rest are options of ours, of which Qt would take some for its own
+    QApplication application(onlyTheName, argv);
     QApplication::setApplicationName(QStringLiteral("merivo-host"));
     QApplication::setApplicationDisplayName(QStringLiteral("Merivo Host"));
     QApplication::setApplicationVersion(QLatin1String(MERIVO_PLUGIN_VERSION));
 
     HostApplication host;
+    qtMessageLog = &host.log();
     if (!host.start(options, &error))
         return report(Failure, error);
     if (options.robot.isEmpty())
