@@ -53,7 +53,7 @@ LmIconHandle lmTakeIconItem(const QString& path)
     if (LmIconItem* cached = cache().take(path))
         return LmIconHandle(cached);
 
-    const QImage image(path);
+    const QImage image = path.isEmpty() ? QImage() : QImage(path);
     if (image.isNull()) {
         qCritical().noquote() << QStringLiteral("icon \"%1\" cannot be loaded").arg(path);
         return nullptr;

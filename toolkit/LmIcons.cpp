@@ -33,8 +33,7 @@ QIcon iconOfSize(const QString& path, QSize* size)
 
     const qreal ratio = lmDevicePixelRatio(nullptr);
     const QSize pixels = *size * ratio;
-    // An icon may prefer another pixmap of the same area to the one that it got here earlier; once is enough.
-    if (pixels.isEmpty() || item->icon.availableSizes(QIcon::Normal, QIcon::Off).contains(pixels))
+    if (pixels.isEmpty())
         return item->icon;
 
     QPixmap pixmap(pixels);

@@ -40,6 +40,7 @@ LmMessageBox::~LmMessageBox() = default;
 
 void LmMessageBox::fitWidthToTitle()
 {
+    // Holds until the box is shown: from then on QMessageBox fixes the size by its own rule, which leaves the title 50.
     if (qobject_cast<QGridLayout*>(layout()))
         setMinimumWidth(textWidth(*this, windowTitle()) + TitleMargin);
 }
