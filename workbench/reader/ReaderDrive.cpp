@@ -156,8 +156,10 @@ void ReaderDrive::lookAtTrigger()
         return;
     m_triggerStamp = stamp;
     m_triggered = false;
-    if (stamp.exists())
-        showStatus();
+    if (!stamp.exists())
+        return;
+    showStatus();
+    Q_EMIT triggered();
 }
 
 void ReaderDrive::lookAtCommand()

@@ -72,6 +72,8 @@ public:
 Q_SIGNALS:
     /// A command file was written and has rested long enough to be whole.
     void commandWritten(const QByteArray& bytes);
+    /// The trigger file was written, and the newest status is shown by now.
+    void triggered();
     /// The drive can't be written any more; nothing will work from here on.
     void failed(const QString& error);
 

@@ -98,6 +98,9 @@ void ReaderSimulator::begin(const ReaderCommand& command)
 {
     Q_EMIT logged(QStringLiteral("took %1").arg(command.word));
     dropCommand();
+    // A code that the user hasn't answered is given up by whatever else comes.
+    if (command.kind != ReaderCommand::Kind::ConfirmPairing)
+        m_toConfirm.reset();
     m_active = command.word;
     m_behaviour = m_scenario.faults.behaviourFor(command.word);
     if (!m_behaviour.answers) {
@@ -105,8 +108,9 @@ void ReaderSimulator::begin(const ReaderCommand& command)
         return;
     }
 
+    const bool isVerdict = command.kind == ReaderCommand::Kind::ConfirmPairing && m_toConfirm;
+    const Pump* pump = find(isVerdict ? m_toConfirm->serialNumber : command.serialNumber);
     m_plan = planFor(command);
-    const Pump* pump = find(command.serialNumber);
     if (pump && m_plan.failCode == 0 && pump->errors.contains(command.word)) {
         m_plan.failCode = pump->errors.value(command.word);
         m_plan.durationMs /= 2;

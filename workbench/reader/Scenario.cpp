@@ -3,7 +3,6 @@
 #include "workbench/reader/Scenario.h"
 
 #include "workbench/reader/JsonFields.h"
-#include "workbench/reader/ReaderCommand.h"
 
 #include <QFile>
 
@@ -12,6 +11,9 @@
 namespace {
 
 const int LongestMs = 3600 * 1000;
+/// The commands that speak to one pump, and so can fail because of it.
+const QStringList PumpCommands = {QStringLiteral("BTPAIR"), QStringLiteral("BTPAIRCONFIRM"), QStringLiteral("BTREAD"),
+                                  QStringLiteral("BTDELETEADDR"), QStringLiteral("BTPUMPREASSIGN")};
 
 const struct
 {
@@ -102,7 +104,7 @@ Pump pumpFrom(const QJsonValue& value, const QString& path, QStringList* errors)
         JsonFields byCommand(codes, deeper, errors);
         const QStringList words = byCommand.names();
         for (const QString& word : words) {
-            if (isCommandWord(word))
+            if (PumpCommands.contains(word))
                 byCommand.number(word, 0, std::numeric_limits<int>::max(), &pump.errors[word]);
         }
         byCommand.refuseOthers();

@@ -5,6 +5,8 @@
 #include "workbench/reader/ReaderSimulator.h"
 #include "workbench/reader/Scenario.h"
 #include "workbench/reader/StopSignals.h"
+#include "workbench/reader/TrafficRecorder.h"
+#include "workbench/reader/TrafficReplay.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -13,7 +15,9 @@
 #include <QFile>
 #include <QTextStream>
 
+#include <algorithm>
 #include <cstdio>
+#include <initializer_list>
 
 namespace {
 
@@ -25,7 +29,9 @@ enum ExitStatus {
 
 void print(std::FILE* stream, const QString& line)
 {
-    QTextStream(stream) << line << Qt::endl;
+    QTextStream out(stream);
+    out.setCodec("UTF-8");
+    out << line << Qt::endl;
 }
 
 int complain(ExitStatus status, const QString& what)
@@ -58,6 +64,14 @@ const QCommandLineOption
     SeedOption(QStringLiteral("seed"),
                QStringLiteral("Draw everything that varies from N; the same N gives the same run."),
                QStringLiteral("N"));
+const QCommandLineOption RecordOption(QStringLiteral("record"),
+                                      QStringLiteral("Write all traffic of the drive down in FILE, as JSON lines."),
+                                      QStringLiteral("FILE"));
+const QCommandLineOption WatchOption(QStringLiteral("watch-only"),
+                                     QStringLiteral("Record a drive that another reader serves; play nothing."));
+const QCommandLineOption ReplayOption(QStringLiteral("replay"),
+                                      QStringLiteral("Answer as the reader did whose traffic FILE recorded."),
+                                      QStringLiteral("FILE"));
 const QCommandLineOption LogOption(QStringLiteral("log"),
                                    QStringLiteral("Append what happens to FILE instead of standard error."),
                                    QStringLiteral("FILE"));
@@ -113,39 +127,58 @@ private:
     QFile m_file;
 };
 
-int run(const QCommandLineParser& parser)
+/// WrongCall, told, for options that contradict each other.
+int checkCall(const QCommandLineParser& parser)
 {
-    if (parser.isSet(ListFaultsOption)) {
-        QTextStream(stdout) << FaultSet::catalogue();
-        return Success;
-    }
-    Scenario scenario = defaultScenario();
-    if (const int status = scenarioFor(parser, &scenario))
-        return status;
-    if (parser.isSet(CheckOption)) {
-        print(stdout, QStringLiteral("The scenario is sound."));
-        return Success;
-    }
-    if (parser.positionalArguments().size() != 1)
-        return complain(WrongCall, QStringLiteral("exactly one DRIVE expected; see --help"));
-    const QString path = parser.positionalArguments().first();
-
-    LogFile log;
-    if (!log.open(parser.value(LogOption)))
-        return complain(Failure, QStringLiteral("%1: %2").arg(parser.value(LogOption), log.errorString()));
-
-    StopSignals stopSignals;
-    QObject::connect(&stopSignals, &StopSignals::stopRequested, qApp, &QCoreApplication::quit);
-    const auto giveUp = [](const QString& error) {
-        complain(Failure, error);
-        QCoreApplication::exit(Failure);
+    const auto isPlaying = [&parser](std::initializer_list<QCommandLineOption> options) {
+        return std::any_of(options.begin(), options.end(), [&](const auto& option) { return parser.isSet(option); });
     };
+    if (parser.isSet(WatchOption) && !parser.isSet(RecordOption))
+        return complain(WrongCall, QStringLiteral("--watch-only: needs --record"));
+    if (parser.isSet(WatchOption) &&
+        isPlaying({ScenarioOption, FaultOption, PairOption, InstantOption, SeedOption, ReplayOption}))
+        return complain(WrongCall,
+                        QStringLiteral("--watch-only: plays nothing, so only --record and --log go with it"));
+    if (parser.isSet(ReplayOption) && isPlaying({ScenarioOption, FaultOption, PairOption, SeedOption}))
+        return complain(WrongCall,
+                        QStringLiteral("--replay: plays what was recorded, so no scenario, fault, pair or seed "
+                                       "goes with it"));
+    if (parser.positionalArguments().size() != (parser.isSet(CheckOption) ? 0 : 1))
+        return complain(WrongCall, parser.isSet(CheckOption)
+                                       ? QStringLiteral("--check-scenario: takes no DRIVE")
+                                       : QStringLiteral("exactly one DRIVE expected; see --help"));
+    if (parser.isSet(CheckOption) && !parser.isSet(ScenarioOption))
+        return complain(WrongCall, QStringLiteral("--check-scenario: needs --scenario"));
+    return Success;
+}
 
-    QString error;
-    ReaderDrive drive(path);
-    if (!drive.open(&error))
-        return complain(Failure, error);
+/// Runs until the program is told to stop or something fails.
+int serve(const QString& announcement)
+{
+    print(stdout, announcement);
+    return QCoreApplication::exec();
+}
 
+void giveUp(const QString& error)
+{
+    QCoreApplication::exit(complain(Failure, error));
+}
+
+int playRecording(const QCommandLineParser& parser, ReaderDrive& drive, LogFile& log)
+{
+    QStringList errors;
+    const std::optional<QVector<TrafficEntry>> entries = loadTraffic(parser.value(ReplayOption), &errors);
+    if (!entries)
+        return complain(Failure, errors);
+    TrafficReplay replay(drive, *entries, parser.isSet(InstantOption));
+    QObject::connect(&replay, &TrafficReplay::logged, qApp, [&log](const QString& line) { log.write(line); });
+    QObject::connect(&replay, &TrafficReplay::failed, qApp, giveUp, Qt::QueuedConnection);
+    replay.start();
+    return serve(QStringLiteral("merivo-reader: replaying on %1").arg(drive.path()));
+}
+
+int playScenario(const QCommandLineParser& parser, const Scenario& scenario, ReaderDrive& drive, LogFile& log)
+{
     ReaderSimulator reader(drive, scenario, parser.isSet(InstantOption));
     QObject::connect(&reader, &ReaderSimulator::logged, qApp, [&log](const QString& line) { log.write(line); });
     QObject::connect(&reader, &ReaderSimulator::failed, qApp, giveUp, Qt::QueuedConnection);
@@ -153,14 +186,52 @@ int run(const QCommandLineParser& parser)
     for (const QString& pair : pairs) {
         const QString serialNumber = pair.section(QLatin1Char('='), 0, 0);
         const QString patientId = pair.section(QLatin1Char('='), 1);
-        if (serialNumber.isEmpty() || patientId.trimmed() != patientId || patientId.isEmpty())
+        if (serialNumber.isEmpty() || patientId.isEmpty() || patientId.trimmed() != patientId)
             return complain(WrongCall, QStringLiteral("--pair: \"%1\" isn't SERIAL=PATIENT").arg(pair));
         reader.pairBeforehand(serialNumber, patientId);
     }
+    QString error;
     if (!reader.start(&error))
         return complain(Failure, error);
-    print(stdout, QStringLiteral("merivo-reader: serving %1").arg(QDir::toNativeSeparators(path)));
-    return QCoreApplication::exec();
+    return serve(QStringLiteral("merivo-reader: serving %1").arg(drive.path()));
+}
+
+int run(const QCommandLineParser& parser)
+{
+    if (parser.isSet(ListFaultsOption)) {
+        QTextStream(stdout) << FaultSet::catalogue();
+        return Success;
+    }
+    if (const int status = checkCall(parser))
+        return status;
+    Scenario scenario = defaultScenario();
+    if (const int status = scenarioFor(parser, &scenario))
+        return status;
+    if (parser.isSet(CheckOption)) {
+        print(stdout, QStringLiteral("%1: sound").arg(parser.value(ScenarioOption)));
+        return Success;
+    }
+
+    LogFile log;
+    if (!log.open(parser.value(LogOption)))
+        return complain(Failure, QStringLiteral("%1: %2").arg(parser.value(LogOption), log.errorString()));
+    StopSignals stopSignals;
+    QObject::connect(&stopSignals, &StopSignals::stopRequested, qApp, &QCoreApplication::quit);
+
+    QString error;
+    ReaderDrive drive(parser.positionalArguments().first());
+    if (!parser.isSet(WatchOption) && !drive.open(&error))
+        return complain(Failure, error);
+    TrafficRecorder recorder(drive.path());
+    QObject::connect(&recorder, &TrafficRecorder::failed, qApp, giveUp, Qt::QueuedConnection);
+    if (parser.isSet(RecordOption) && !recorder.start(parser.value(RecordOption), &error))
+        return complain(Failure, error);
+
+    if (parser.isSet(WatchOption))
+        return serve(QStringLiteral("merivo-reader: watching %1").arg(drive.path()));
+    if (parser.isSet(ReplayOption))
+        return playRecording(parser, drive, log);
+    return playScenario(parser, scenario, drive, log);
 }
 
 } // namespace
@@ -175,10 +246,14 @@ int main(int argc, char** argv)
     parser.setApplicationDescription(QStringLiteral("Plays the device reader on the folder or removable drive DRIVE."));
     parser.addPositionalArgument(QStringLiteral("DRIVE"),
                                  QStringLiteral("The root of the reader's drive; it must exist."));
-    parser.addOptions(
-        {ScenarioOption, CheckOption, FaultOption, ListFaultsOption, PairOption, InstantOption, SeedOption, LogOption});
-    const QCommandLineOption helpOption = parser.addHelpOption();
-    const QCommandLineOption versionOption = parser.addVersionOption();
+    parser.addOptions({ScenarioOption, CheckOption, FaultOption, ListFaultsOption, PairOption, InstantOption,
+                       SeedOption, RecordOption, WatchOption, ReplayOption, LogOption});
+    // Not addHelpOption(): that brings --help-all along, for options that this program doesn't have.
+    const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
+                                        QStringLiteral("Show this summary and end."));
+    const QCommandLineOption versionOption({QStringLiteral("v"), QStringLiteral("version")},
+                                           QStringLiteral("Show the version and end."));
+    parser.addOptions({helpOption, versionOption});
 
     if (!parser.parse(QCoreApplication::arguments()))
         return complain(WrongCall, parser.errorText());

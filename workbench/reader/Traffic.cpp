@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/reader/Traffic.h"
+
+#include "workbench/reader/JsonFields.h"
+#include "workbench/reader/ReaderDrive.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+
+#include <limits>
+
+namespace {
+
+const QString InFolder = ReaderNames::Folder + QLatin1Char('/');
+
+TrafficEntry entryFrom(const QJsonValue& value, qint64 earliest, QStringList* errors)
+{
+    const QString bytesField = QStringLiteral("base64");
+    TrafficEntry entry;
+    JsonFields fields(value, {}, errors);
+    fields.require(QStringLiteral("ms"));
+    fields.require(QStringLiteral("file"));
+    int ms = 0;
+    fields.number(QStringLiteral("ms"), 0, std::numeric_limits<int>::max(), &ms);
+    entry.ms = ms;
+    if (entry.ms < earliest)
+        fields.fail(QStringLiteral("ms"), QStringLiteral("is less than in the line before"));
+    fields.text(QStringLiteral("file"), &entry.file);
+    // What a recording names is written to the drive, so nothing but the reader's own files passes.
+    if (!entry.file.isNull() && !entry.isTrigger() && !isTrafficFile(entry.name()))
+        fields.fail(QStringLiteral("file"), QStringLiteral("\"%1\" isn't a file of the reader").arg(entry.file));
+
+    const QJsonValue text = fields.take(QStringLiteral("text"), nullptr);
+    if (text.isString())
+        entry.bytes = text.toString().toUtf8();
+    else if (!text.isUndefined())
+        fields.fail(QStringLiteral("text"), QStringLiteral("must be a text"));
+    QString encoded;
+    fields.text(bytesField, &encoded);
+    if (!encoded.isNull()) {
+        const auto decoded =
+            QByteArray::fromBase64Encoding(encoded.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
+        if (decoded)
+            entry.bytes = *decoded;
+        else
+            fields.fail(bytesField, QStringLiteral("isn't base 64"));
+    }
+    bool isGone = false;
+    fields.flag(QStringLiteral("gone"), &isGone);
+    if (errors->isEmpty() && isGone == entry.bytes.has_value())
+        fields.fail(QStringLiteral("text"), QStringLiteral("exactly one of text, base64 and gone expected"));
+    fields.refuseOthers();
+    return entry;
+}
+
+} // namespace
+
+QString TrafficEntry::name() const
+{
+    return file.startsWith(InFolder) ? file.mid(InFolder.size()) : QString();
+}
+
+bool TrafficEntry::isCommand() const
+{
+    return name() == ReaderNames::Command;
+}
+
+bool TrafficEntry::isStatus() const
+{
+    return name() == ReaderNames::Status;
+}
+
+bool TrafficEntry::isTrigger() const
+{
+    return file == ReaderNames::Trigger;
+}
+
+bool isTrafficFile(const QString& name)
+{
+    if (name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')))
+        return false;
+    return name == ReaderNames::Command || name == ReaderNames::Status || name == ReaderNames::DeviceList ||
+           (name.startsWith(QLatin1Char('V')) && name.contains(QLatin1String(".log"), Qt::CaseInsensitive)) ||
+           QDir::match(ReaderNames::ExchangeFilter, name);
+}
+
+QByteArray trafficLine(const TrafficEntry& entry)
+{
+    QJsonObject object{{QStringLiteral("ms"), entry.ms}, {QStringLiteral("file"), entry.file}};
+    if (!entry.bytes) {
+        object.insert(QStringLiteral("gone"), true);
+    } else if (const QString text = QString::fromUtf8(*entry.bytes); text.toUtf8() == *entry.bytes) {
+        object.insert(QStringLiteral("text"), text);
+    } else {
+        object.insert(QStringLiteral("base64"), QString::fromLatin1(entry.bytes->toBase64()));
+    }
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+std::optional<QVector<TrafficEntry>> loadTraffic(const QString& fileName, QStringList* errors)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        errors->append(QStringLiteral("%1: %2").arg(fileName, file.errorString()));
+        return std::nullopt;
+    }
+    QVector<TrafficEntry> entries;
+    for (int line = 1; !file.atEnd(); ++line) {
+        QStringList faults;
+        const QJsonValue root = parseJson(file.readLine(), &faults);
+        if (faults.isEmpty())
+            entries.append(entryFrom(root, entries.isEmpty() ? 0 : entries.constLast().ms, &faults));
+        for (const QString& fault : qAsConst(faults))
+            errors->append(QStringLiteral("%1: line %2: %3").arg(fileName).arg(line).arg(fault));
+    }
+    if (!errors->isEmpty())
+        return std::nullopt;
+    return entries;
+}

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "workbench/reader/ReaderDrive.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QHash>
+#include <QObject>
+#include <QTimer>
+
+#include <optional>
+
+struct TrafficEntry;
+
+/// Writes down what happens on a reader's drive, whoever serves it, without touching the drive: the content of each of
+/// the reader's files as it changes, and each writing of the trigger file. What lies there at the begin comes first.
+class TrafficRecorder final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(TrafficRecorder)
+
+public:
+    explicit TrafficRecorder(const QString& drivePath, QObject* parent = nullptr);
+    /// Writes down what has changed since the last look.
+    ~TrafficRecorder() override;
+
+    /// Begins to record into @p fileName, which is replaced. False with a sentence that names the file.
+    bool start(const QString& fileName, QString* error);
+
+Q_SIGNALS:
+    /// The recording can't be written any more.
+    void failed(const QString& error);
+
+private:
+    struct Seen
+    {
+        FileStamp stamp;
+        QByteArray bytes;
+        bool isWritten = false;
+    };
+
+    void look();
+    void lookAtTrigger();
+    void lookAtFile(const QString& name);
+    void write(const QString& file, const std::optional<QByteArray>& bytes);
+
+    const QString m_drivePath;
+    QFile m_file;
+    QTimer m_timer;
+    QElapsedTimer m_clock;
+    FileStamp m_trigger;
+    QHash<QString, Seen> m_seen;
+};

@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/reader/TrafficReplay.h"
+
+#include "workbench/reader/ReaderDrive.h"
+
+#include <algorithm>
+
+TrafficReplay::TrafficReplay(ReaderDrive& drive, const QVector<TrafficEntry>& entries, bool instant, QObject* parent)
+    : QObject(parent)
+    , m_drive(drive)
+    , m_entries(entries)
+    , m_instant(instant)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        playNext();
+        waitForNext();
+    });
+    connect(&m_drive, &ReaderDrive::commandWritten, this, &TrafficReplay::onCommandWritten);
+    connect(&m_drive, &ReaderDrive::failed, this, &TrafficReplay::failed);
+}
+
+void TrafficReplay::start()
+{
+    while (atAnswer())
+        playNext();
+    m_drive.showStatus();
+    m_drive.listen();
+}
+
+bool TrafficReplay::atAnswer() const
+{
+    return m_next < m_entries.size() && !m_entries.at(m_next).isCommand();
+}
+
+void TrafficReplay::onCommandWritten(const QByteArray& bytes)
+{
+    // A computer that is quicker than the one recorded finds the drive as that one left it.
+    m_timer.stop();
+    while (atAnswer())
+        playNext();
+
+    const auto found = std::find_if(m_entries.cbegin() + m_next, m_entries.cend(), [&bytes](const TrafficEntry& entry) {
+        return entry.isCommand() && entry.bytes == bytes;
+    });
+    const QString command = QString::fromUtf8(bytes).section(QLatin1Char('\n'), 1);
+    if (found == m_entries.cend()) {
+        Q_EMIT logged(
+            QStringLiteral("left \"%1\" unanswered: the recording has no such command from here on").arg(command));
+        return;
+    }
+    Q_EMIT logged(QStringLiteral("answers \"%1\" as recorded at %2 ms").arg(command).arg(found->ms));
+    m_next = static_cast<int>(found - m_entries.cbegin()) + 1;
+    waitForNext();
+}
+
+void TrafficReplay::waitForNext()
+{
+    if (!atAnswer())
+        return;
+    const qint64 pause = m_entries.at(m_next).ms - m_entries.at(m_next - 1).ms;
+    m_timer.start(m_instant ? 0 : static_cast<int>(pause));
+}
+
+void TrafficReplay::playNext()
+{
+    const TrafficEntry& entry = m_entries.at(m_next++);
+    if (entry.isTrigger() || entry.isCommand())
+        return;
+    if (entry.isStatus() && entry.bytes)
+        m_drive.setStatus(*entry.bytes);
+    else if (entry.bytes)
+        m_drive.replaceFile(entry.name(), *entry.bytes);
+    else
+        m_drive.removeFile(entry.name());
+}
