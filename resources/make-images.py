@@ -198,9 +198,8 @@ def icons():
 
 
 def pump_pictures():
-    # The main dialog shows it at a quarter of its size, the add dialog at half.
-    picture("Cygnara.svg", 46.11, 30.74, image(rasters.pump(soften=2), 46.11, 30.74))
-    pump = rasters.pump(soften=1)
+    pump = rasters.pump()
+    picture("Cygnara.svg", 46.11, 30.74, image(pump, 46.11, 30.74))
 
     def ring(x, y):
         return f'<ellipse cx="{x}" cy="{y}" rx="25.2" ry="10.25" fill="none" stroke="{GREEN}" stroke-width="1.5"/>'

@@ -61,7 +61,7 @@ def rise(distance, width, height):
     return height * np.sqrt(1 - (1 - t) ** 2)
 
 
-def pump(soften):
+def pump():
     width, height = PUMP_SIZE
     y, x = np.mgrid[0:height * SAMPLES, 0:width * SAMPLES] / SAMPLES + 0.5 / SAMPLES
     body = box(x, y, 4, 12, 416, 268, 56)
@@ -90,7 +90,7 @@ def pump(soften):
 
     colour = np.where((glass < 0)[..., None], panel(x, y, glass, screen), colour)
     colour = np.where((window < 0)[..., None], reservoir(x, y, window), colour)
-    return finish(np.dstack([np.clip(colour, 0, 1) ** (1 / 1.25), body < 0]), soften)
+    return finish(np.dstack([np.clip(colour, 0, 1) ** (1 / 1.25), body < 0]), soften=2)
 
 
 def panel(x, y, glass, screen):
@@ -219,7 +219,7 @@ def spinner(path):
     size, frames, samples = 74, 31, 4
     y, x = (np.mgrid[0:size * samples, 0:size * samples] + 0.5) / samples - size / 2
     radius, angle = np.hypot(x, y), np.arctan2(y, x)
-    mid, track_half, arc_half = 28.0, 4.0, 3.0
+    mid, track_half, arc_half = 28.0, 4.4, 3.3
     ground, track, accent = (np.array(c) / 255 for c in ((240, 240, 240), (220, 224, 223), (0x59, 0xC6, 0x8C)))
     pictures = []
     for frame in range(frames):

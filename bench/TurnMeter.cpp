@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "bench/TurnMeter.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QLibrary>
+
+#include <algorithm>
+
+namespace {
+
+/// UsbDeviceAdapter::wait() sleeps for so long between two turns, on purpose.
+constexpr double WaitStepMs = 20;
+/// Turns from here on get a label.
+constexpr double LongTurnMs = 4;
+
+TurnMeter* s_meter = nullptr;
+
+/// Nothing but UsbDeviceAdapter::wait() sets that cursor.
+bool isInWait()
+{
+    const QCursor* cursor = QGuiApplication::overrideCursor();
+    return cursor && cursor->shape() == Qt::WaitCursor;
+}
+
+} // namespace
+
+TurnMeter::TurnMeter(std::function<QString()> label)
+    : m_label(std::move(label))
+{
+    const QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
+    if (!dispatcher || !dispatcher->inherits("QEventDispatcherGlib"))
+        return;
+    // By name, since Qt has GLib loaded and its headers would be one more thing to install.
+    QLibrary glib(QStringLiteral("glib-2.0"), 0);
+    const auto getPoll = reinterpret_cast<GetPoll>(glib.resolve("g_main_context_get_poll_func"));
+    m_setPoll = reinterpret_cast<SetPoll>(glib.resolve("g_main_context_set_poll_func"));
+    if (!getPoll || !m_setPoll)
+        return;
+    m_systemPoll = getPoll(nullptr); // null stands for the main thread's context
+    s_meter = this;
+    m_setPoll(nullptr, &TurnMeter::poll);
+}
+
+TurnMeter::~TurnMeter()
+{
+    if (m_setPoll)
+        m_setPoll(nullptr, m_systemPoll);
+    s_meter = nullptr;
+}
+
+int TurnMeter::poll(Descriptor* descriptors, unsigned int count, int timeout)
+{
+    s_meter->turnEnds();
+    const int ready = s_meter->m_systemPoll(descriptors, count, timeout);
+    s_meter->turnBegins();
+    return ready;
+}
+
+void TurnMeter::turnBegins()
+{
+    m_inTurn = m_keep;
+    m_beginsInWait = isInWait();
+    m_begin = BenchClock::now();
+}
+
+void TurnMeter::turnEnds()
+{
+    if (!m_inTurn)
+        return;
+    double milliseconds = millisecondsSince(m_begin);
+    // Only the sleep is put aside: what the events ahead of it took counts, and so does all that follows the last one.
+    if (m_beginsInWait)
+        milliseconds = std::max(milliseconds - WaitStepMs, 0.0);
+    std::vector<Turn>& list = m_beginsInWait && isInWait() ? waitingTurns : turns;
+    list.push_back({milliseconds, milliseconds < LongTurnMs ? QString() : m_label()});
+}

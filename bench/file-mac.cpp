@@ -1,0 +1,163 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+
+// The MAC of an exchange file against a bare loop over the same bytes, and the memory that it takes.
+
+#include "bench/Report.h"
+#include "commands/ImportDataCommand.h"
+#include "host/SharedKey.h"
+#include "plugin/session/PatientSession.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QMessageAuthenticationCode>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <array>
+#include <cstdio>
+#include <random>
+
+namespace {
+
+struct Size
+{
+    int mebibytes;
+    int roundsFactor; ///< a small file is quickly done, and needs more rounds for a steady median
+};
+
+constexpr std::array<Size, 3> Sizes{{{1, 16}, {8, 4}, {64, 1}}};
+constexpr int Mebibyte = 1024 * 1024;
+const QString DatabaseGuid = QStringLiteral("{d2f7a4a0-0001-4c1e-9a55-000000000001}");
+
+bool writeFile(const QString& path, int mebibytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    std::mt19937 random(1); // NOLINT(cert-msc51-cpp): the same bytes at each call
+    QByteArray bytes(Mebibyte, Qt::Uninitialized);
+    for (int i = 0; i < mebibytes; ++i) {
+        for (char& byte : bytes)
+            byte = static_cast<char>(random());
+        if (file.write(bytes) != bytes.size())
+            return false;
+    }
+    return true;
+}
+
+/// Qt's code over the file by hand: the least that a file MAC can be.
+QString bareMac(const QString& path)
+{
+    const QByteArray shared(reinterpret_cast<const char*>(SharedKey.data()), static_cast<int>(SharedKey.size()));
+    QMessageAuthenticationCode mac(QCryptographicHash::Sha256, shared.toHex() + DatabaseGuid.toUtf8());
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return {};
+    static std::array<char, 65536> buffer;
+    for (qint64 size = 1; size > 0;) {
+        size = file.read(buffer.data(), static_cast<qint64>(buffer.size()));
+        if (size > 0)
+            mac.addData(buffer.data(), static_cast<int>(size));
+    }
+    return QString::fromLatin1(mac.result().toHex());
+}
+
+QString commandMac(const QString& path)
+{
+    PatientSession::instance()->setExchangeFilePath(path);
+    ImportDataCommand command(nullptr);
+    command.m_databaseGuid = DatabaseGuid;
+    return command.fileMac();
+}
+
+/// The most memory that this process has had resident so far, in KiB; 0 where the system doesn't tell. Unlike
+/// getrusage() this isn't inherited from the process that started this one.
+long peakMemory()
+{
+    QFile file(QStringLiteral("/proc/self/status"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray text = file.readAll();
+    const int place = text.indexOf("VmHWM:");
+    return place < 0 ? 0 : text.mid(place + 6, 32).simplified().split(' ').constFirst().toLong();
+}
+
+/// Runs this program once more, as a process whose only work is one MAC, and returns by how many KiB that raised its
+/// peak; below 0 where it can't be told.
+long memoryForMac(const QString& path)
+{
+    QProcess child;
+    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--child"), path});
+    if (!child.waitForFinished(-1) || child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0)
+        return -1;
+    return child.readAllStandardOutput().trimmed().toLong();
+}
+
+int runAsChild(const QString& path)
+{
+    const long before = peakMemory();
+    const QString mac = commandMac(path);
+    const long after = peakMemory();
+    if (before == 0 || mac.isEmpty())
+        return 1;
+    std::printf("%ld\n", after - before);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    Report report(QStringLiteral("MAC of an exchange file, against a bare loop over its bytes"));
+    const QString childOption = QStringLiteral("child");
+    QCommandLineOption child(childOption, {}, QStringLiteral("FILE"));
+    child.setFlags(QCommandLineOption::HiddenFromHelp);
+    report.parser.addOption(child);
+    report.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds with the largest file."), 10);
+    report.parse();
+    if (report.parser.isSet(childOption))
+        return runAsChild(report.parser.value(childOption));
+
+    const QTemporaryDir folder;
+    std::vector<double> memory;
+    for (const auto [size, roundsFactor] : Sizes) {
+        const int rounds = roundsFactor * report.number(QStringLiteral("rounds"));
+        const QString path = folder.filePath(QStringLiteral("I%1.xml").arg(size));
+        if (!writeFile(path, size))
+            return benchmarkFailed(QStringLiteral("can't write %1").arg(path));
+        if (commandMac(path) != bareMac(path))
+            return benchmarkFailed(QStringLiteral("the two MACs of %1 differ").arg(path));
+
+        std::vector<double> ours;
+        std::vector<double> ratios;
+        for (int i = 0; i < rounds; ++i) {
+            std::array<double, 2> times{};
+            for (const int turn : {i % 2, 1 - i % 2}) {
+                const BenchClock::time_point start = BenchClock::now();
+                turn == 0 ? commandMac(path) : bareMac(path);
+                times.at(static_cast<std::size_t>(turn)) = millisecondsSince(start);
+            }
+            ours.push_back(times[0]);
+            ratios.push_back(times[0] / times[1]);
+        }
+        report.add(QStringLiteral("fileMac() / bare loop, %1 MiB, median").arg(size), percentile(ratios, 0.5),
+                   QStringLiteral("times"), 1.05);
+        report.tell(QStringLiteral("fileMac() of %1 MiB, median").arg(size), percentile(ours, 0.5),
+                    QStringLiteral("ms"));
+        memory.push_back(static_cast<double>(memoryForMac(path)));
+    }
+
+    const QString growth = QStringLiteral("peak memory, 64 MiB file above 1 MiB file");
+    const QString unit = QStringLiteral("KiB");
+    if (percentile(memory, 0) < 0) {
+        report.lack(growth, QStringLiteral("the system doesn't tell"));
+        return report.print();
+    }
+    // A few pages more or less come and go by themselves.
+    report.add(growth, memory.back() - memory.front(), unit, 128);
+    for (std::size_t i = 0; i < Sizes.size(); ++i)
+        report.tell(QStringLiteral("memory for the MAC of %1 MiB").arg(Sizes.at(i).mebibytes), memory.at(i), unit);
+    return report.print();
+}
