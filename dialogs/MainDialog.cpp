@@ -3,6 +3,7 @@
 #include "dialogs/MainDialog.h"
 
 #include "dialogs/DialogHeader.h"
+#include "dialogs/FontFitter.h"
 #include "dialogs/PumpReadDialog.h"
 #include "host/IDatabase.h"
 #include "host/IServices.h"
@@ -46,6 +47,7 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
 {
     setupUi(this);
     lmRemoveHelpButton(this);
+    new FontFitter(this);
 
     markBigSizeFont(m_TitleLabel);
     markHighlightFont(m_TitleLabel);
@@ -59,6 +61,11 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
     showScaledToWidth(m_GraphicLabel1, QStringLiteral(":/img/Images/Cygnara.svg"), PictureWidth);
     showScaledToWidth(m_GraphicLabel3, QStringLiteral(":/img/Images/DeviceReader.svg"), PictureWidth);
     m_GraphicLabel2->setPixmap(lmIcon(QStringLiteral(":/img/Images/icon_help_grey_dark.svg")).pixmap(StateIconSize));
+
+    // The pictures don't move when the answer comes.
+    QSizePolicy policy = m_pumpAssignLabel->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_pumpAssignLabel->setSizePolicy(policy);
 
     connect(m_readPumpButton, &QPushButton::clicked, this, &MainDialog::openReadDialog);
     connect(m_DialogButtonBox, &QDialogButtonBox::clicked, this, &MainDialog::reject);
@@ -89,10 +96,10 @@ void MainDialog::onPrepareFinished(bool success)
     StatusFileParser* parser = StatusFileParser::instance();
     disconnect(parser, &StatusFileParser::finished, this, &MainDialog::onPrepareFinished);
 
+    const CommandStatus status = parser->m_lastStatus.status;
     if (!success)
         failure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: not executed."));
-    const CommandStatus status = parser->m_lastStatus.status;
-    if (status == CommandStatus::Done)
+    else if (status == CommandStatus::Done)
         trace(QStringLiteral("==> [Main dialog] Prepare (abort old running) succeeded."));
     else
         failure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: status='%1'.").arg(int(status)));

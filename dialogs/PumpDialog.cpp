@@ -3,6 +3,7 @@
 #include "dialogs/PumpDialog.h"
 
 #include "dialogs/DialogHeader.h"
+#include "dialogs/FontFitter.h"
 #include "reader/StatusFileParser.h"
 #include "toolkit/LmMessageBox.h"
 #include "toolkit/LmWidgets.h"
@@ -42,6 +43,7 @@ void PumpDialog::reject()
 void PumpDialog::fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
                             const QString& simulationPath)
 {
+    new FontFitter(this);
     markBigSizeFont(title);
     markHighlightFont(title);
     showSimulationPath(simulation, simulationPath);

@@ -30,7 +30,8 @@ Q_SIGNALS:
     void deviceReaderCritical();
 
 protected:
-    /// Fills the header that the pump dialogs have in common.
+    /// To be called once the form is set up: fills the header that the pump dialogs have in common, and keeps the texts
+    /// whole.
     void fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
                     const QString& simulationPath);
 

@@ -1,0 +1,143 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "dialogs/DialogLooks.h"
+
+#include <QAccessible>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStyle>
+#include <QStyleOptionButton>
+#include <QTest>
+
+#include <algorithm>
+
+namespace {
+
+/// What QPushButton leaves between icon and text.
+constexpr int IconGap = 4;
+
+/// The room that the content of a widget needs, and the room that there is.
+struct Room
+{
+    QSize needed;
+    QSize given;
+};
+
+Room roomOf(const QLabel& label)
+{
+    if (!label.wordWrap())
+        return {label.minimumSizeHint(), label.size()};
+    // The widest word, and the height of all lines at the width that there is.
+    return {{label.minimumSizeHint().width(), label.heightForWidth(label.width())}, label.size()};
+}
+
+Room roomOf(const QPushButton& button)
+{
+    QStyleOptionButton option;
+    option.initFrom(&button);
+    option.text = button.text();
+    const QSize text = button.fontMetrics().size(Qt::TextShowMnemonic, button.text());
+    const QSize icon = button.icon().isNull() ? QSize(0, 0) : button.iconSize() + QSize(IconGap, 0);
+    return {{text.width() + icon.width(), qMax(text.height(), icon.height())},
+            button.style()->subElementRect(QStyle::SE_PushButtonContents, &option, &button).size()};
+}
+
+Room roomOf(const QProgressBar& bar)
+{
+    return {bar.fontMetrics().size(0, bar.text()), bar.size()};
+}
+
+bool isPicture(const QWidget* widget)
+{
+    const auto* label = qobject_cast<const QLabel*>(widget);
+    return label && (label->movie() || !label->pixmap(Qt::ReturnByValue).isNull());
+}
+
+/// Buttons of a box have no object name of their own.
+QString nameOf(const QWidget* widget)
+{
+    const auto* button = qobject_cast<const QPushButton*>(widget);
+    return widget->objectName().isEmpty() && button ? button->text() : widget->objectName();
+}
+
+} // namespace
+
+QStringList cutTexts(const QWidget& window)
+{
+    QStringList found;
+    const QList<QWidget*> widgets = window.findChildren<QWidget*>();
+    for (const QWidget* widget : widgets) {
+        if (!widget->isVisible())
+            continue;
+        Room room{{0, 0}, {0, 0}};
+        if (const auto* label = qobject_cast<const QLabel*>(widget))
+            room = roomOf(*label);
+        else if (const auto* button = qobject_cast<const QPushButton*>(widget))
+            room = roomOf(*button);
+        else if (const auto* bar = qobject_cast<const QProgressBar*>(widget))
+            room = roomOf(*bar);
+        if (room.needed.width() > room.given.width() || room.needed.height() > room.given.height())
+            found.append(QStringLiteral("%1 needs %2 x %3 and has %4 x %5")
+                             .arg(widget->objectName())
+                             .arg(room.needed.width())
+                             .arg(room.needed.height())
+                             .arg(room.given.width())
+                             .arg(room.given.height()));
+        if (!window.rect().contains(QRect(widget->mapTo(&window, QPoint(0, 0)), widget->size())))
+            found.append(widget->objectName() + QStringLiteral(" reaches beyond the window"));
+    }
+    return found;
+}
+
+QStringList namelessWidgets(const QWidget& window)
+{
+    QStringList found;
+    const QList<QWidget*> widgets = window.findChildren<QWidget*>();
+    for (QWidget* widget : widgets) {
+        const bool needsName =
+            isPicture(widget) || qobject_cast<QPushButton*>(widget) || qobject_cast<QProgressBar*>(widget);
+        if (needsName && widget->isVisible() &&
+            QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name).isEmpty())
+            found.append(nameOf(widget));
+    }
+    return found;
+}
+
+QStringList tabOrder(QWidget& window)
+{
+    QStringList walked;
+    for (;;) {
+        QTest::keyClick(&window, Qt::Key_Tab);
+        const QString name = window.focusWidget() ? nameOf(window.focusWidget()) : QString();
+        if (name.isEmpty() || walked.contains(name))
+            break;
+        walked.append(name);
+    }
+    // A round has no begin of its own: begin with what is read first.
+    const QStringList expected = readingOrder(window);
+    const auto first = expected.isEmpty() ? walked.end() : std::find(walked.begin(), walked.end(), expected.first());
+    std::rotate(walked.begin(), first, walked.end());
+    return walked;
+}
+
+QStringList readingOrder(const QWidget& window)
+{
+    QList<QWidget*> widgets = window.findChildren<QWidget*>();
+    widgets.erase(std::remove_if(widgets.begin(), widgets.end(),
+                                 [](const QWidget* widget) {
+                                     return !widget->isVisible() || !widget->isEnabled() ||
+                                            !(widget->focusPolicy() & Qt::TabFocus);
+                                 }),
+                  widgets.end());
+    std::sort(widgets.begin(), widgets.end(), [&window](const QWidget* left, const QWidget* right) {
+        const QRect a(left->mapTo(&window, QPoint(0, 0)), left->size());
+        const QRect b(right->mapTo(&window, QPoint(0, 0)), right->size());
+        const bool sameRow = a.top() <= b.bottom() && b.top() <= a.bottom();
+        return sameRow ? a.left() < b.left() : a.top() < b.top();
+    });
+    QStringList names;
+    for (const QWidget* widget : qAsConst(widgets))
+        names.append(nameOf(widget));
+    return names;
+}
