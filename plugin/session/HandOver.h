@@ -8,12 +8,12 @@
 
 #include <utility>
 
-#if defined(__has_feature)
+#if defined(__SANITIZE_THREAD__)
+#define MERIVO_THREAD_SANITIZER
+#elif defined(__has_feature)
 #if __has_feature(thread_sanitizer)
 #define MERIVO_THREAD_SANITIZER
 #endif
-#elif defined(__SANITIZE_THREAD__)
-#define MERIVO_THREAD_SANITIZER
 #endif
 
 #ifdef MERIVO_THREAD_SANITIZER
@@ -39,7 +39,8 @@ inline void takeOrder([[maybe_unused]] void* place)
 #endif
 }
 
-/// An action on its way to another thread. Qt moves it to its final place before it queues it.
+/// An action on its way to another thread. Qt moves it to its final place before it queues it, and deletes it on either
+/// side: whoever lets go of it last.
 template <typename Action>
 class HandedAction final
 {
@@ -55,12 +56,13 @@ public:
     HandedAction(const HandedAction&) = delete;
     HandedAction& operator=(const HandedAction&) = delete;
     HandedAction& operator=(HandedAction&&) = delete;
-    ~HandedAction() { takeOrder(this); } // one that is dropped may go on another thread too
+    ~HandedAction() { takeOrder(this); }
 
     void operator()()
     {
         takeOrder(this);
         m_action();
+        giveOrder(this);
     }
 
 private:
