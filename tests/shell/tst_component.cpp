@@ -41,43 +41,30 @@ private Q_SLOTS:
 
     void firmware_data()
     {
-        QTest::addColumn<QStringList>("files"); // name=fifth line; a name that ends in "/" is a folder
         QTest::addColumn<bool>("accepted");
-        const auto row = [](const char* name, const QStringList& files, bool accepted) {
-            QTest::newRow(name) << files << accepted;
-        };
-        const auto version = [&row](const char* fifth, bool accepted) {
-            row(fifth, {QStringLiteral("V1.log=") + QLatin1String(fifth)}, accepted);
-        };
-        row("no folder", {QStringLiteral("-")}, true);
-        row("no file", {}, true);
-        for (const char* fifth : {"Firmware version 3.2.23", "3.2.24", "3.3.0", "4.0.0", "3.10.1", "a  3.2.23.1", "x 4",
-                                  "3.3", "9.9.9-beta"})
-            version(fifth, true);
-        for (const char* fifth : {"Firmware version 3.2.22", "3.2.9", "3.1.99", "2.9.99", "3.2", "3", "V3.2.23",
-                                  "3.2.23b", "Firmware 3.2.23 ", "", "3,2,23"})
-            version(fifth, false);
-        row("capitals", {QStringLiteral("Vx.LOG=1.0.0")}, false);
-        row("in the middle", {QStringLiteral("V.log.old=1.0.0")}, false);
-        row("hidden by none",
-            {QStringLiteral("version.log=1.0.0"), QStringLiteral("V1.txt=1.0.0"), QStringLiteral("1V.log=1.0.0")},
-            true);
-        row("any old one",
-            {QStringLiteral("V1.log=3.2.23"), QStringLiteral("V2.log=3.2.22"), QStringLiteral("V3.log=4.0.0")}, false);
-        row("folder in its place", {QStringLiteral("V1.log/"), QStringLiteral("V2.log=3.2.23")}, true);
-        row("CRLF", {QStringLiteral("V1.log=3.2.23\r\nV 1.0.0")}, true);
+        // Files of the folder MISC as name=fifth line; "/" stands for a folder of that name, "-" for no MISC at all.
+        for (const char* files :
+             {"-", "", "V1.log=Firmware version 3.2.23", "V1.log=3.2.24", "V1.log=3.3.0", "V1.log=4.0.0",
+              "V1.log=3.10.1", "V1.log=a  3.2.23.1", "V1.log=x 4", "V1.log=3.3", "V1.log=9.9.9-beta",
+              "V1.log=3.2.23\r\nV 1.0.0", "V1.log/;V2.log=3.2.23", "version.log=1.0.0;V1.txt=1.0.0;1V.log=1.0.0"})
+            QTest::newRow(files) << true;
+        for (const char* files :
+             {"V1.log=Firmware version 3.2.22", "V1.log=3.2.9", "V1.log=3.1.99", "V1.log=2.9.99", "V1.log=3.2",
+              "V1.log=3", "V1.log=V3.2.23", "V1.log=3.2.23b", "V1.log=3,2,23", "V1.log=Firmware 3.2.23 ",
+              "V1.log=", "Vx.LOG=1.0.0", "V.log.old=1.0.0", "V1.log=3.2.23;V2.log=3.2.22;V3.log=4.0.0"})
+            QTest::newRow(files) << false;
     }
     void firmware()
     {
-        QFETCH(QStringList, files);
         const ReaderFolder folder;
-        for (const QString& file : qAsConst(files)) {
+        const QStringList files = QString::fromLatin1(QTest::currentDataTag()).split(QLatin1Char(';'));
+        for (const QString& file : files) {
             const QString name = file.section(QLatin1Char('='), 0, 0);
             if (name == QLatin1String("-"))
                 QVERIFY(QDir(folder.misc()).removeRecursively());
             else if (name.endsWith(QLatin1Char('/')))
                 QVERIFY(QDir(folder.misc()).mkdir(name));
-            else
+            else if (!name.isEmpty())
                 QVERIFY(folder.writeFile(name, "1 1.0.0\n2 1.0.0\r\n\n4 1.0.0\n" + file.mid(name.size() + 1).toUtf8()));
         }
         QTEST(MerivoConnectionsComponent::checkFirmware(folder.drive()), "accepted");
@@ -91,48 +78,35 @@ private Q_SLOTS:
 
     void preconditions_data()
     {
-        QTest::addColumn<QString>("patient");
+        QTest::addColumn<QByteArray>("patient");
         QTest::addColumn<QString>("drive"); // "": a device without one; "none": no device; "old": of old firmware
-        QTest::addColumn<QStringList>("journal");
-        const QString start = QStringLiteral("mcp|--> Plugin component execution started||");
-        const QString box = QStringLiteral("box|Merivo Connection|%1");
-        const QString failure = QStringLiteral("err|-!- Plugin component execution failed: %1||");
-        const QString acquire = QStringLiteral("acquireDevice(1, '')");
-        const QString hold = QStringLiteral("setDeviceHold(1)");
-        const QString deleted = QStringLiteral("device deleted");
-        const QString noReader = box.arg(QLatin1String("No lumo2 device reader is currently connected."));
-        const QString missingReader = failure.arg(QLatin1String("missing device reader"));
-
-        QTest::newRow("no patient") << ""
-                                    << "old"
-                                    << QStringList{
-                                           start,
-                                           box.arg(QLatin1String("No patient is selected. Please select first an "
-                                                                 "patient and then start the plugin again.")),
-                                           failure.arg(QLatin1String("missing patient"))};
-        QTest::newRow("no device") << "p1"
-                                   << "none" << QStringList{start, acquire, noReader, missingReader};
-        QTest::newRow("no drive") << "p1"
-                                  << "" << QStringList{start, acquire, hold, noReader, missingReader, hold, deleted};
-        QTest::newRow("old firmware")
-            << "p1"
-            << "old"
-            << QStringList{start,
-                           acquire,
-                           hold,
-                           box.arg(QLatin1String("The Lumodevice has an old firmware. Please update the DeviceReader "
-                                                 "and start the plugin again")),
-                           failure.arg(QLatin1String("unsupported firmware version")),
-                           hold,
-                           deleted};
+        QTest::addColumn<QString>("journal");
+        const auto row = [](const char* name, const char* patient, const char* drive, const char* journal) {
+            QTest::newRow(name) << QByteArray(patient) << QString::fromLatin1(drive) << QString::fromLatin1(journal);
+        };
+        row("no patient", "", "old",
+            "box|Merivo Connection|No patient is selected. Please select first an patient and then start the plugin "
+            "again.\nerr|-!- Plugin component execution failed: missing patient||");
+        row("no device", "p1", "none",
+            "acquireDevice(1, '')\nbox|Merivo Connection|No lumo2 device reader is currently connected.\n"
+            "err|-!- Plugin component execution failed: missing device reader||");
+        row("no drive", "p1", "",
+            "acquireDevice(1, '')\nsetDeviceHold(1)\n"
+            "box|Merivo Connection|No lumo2 device reader is currently connected.\n"
+            "err|-!- Plugin component execution failed: missing device reader||\nsetDeviceHold(1)\ndevice deleted");
+        row("old firmware", "p1", "old",
+            "acquireDevice(1, '')\nsetDeviceHold(1)\nbox|Merivo Connection|The Lumodevice has an old firmware. Please "
+            "update the DeviceReader and start the plugin again\nerr|-!- Plugin component execution failed: "
+            "unsupported "
+            "firmware version||\nsetDeviceHold(1)\ndevice deleted");
     }
     void preconditions()
     {
-        QFETCH(QString, patient);
+        QFETCH(QByteArray, patient);
         QFETCH(QString, drive);
         const ReaderFolder folder;
         QVERIFY(folder.writeFile(QStringLiteral("V1.log"), "1\n2\n3\n4\nversion 3.2.22\n"));
-        open(patient.toLatin1());
+        open(patient.constData());
         m_host.deviceAdmin.hasDevice = drive != QLatin1String("none");
         m_host.deviceAdmin.drivePath = drive == QLatin1String("old") ? folder.drive() : QString();
         m_host.journal.clear();
@@ -140,7 +114,8 @@ private Q_SLOTS:
         BoxAnswerer boxes(&m_host.journal.lines);
         QVERIFY(!m_component->execute(&window));
 
-        QTEST(m_host.journal.lines, "journal");
+        QCOMPARE(m_host.journal.lines.takeFirst(), QStringLiteral("mcp|--> Plugin component execution started||"));
+        QTEST(m_host.journal.lines.join(QLatin1Char('\n')), "journal");
         QCOMPARE(boxes.seen.size(), 1);
         QCOMPARE(boxes.seen.first().icon, QMessageBox::Warning);
         QCOMPARE(boxes.seen.first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
@@ -186,26 +161,19 @@ private Q_SLOTS:
         QVERIFY(m_component->execute(nullptr));
         QVERIFY(!user.isActive());
 
-        const QString misc = folder.misc();
-        QStringList expected{
-            QStringLiteral("mcp|--> Plugin component execution started||"),
-            QStringLiteral("mcp|Command file writer initialized.||") + misc,
-            QStringLiteral("mcp|Status file parser initialized.||") + misc,
-            QStringLiteral("execute(3)"),
-            QStringLiteral("mcp|--- Plugin component execution finishing||"),
-            QStringLiteral("mcp|Status file parser finishing.||") + misc,
-            QStringLiteral("mcp|Status file parser finished.||") + misc,
-            QStringLiteral("mcp|Command file writer finished.||") + misc,
-            QStringLiteral("dialog gone"),
-            QStringLiteral("mcp|<-- Plugin component execution finished||"),
-        };
-        if (!simulated) {
-            expected.insert(1, QStringLiteral("setDeviceHold(1)"));
-            expected.insert(1, QStringLiteral("acquireDevice(1, '')"));
-            expected.insert(expected.size() - 1, QStringLiteral("setDeviceHold(1)"));
-            expected.insert(expected.size() - 1, QStringLiteral("device deleted"));
-        }
-        QStringList milestones; // The dialog's own lines in between are its own affair.
+        // The dialog's own lines in between are its own affair.
+        const QString text =
+            QStringLiteral("mcp|--> Plugin component execution started||\n") +
+            (simulated ? "" : "acquireDevice(1, '')\nsetDeviceHold(1)\n") +
+            QStringLiteral("mcp|Command file writer initialized.||%1\nmcp|Status file parser initialized.||%1\n"
+                           "execute(3)\nmcp|--- Plugin component execution finishing||\n"
+                           "mcp|Status file parser finishing.||%1\nmcp|Status file parser finished.||%1\n"
+                           "mcp|Command file writer finished.||%1\ndialog gone\n")
+                .arg(folder.misc()) +
+            (simulated ? "" : "setDeviceHold(1)\ndevice deleted\n") +
+            QStringLiteral("mcp|<-- Plugin component execution finished||");
+        const QStringList expected = text.split(QLatin1Char('\n'));
+        QStringList milestones;
         for (const QString& line : qAsConst(m_host.journal.lines)) {
             if (expected.contains(line))
                 milestones << line;

@@ -16,19 +16,6 @@
 
 namespace {
 
-/// Settings that are written to a file of the test's own.
-class Settings final
-{
-public:
-    Settings() = default;
-    void set(const char* key, const QVariant& value) { m_settings.setValue(QString::fromLatin1(key), value); }
-    QSettings& operator*() { return m_settings; }
-
-private:
-    QTemporaryDir m_folder;
-    QSettings m_settings{m_folder.filePath(QStringLiteral("plugin.ini")), QSettings::IniFormat};
-};
-
 MerivoConnectionsComponent* componentOf(const MerivoConnectionsPlugin& plugin)
 {
     return static_cast<MerivoConnectionsComponent*>(plugin.components().first());
@@ -41,6 +28,7 @@ class TestPlugin final : public QObject
     Q_OBJECT
 
     RecordingHost m_host;
+    QSettings m_settings{QStringLiteral("/no/such/file.ini"), QSettings::IniFormat};
     MerivoConnectionsPlugin m_plugin; // the one that the log names, for as long as the program runs
 
 private Q_SLOTS:
@@ -49,18 +37,13 @@ private Q_SLOTS:
         QVERIFY(QMetaType::type("CommandStatus") != QMetaType::UnknownType);
         const MessageCapture capture;
         m_plugin.setExtensionRegistry(&m_host);
-        const QStringList lookUps{
-            QStringLiteral("extensionPoint('ServicesExtensionPoint')"),
-            QStringLiteral("extensionPoint('DeviceAdminExtensionPoint')"),
-            QStringLiteral("extensionPoint('CommandHandlerExtensionPoint')"),
-            QStringLiteral("extensionPoint('EventPublisherExtensionPoint')"),
-            QStringLiteral("extensionPoint('DatabaseExtensionPoint')"),
-        };
-        QCOMPARE(m_host.journal.lines, lookUps);
+        QStringList points;
+        for (const char* name : {"Services", "DeviceAdmin", "CommandHandler", "EventPublisher", "Database"})
+            points << QStringLiteral("extensionPoint('%1ExtensionPoint')").arg(QLatin1String(name));
+        QCOMPARE(m_host.journal.lines, points);
         QVERIFY(capture.messages().isEmpty());
 
-        Settings settings;
-        m_plugin.initialize(*settings, QDir(QStringLiteral("/somewhere")));
+        m_plugin.initialize(m_settings, QDir(QStringLiteral("/somewhere")));
         const QString rule(56, QLatin1Char('-'));
         const QStringList banner{rule, QStringLiteral("---- Merivo Connections Plugin loaded."), rule};
         for (int i = 0; i < 3; ++i) {
@@ -122,12 +105,12 @@ private Q_SLOTS:
         const QString on = QStringLiteral("mcp|SIMULATION enabled.||%1");
         const QString missing = QStringLiteral("err|SIMULATION disabled due to missing path.||%1");
         for (const char* word : {"true", "True", "TRUE", "tRuE"})
-            QTest::newRow(word) << QVariant(QString::fromLatin1(word)) << QVariant(QStringLiteral(".")) << on;
-        QTest::newRow("a bool") << QVariant(true) << QVariant(QStringLiteral(".")) << on;
+            QTest::newRow(word) << QVariant(word) << QVariant(".") << on;
         for (const char* word : {"1", "yes", "false", "", "true "})
-            QTest::newRow(word) << QVariant(QString::fromLatin1(word)) << QVariant(QStringLiteral(".")) << QString();
-        QTest::newRow("nothing") << QVariant() << QVariant(QStringLiteral(".")) << QString();
-        QTest::newRow("no such folder") << QVariant(true) << QVariant(QStringLiteral("/no/such/folder")) << missing;
+            QTest::newRow(word) << QVariant(word) << QVariant(".") << QString();
+        QTest::newRow("a bool") << QVariant(true) << QVariant(".") << on;
+        QTest::newRow("nothing") << QVariant() << QVariant(".") << QString();
+        QTest::newRow("no such folder") << QVariant(true) << QVariant("/no/such/folder") << missing;
         QTest::newRow("no path") << QVariant(true) << QVariant() << on; // the current folder, and yet the reader
     }
     void simulation()
@@ -136,17 +119,17 @@ private Q_SLOTS:
         QFETCH(QVariant, path);
         QFETCH(QString, logged);
         const QTemporaryDir folder;
-        if (path.toString() == QLatin1String("."))
+        if (path == QVariant("."))
             path = folder.path();
-        Settings settings;
+        QSettings settings(folder.filePath(QStringLiteral("plugin.ini")), QSettings::IniFormat);
         if (enabled.isValid())
-            settings.set("EnableSimulation", enabled);
+            settings.setValue(QStringLiteral("EnableSimulation"), enabled);
         if (path.isValid())
-            settings.set("SimulationPath", path);
+            settings.setValue(QStringLiteral("SimulationPath"), path);
 
         MerivoConnectionsPlugin plugin; // Without services of its own: the log is made, the banner isn't repeated.
         m_host.journal.clear();
-        plugin.initialize(*settings, QDir());
+        plugin.initialize(settings, QDir());
         QCOMPARE(m_host.journal.lines.join(QString()), logged.isEmpty() ? logged : logged.arg(path.toString()));
         const bool on = logged.startsWith(QLatin1String("mcp"));
         QCOMPARE(componentOf(plugin)->m_simulationPath, on ? path.toString() : QString());
@@ -163,8 +146,7 @@ private Q_SLOTS:
             QVERIFY(!plugin.m_services && !plugin.m_deviceAdmin && !plugin.m_database);
             m_host.journal.clear();
             const MessageCapture capture;
-            Settings settings;
-            plugin.initialize(*settings, QDir());
+            plugin.initialize(m_settings, QDir());
             plugin.installTranslator();
             QCOMPARE(plugin.components().first()->title(), QStringLiteral("Merivo Connection"));
             QVERIFY(m_host.journal.lines.isEmpty() && capture.messages().isEmpty());
@@ -195,36 +177,33 @@ private Q_SLOTS:
 
     void language_data()
     {
-        QTest::addColumn<QString>("locale");
-        QTest::addColumn<QStringList>("hostFiles");
-        QTest::addColumn<QStringList>("logged"); // %1: the host's folder
-        const QString resources = QStringLiteral("Translator \"%1\" installed from \":/lang/i18n/\"");
-        const QString host = QStringLiteral("Translator \"%1\" installed from \"%2\"");
-        const QString british = QStringLiteral("mc_en_GB");
-        const QString german = QStringLiteral("mc_de_DE");
-        const QString notFound = QStringLiteral("Translator resource \"mc_de_DE\" not found");
-        QTest::newRow("compiled in") << "en_GB" << QStringList() << QStringList{resources.arg(british)};
-        QTest::newRow("host first") << "en_GB" << QStringList{british} << QStringList{host.arg(british)};
-        QTest::newRow("fallback") << "de_DE" << QStringList() << QStringList{notFound, resources.arg(british)};
-        QTest::newRow("fallback, host first")
-            << "de_DE" << QStringList{british} << QStringList{notFound, host.arg(british)};
-        QTest::newRow("user's first") << "de_DE" << QStringList{british, german} << QStringList{host.arg(german)};
-        QTest::newRow("no lesser match") << "de_DE" << QStringList{QStringLiteral("mc_de")}
-                                         << QStringList{notFound, resources.arg(british)};
+        QTest::addColumn<QString>("hostFiles");
+        QTest::addColumn<QString>("logged"); // %1: the host's folder
+        const auto row = [](const char* locale, const char* hostFiles, const char* logged) {
+            QTest::addRow("%s %s", locale, hostFiles) << QString::fromLatin1(hostFiles) << QString::fromLatin1(logged);
+        };
+        row("en_GB", "", "Translator \"mc_en_GB\" installed from \":/lang/i18n/\"");
+        row("en_GB", "mc_en_GB", "Translator \"mc_en_GB\" installed from \"%1\"");
+        for (const char* lesser : {"", "mc_de", "mc_en"}) {
+            row("de_DE", lesser,
+                "Translator resource \"mc_de_DE\" not found\nTranslator \"mc_en_GB\" installed from \":/lang/i18n/\"");
+        }
+        row("de_DE", "mc_en_GB",
+            "Translator resource \"mc_de_DE\" not found\nTranslator \"mc_en_GB\" installed from \"%1\"");
+        row("de_DE", "mc_en_GB,mc_de_DE", "Translator \"mc_de_DE\" installed from \"%1\"");
     }
     void language()
     {
-        QFETCH(QString, locale);
-        QFETCH(QStringList, hostFiles);
-        QFETCH(QStringList, logged);
+        QFETCH(QString, hostFiles);
+        QFETCH(QString, logged);
         const QTemporaryDir folder;
-        for (const QString& name : qAsConst(hostFiles))
+        for (const QString& name : hostFiles.split(QLatin1Char(','), Qt::SkipEmptyParts))
             QVERIFY(
                 QFile::copy(QStringLiteral(":/lang/i18n/mc_en_GB.qm"), folder.filePath(name + QStringLiteral(".qm"))));
-        logged.replaceInStrings(QStringLiteral("%2"), folder.path());
+        logged.replace(QStringLiteral("%1"), folder.path());
+        QLocale::setDefault(QLocale(QString::fromLatin1(QTest::currentDataTag()).section(QLatin1Char(' '), 0, 0)));
         RecordingHost host;
         host.services.paths.insert(IServices::TranslationsPath, folder.path());
-        QLocale::setDefault(QLocale(locale));
 
         QString source;
         {
@@ -242,7 +221,7 @@ private Q_SLOTS:
                 lines << message.text;
                 QCOMPARE(message.type, message.text.endsWith(QLatin1String("not found")) ? QtWarningMsg : QtInfoMsg);
             }
-            QCOMPARE(lines, logged + logged);
+            QCOMPARE(lines.join(QLatin1Char('\n')), QStringList({logged, logged}).join(QLatin1Char('\n')));
         }
         QCOMPARE(source, QStringLiteral("Merivo Connection"));
         QCOMPARE(componentOf(m_plugin)->title(), source); // The translator has gone with its owner.
