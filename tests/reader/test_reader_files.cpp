@@ -1,0 +1,347 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "plugin/session/Logger.h"
+#include "reader/CommandFileWriter.h"
+#include "reader/DeviceList.h"
+#include "reader/ErrorHandler.h"
+#include "reader/StatusFileParser.h"
+#include "reader/UsbDeviceAdapter.h"
+#include "support/BoxAnswerer.h"
+#include "support/MessageCapture.h"
+#include "support/ReaderFolder.h"
+#include "support/RecordingHost.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QRegularExpression>
+#include <QTest>
+
+using Submit = bool (*)(CommandFileWriter&);
+Q_DECLARE_METATYPE(Submit)
+using Break = void (*)(const QString&);
+Q_DECLARE_METATYPE(Break)
+
+namespace {
+
+const QByteArray StatusText = "Reader 7\r\nCmd BTREAD\r\nStatus  = done\r\nResult  = A1B2C3\r\nError   -110.\r\n";
+const QByteArray Devices = "<?xml version=\"1.0\"?><DEVICELIST>"
+                           "<DEVICE><NAME>Cygnara</NAME><SERIALNR>S1</SERIALNR><INTERFACE><BTADR>B1</BTADR>"
+                           "<PATIENT_ID>P1</PATIENT_ID></INTERFACE></DEVICE>"
+                           "<DEVICE><SERIALNR>S2</SERIALNR><NAME>Second</NAME></DEVICE></DEVICELIST>";
+
+QStringList shown(const QList<DeviceInfo>& devices)
+{
+    QStringList lines;
+    for (const DeviceInfo& d : devices)
+        lines.append(
+            QStringList{d.btAddress, d.serialNumber, d.deviceName, d.patientId, d.paired ? "paired" : "free"}.join(
+                QLatin1Char('|')));
+    return lines;
+}
+
+} // namespace
+
+class TestReaderFiles : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { Logger::instance(nullptr, &m_host.services); }
+
+    void init()
+    {
+        m_messages = std::make_unique<MessageCapture>();
+        m_folder = std::make_unique<ReaderFolder>();
+        m_writer = CommandFileWriter::create(m_folder->drive());
+        m_parser = StatusFileParser::create(m_folder->drive());
+        m_host.journal.clear();
+        m_messages->clear();
+    }
+
+    void cleanup()
+    {
+        delete m_parser;
+        delete m_writer;
+        QCOMPARE(m_messages->texts(QtWarningMsg).join("#"), QString());
+    }
+
+    void commandFileHasTheWireText_data()
+    {
+        using W = CommandFileWriter;
+        QTest::addColumn<Submit>("submit");
+        const auto row = [](const char* command, Submit submit) {
+            QTest::newRow(command) << submit;
+        };
+        row("SEARCH 00100", [](W& w) { return w.search(); });
+        row("BTPAIR B \"S\" P", [](W& w) { return w.pair("B", "S", "P"); });
+        row("BTPAIR B \"S\" ", [](W& w) { return w.pair("B", "S", ""); });
+        row("BTPAIR %3%2 \"a\"b %1\" \n", [](W& w) { return w.pair("%3%2", "a\"b %1", "\n"); });
+        row("BTPAIRCONFIRM 1", [](W& w) { return w.confirmPairing(true); });
+        row("BTPAIRCONFIRM 0", [](W& w) { return w.confirmPairing(false); });
+        row("BTREAD \"\xC3\x84 \xE2\x82\xAC\"", [](W& w) { return w.read(QString::fromUtf8("Ä €")); });
+        row("BTISPAIRED P", [](W& w) { return w.isPaired("P"); });
+        row("BTDELETEADDR  \"S\"", [](W& w) { return w.deleteAddress("S"); });
+        row("BTPUMPREASSIGN \"S\" P", [](W& w) { return w.reassign("S", "P"); });
+        row("ABORT ", [](W& w) { return w.abort(); });
+    }
+    void commandFileHasTheWireText()
+    {
+        QFETCH(Submit, submit);
+        const QByteArray command = QTest::currentDataTag();
+        QVERIFY(m_folder->writeFile("CommandFile.txt", QByteArray(500, 'x'))); // a longer one leaves no tail
+        QVERIFY(submit(*m_writer));
+        QCOMPARE(m_folder->command(), "QD17-C RemoteControl File\nCommand=" + command);
+        QCOMPARE(QString(m_writer->m_lastCommand), QString(command.left(command.indexOf(' '))));
+
+        // A folder in the file's place: told in the log alone, and the word is forgotten.
+        const QString file = m_folder->misc() + "/CommandFile.txt";
+        QVERIFY(QFile::remove(file) && QDir().mkdir(file) && !submit(*m_writer));
+        QCOMPARE(QString(m_writer->m_lastCommand), QString());
+        const QString text = '<' + QString::fromUtf8(command) + '>';
+        QCOMPARE(m_host.journal.lines,
+                 QStringList({"mcp|<== " + text + " submitted.||" + file, "err|=!= " + text + " failed.||" + file}));
+    }
+
+    void oneWriterAndOneParserAtATime()
+    {
+        m_writer = CommandFileWriter::create("/gone"); // no folder is made for it
+        m_parser = StatusFileParser::create("/gone");
+        QVERIFY(!m_writer->search() && !QFile::exists("/gone"));
+        QCOMPARE(CommandFileWriter::instance(), m_writer);
+        QCOMPARE(StatusFileParser::instance(), m_parser);
+        delete m_parser;
+        delete m_writer;
+        QVERIFY(!CommandFileWriter::instance() && !StatusFileParser::instance());
+        m_parser = nullptr;
+        m_writer = nullptr;
+        QCOMPARE(m_host.journal.lines.join('\n'),
+                 QString("mcp|Command file writer finished.||%1\nmcp|Command file writer initialized.||/gone/MISC\n"
+                         "mcp|Status file parser finishing.||%1\nmcp|Status file parser finished.||%1\n"
+                         "mcp|Status file parser initialized.||/gone/MISC\n"
+                         "err|=!= <SEARCH 00100> failed.||/gone/MISC/CommandFile.txt\n"
+                         "mcp|Status file parser finishing.||/gone/MISC\n"
+                         "mcp|Status file parser finished.||/gone/MISC\n"
+                         "mcp|Command file writer finished.||/gone/MISC")
+                     .arg(m_folder->misc()));
+    }
+
+    void statusFile_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("record");
+        const auto row = [](const char* name, const QByteArray& bytes, const QString& record) {
+            QTest::newRow(name) << bytes << record;
+        };
+        const QByteArray head = "H\n1234CMD\n1234567890done\n1234567890R\n";
+        row("CRLF", StatusText, "[Reader 7]: BTREAD, 2, 110, A1B2C3");
+        row("no line end", head + "-12.", "[H]: CMD, 2, 12, R");
+        row("lines behind the fifth", head + "-12.\n-99.\n", "[H]: CMD, 2, 12, R");
+        row("markers in the values", "%4\nabcd%1\n\nabcdefghij%3\n-5.", "[%4]: %1, 4, 5, %3");
+        row("word case", "H\nCmd=a\n1234567890DONE\n\n-1.", "[H]: a, 4, 1, ");
+        row("trailing blank", "H\nCmd=a\n1234567890done \n\n-1.", "[H]: a, 4, 1, ");
+        row("failed", "H\nCmd=a\n1234567890failed\n\n-1.", "[H]: a, 1, 1, ");
+        row("running", "H\nCmd=a\n1234567890running\n\n-1.", "[H]: a, 0, 1, ");
+        row("several hyphens", head + "E-1 - 2-31x", "[H]: CMD, 2, 31, R");
+        row("hyphen in text alone", head + "no-thing 7.", "[H]: CMD, 2, 0, R");
+        row("no hyphen", head + "42.", "[H]: CMD, 2, 42, R");
+        row("hyphen at the end", head + "code 12-", "[H]: CMD, 2, 0, R");
+        row("byte order mark", "\xEF\xBB\xBF" + head, "[H]: CMD, 2, 0, R");
+        row("beyond ASCII", "\xC3\x84\n\xC3\x84\xE2\x82\xAC 4\xC3\x96\n", QString::fromUtf8("[Ä]: Ö, 4, 0, "));
+        row("not the codec's", "a\xFD\xC3(", "[a\xEF\xBF\xBD\xEF\xBF\xBD(]: , 4, 0, ");
+        row("empty", "", "[]: , 4, 0, ");
+        row("empty first line", "\n1234CMD\n", "[]: CMD, 4, 0, ");
+        row("huge", QByteArray(4 << 20, 'h') + "\n1234CMD\n", '[' + QString(4 << 20, 'h') + "]: CMD, 4, 0, ");
+    }
+    void statusFile()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, record);
+        QVERIFY(m_folder->writeFile("STATUS.TXT", bytes));
+        const StatusRecord read = m_parser->readStatus();
+        QCOMPARE(read.toLogText(), record);
+        QCOMPARE(m_host.journal.lines, QStringList());
+        const QString line =
+            QStringLiteral("StatusFile: '%1' # %2, Status: %3, Error: %4")
+                .arg(read.header, read.command, QString::number(int(read.status)), QString::number(read.error));
+        QCOMPARE(m_messages->texts(QtDebugMsg, "default"), QStringList(line));
+    }
+
+    void statusFileCutAtEveryByte()
+    {
+        QVERIFY(m_folder->writeFile("STATUS.TXT", StatusText));
+        const StatusRecord whole = m_parser->readStatus();
+        const int done = StatusText.indexOf("done") + 4;
+        for (int size = 0; size < StatusText.size(); ++size) {
+            QVERIFY(m_folder->writeFile("STATUS.TXT", StatusText.left(size)));
+            const StatusRecord cut = m_parser->readStatus();
+            QVERIFY(whole.header.startsWith(cut.header) && cut.header.isEmpty() == (size == 0));
+            QVERIFY(whole.command.startsWith(cut.command) && whole.result.startsWith(cut.result));
+            QCOMPARE(cut.status, size >= done ? CommandStatus::Done : CommandStatus::Unknown);
+        }
+    }
+
+    void statusFileUnreadable_data()
+    {
+        QTest::addColumn<Break>("breakIt");
+        QTest::addColumn<bool>("triggered");
+        const auto row = [](const char* name, bool triggered, Break breakIt) {
+            QTest::newRow(name) << breakIt << triggered;
+        };
+        row("folder as trigger", false, [](const QString& misc) { QDir().mkdir(misc + "NoCommand.txt"); });
+        row("drive gone", false, [](const QString& misc) { QDir(misc + "/..").removeRecursively(); });
+        row("MISC gone", true, [](const QString& misc) { QDir(misc).removeRecursively(); });
+        row("folder as status", true, [](const QString& misc) {
+            QFile::remove(misc + "/STATUS.TXT");
+            QDir().mkdir(misc + "/STATUS.TXT");
+        });
+    }
+    void statusFileUnreadable()
+    {
+        QFETCH(Break, breakIt);
+        QFETCH(bool, triggered);
+        const QString misc = m_folder->misc();
+        QVERIFY(m_folder->writeFile("STATUS.TXT", StatusText));
+        breakIt(misc);
+        QCOMPARE(m_parser->readStatus(), StatusRecord());
+        QCOMPARE(m_host.journal.lines,
+                 QStringList(triggered ? "err|=!= Status file open failed on device reader.||" + misc + "/STATUS.TXT"
+                                       : "err|=!= Trigger file system update failed on device reader.||" + misc));
+        const QString line = "Could not write NoCommand.txt to device reader within " + misc;
+        QCOMPARE(m_messages->texts(QtDebugMsg, "default"), triggered ? QStringList() : QStringList(line));
+    }
+
+    void triggerFileLiesBesideTheFolder()
+    {
+        QVERIFY(m_folder->writeFile("../MISCNoCommand.txt", "old"));
+        QVERIFY(m_parser->triggerFileSystemUpdate());
+        QCOMPARE(QDir(m_folder->drive()).entryList(QDir::Files), QStringList("MISCNoCommand.txt"));
+        QCOMPARE(m_folder->readFile("../MISCNoCommand.txt"), QByteArray());
+        QCOMPARE(QDir(m_folder->misc()).entryList(QDir::Files), QStringList());
+        // Changes show on the debug stream and nowhere else.
+        QTRY_VERIFY(m_folder->writeFile("STATUS.TXT", StatusText) &&
+                    m_messages->texts(QtDebugMsg).contains("Directory '" + m_folder->misc() + "' has changed."));
+        QCOMPARE(m_host.journal.lines, QStringList());
+    }
+
+    void deviceList_data()
+    {
+        QTest::addColumn<QByteArray>("xml");
+        QTest::addColumn<QStringList>("devices");
+        const auto row = [](const char* name, const QByteArray& inside, const QStringList& devices) {
+            QTest::newRow(name) << "<DEVICELIST><DEVICE>" + inside + "</DEVICE></DEVICELIST>" << devices;
+        };
+        QTest::newRow("two") << Devices << QStringList({"B1|S1|Sanvio Merivo|P1|paired", "|S2|Second||free"});
+        QTest::newRow("missing") << QByteArray() << QStringList();
+        QTest::newRow("other root") << QByteArray("<DEVICES><DEVICE/></DEVICES>") << QStringList();
+        row("others in root", "</DEVICE><X><DEVICE/></X><DEVICE>", {"||||free", "||||free"});
+        row("zero", "<INTERFACE><PATIENT_ID>0</PATIENT_ID></INTERFACE>", {"||||free"});
+        row("two zeros", "<INTERFACE><PATIENT_ID>00</PATIENT_ID></INTERFACE>", {"|||00|paired"});
+        row("later wins", "<INTERFACE><BTADR>a</BTADR><BTADR>b</BTADR></INTERFACE>", {"b||||free"});
+        row("name case", "<NAME>cygnara</NAME>", {"||cygnara||free"});
+        row("skipped whole", "<CLASS>1</CLASS><X><SERIALNR>S</SERIALNR></X><BTADR>B</BTADR>", {"||||free"});
+        row("skipped inside", "<INTERFACE><X><BTADR>B</BTADR></X></INTERFACE>", {"||||free"});
+        row("text as it stands", "<SERIALNR> \xC3\x84&amp;1 </SERIALNR>", {QString::fromUtf8("| Ä&1 |||free")});
+    }
+    void deviceList()
+    {
+        QFETCH(QByteArray, xml);
+        QFETCH(QStringList, devices);
+        QVERIFY(xml.isEmpty() || m_folder->writeFile("DEVLIST.XML", xml));
+        QCOMPARE(shown(readDeviceList(m_writer->m_path, "DEVLIST.XML")), devices);
+        const QString line = "mcp|==> Number of pumps within device reader DB: %1||%2/DEVLIST.XML";
+        QCOMPARE(m_host.journal.lines, QStringList(line.arg(devices.size()).arg(m_folder->misc())));
+    }
+
+    void deviceListBrokenOffAtEveryByte()
+    {
+        const QStringList whole{"B1|S1|Sanvio Merivo|P1|paired", "|S2|Second||free"};
+        const int second = Devices.lastIndexOf("<DEVICE>");
+        for (int size = 0; size < Devices.size(); ++size) {
+            QVERIFY(m_folder->writeFile("DEVLIST.XML", Devices.left(size)));
+            const QStringList found = shown(readDeviceList(m_folder->misc(), "DEVLIST.XML"));
+            // The whole ones ahead of the fault, and the one in which it lies.
+            QVERIFY2(size < second ? found.size() <= 1 : found.value(0) == whole.at(0), Devices.left(size));
+            QVERIFY(size < Devices.size() - 22 || found == whole);
+        }
+    }
+
+    void errorBox()
+    {
+        const QString weak = "Maybe the battery is weak, or the pump is too far away. Please move it closer and try "
+                             "again to connect.";
+        const QString unknown = "<b>Unknown error code: %1</b><br/>Please contact the support.";
+        QMap<int, QString> boxes;
+        boxes[31] = "<b>Connection Error</b><br/>" + weak + " The pump can't be connected to the LM2.";
+        boxes[32] = "<b>Connection lost</b><br/>" + weak;
+        boxes[110] = "<b>Unable to pair with this device</b><br/>Unfortunately, this version of the pump doesn't work "
+                     "with this plugin. Please contact the support.";
+        boxes[124] = "<b>Connection Error</b><br/>This pump is already paired with the LM2. Remove the pump and then "
+                     "you can pair again.";
+        boxes[140] = "<b>Connection Error</b><br/>The pump is already paired to a LM2. Remove the LM2 from the pump.";
+        for (const int code : {-1, 0, 30, 33, 111, 125, 141})
+            boxes[code] = unknown.arg(code);
+        for (auto it = boxes.cbegin(); it != boxes.cend(); ++it) {
+            m_host.journal.clear();
+            BoxAnswerer answerer(&m_host.journal.lines);
+            ErrorHandler::showError(it.key());
+            QCOMPARE(m_host.journal.lines, QStringList({QString("err|Error message box: code='%1'||").arg(it.key()),
+                                                        "box|Merivo Connections|" + it.value()}));
+            const BoxAnswerer::Box box = answerer.seen.at(0);
+            QVERIFY(box.icon == QMessageBox::Warning && box.buttons == QMessageBox::Ok && !box.parent);
+        }
+    }
+
+    void adapter_data()
+    {
+        QTest::addColumn<int>("pauseIn");
+        QTest::addColumn<int>("pauseOut");
+        QTest::addColumn<QString>("calls");
+        QTest::newRow("no device") << 0 << 0 << "acquireDevice(1, '')";
+        const QString held = "acquireDevice(1, '') setDeviceHold(1) setDeviceHold(%1) device deleted";
+        QTest::newRow("hold unchanged") << 0 << 2700 << held.arg(1);
+        QTest::newRow("hold changed") << 1200 << 2700 << held.arg(0);
+    }
+    void adapter()
+    {
+        QFETCH(int, pauseIn);
+        QFETCH(int, pauseOut);
+        m_host.deviceAdmin.hasDevice = pauseOut > 0;
+        m_host.deviceAdmin.holdChanges = pauseIn > 0;
+        m_host.deviceAdmin.drivePath = m_folder->drive();
+        QElapsedTimer timer;
+        timer.start();
+        auto held = std::make_unique<UsbDeviceAdapter>(&m_host.deviceAdmin);
+        const qint64 in = timer.restart();
+        QCOMPARE(held->m_drivePath, pauseOut ? m_folder->drive() : QString());
+        bool cursor = false; // an event in the pause, under the wait cursor
+        QTimer::singleShot(0, this, [&cursor] { cursor = QGuiApplication::overrideCursor() != nullptr; });
+        held.reset();
+        const qint64 out = timer.elapsed();
+        QVERIFY2(in >= pauseIn && out >= pauseOut, qPrintable(QString("%1 and %2 ms").arg(in).arg(out)));
+        QCOMPARE(cursor, pauseOut > 0);
+        QTEST(m_host.journal.lines.join(' '), "calls");
+        // Two lines a pause: there were no others.
+        QCOMPARE(m_messages->texts(QtDebugMsg, "default").size(), (pauseIn ? 2 : 0) + (pauseOut ? 2 : 0));
+    }
+
+    void waitWithoutTime()
+    {
+        QVERIFY(UsbDeviceAdapter(nullptr).m_drivePath.isEmpty());
+        QVERIFY(m_messages->messages().isEmpty());
+        QVERIFY(UsbDeviceAdapter::wait(0) && UsbDeviceAdapter::wait(-20));
+        QVERIFY(!QGuiApplication::overrideCursor());
+        const QRegularExpression both("^(static bool UsbDeviceAdapter::wait\\(int\\) >>> (Start|Stopp) waiting: at "
+                                      "\\d\\d:\\d\\d:\\d\\d\\.\\d{3}\n){4}$");
+        QVERIFY(both.match(m_messages->texts(QtDebugMsg, "default").join('\n') + '\n').hasMatch());
+    }
+
+private:
+    RecordingHost m_host;
+    std::unique_ptr<MessageCapture> m_messages;
+    std::unique_ptr<ReaderFolder> m_folder;
+    CommandFileWriter* m_writer = nullptr;
+    StatusFileParser* m_parser = nullptr;
+};
+
+QTEST_MAIN(TestReaderFiles)
+#include "test_reader_files.moc"

@@ -1,0 +1,276 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "plugin/session/Logger.h"
+#include "reader/CommandFileWriter.h"
+#include "reader/StatusFileParser.h"
+#include "support/MessageCapture.h"
+#include "support/ReaderFolder.h"
+#include "support/RecordingHost.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <atomic>
+
+Q_DECLARE_METATYPE(ReaderFolder::Answer)
+using InMidRun = void (*)(const ReaderFolder&);
+Q_DECLARE_METATYPE(InMidRun)
+
+namespace {
+
+constexpr int Limit = 20000; ///< for anything that is waited for, in milliseconds
+constexpr int TwoTicks = 250;
+
+using Answers = QList<ReaderFolder::Answer>;
+
+std::atomic<int> s_warnings{0};
+
+/// Takes no lock, as one would order the two threads, and hide their races from ThreadSanitizer.
+void countWarnings(QtMsgType type, const QMessageLogContext&, const QString&)
+{
+    if (type == QtWarningMsg)
+        s_warnings.fetch_add(1, std::memory_order_relaxed);
+}
+
+void cancel(const ReaderFolder&)
+{
+    StatusFileParser::instance()->cancel();
+    CommandFileWriter::instance()->abort(); // as the dialogs do; from here on the word is another one
+}
+
+} // namespace
+
+class TestReaderPolling : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qInstallMessageHandler(countWarnings);
+        Logger::instance(nullptr, &m_host.services);
+    }
+
+    void init()
+    {
+        m_folder = std::make_unique<ReaderFolder>();
+        QVERIFY(m_folder->writeStatus("Before", "BTREAD", "done", "old", 3));
+        m_writer = CommandFileWriter::create(m_folder->drive());
+        m_parser = StatusFileParser::create(m_folder->drive());
+        m_ends.clear();
+        m_percentages.clear();
+        m_host.journal.clear();
+        connect(m_parser, &StatusFileParser::finished, this,
+                [this](bool success) { m_ends.append(QStringLiteral("finished(%1)").arg(success)); });
+        connect(m_parser, &StatusFileParser::timeout, this, [this] { m_ends.append("timeout"); });
+        connect(m_parser, &StatusFileParser::progress, this, [this](int value) {
+            m_percentages.append(value);
+            m_seen = m_parser->m_lastStatus.status;
+        });
+        // On the emitting thread.
+        const auto check = [this] {
+            if (QThread::currentThread() != m_parser->thread())
+                ++m_strangers;
+        };
+        connect(m_parser, &StatusFileParser::finished, m_parser, check, Qt::DirectConnection);
+        connect(m_parser, &StatusFileParser::timeout, m_parser, check, Qt::DirectConnection);
+        connect(m_parser, &StatusFileParser::progress, m_parser, check, Qt::DirectConnection);
+    }
+
+    void cleanup()
+    {
+        delete m_parser;
+        delete m_writer;
+        m_parser = nullptr;
+        m_writer = nullptr;
+        QCOMPARE(m_strangers.load(), 0);
+        QCOMPARE(s_warnings.load(), 0);
+        for (const QThread* caller : qAsConst(m_host.journal.threads))
+            QCOMPARE(caller, thread());
+    }
+
+    void run_data()
+    {
+        QTest::addColumn<QByteArray>("word");
+        QTest::addColumn<Answers>("answers");
+        QTest::addColumn<QVector<int>>("limits");
+        QTest::addColumn<QString>("end");
+        QTest::addColumn<InMidRun>("inMidRun");
+        const auto row = [](const char* name, const Answers& answers, const QVector<int>& limits, const char* end,
+                            InMidRun inMidRun = nullptr, const char* word = "BTREAD") {
+            QTest::newRow(name) << QByteArray(word) << answers << limits << QString(end) << inMidRun;
+        };
+        const QVector<int> ample{20, 0, 5};
+        const QVector<int> shortStart{20, 1, 5};
+        const QVector<int> shortStop{1, 0, 5};
+        row("good", {{20, "running"}, {600, "done", "R", 7}}, ample, "finished(1), mcp Stop [1], status 2, state 2");
+        row("done at once", {{0, "done", "R", 7}}, {20, 0, 0}, "finished(1), mcp Stop [1], status 2, state 2");
+        row("limits of a read-out", {{0, "done"}}, {440, 20, 0}, "finished(1), mcp Stop [1], status 2, state 2");
+        row("failed", {{20, "failed", "R", 110}}, shortStart, "finished(1), mcp Stop [1], status 1, state 2");
+        row("lower case", {{20, "done", "", 7, "btread"}}, ample, "finished(1), mcp Stop [1], status 2, state 2");
+        row("long after start", {{20, "running"}, {1300, "done"}}, shortStart,
+            "finished(1), mcp Stop [1], status 2, state 2");
+        row("other's abort", {{0, "running"}, {400, "running", "", 0, "ABORT"}, {400, "done", "", 0, "Abort"}}, ample,
+            "finished(0), mcp Stop [0], status 2, state 2");
+        row("own abort", {{20, "done"}}, {20, 10, 5}, "finished(1), mcp Stop [1], status 2, state 2", nullptr, "ABORT");
+
+        row("silent reader", {}, shortStart, "timeout, err 'Unstarted command' timeout [0], status 2, state 0");
+        row("other's running", {{20, "running", "", 0, "SEARCH"}}, shortStart,
+            "timeout, err 'Unstarted command' timeout [0], status 0, state 0");
+        row("other's done", {{20, "done", "", 0, "SEARCH"}}, shortStart,
+            "timeout, err 'Unstarted command' timeout [0], status 2, state 0");
+        row("unknown word", {{20, "Done"}}, shortStart,
+            "timeout, err 'Unstarted command' timeout [1], status 4, state 0");
+        row("never ends", {{20, "running"}}, shortStop,
+            "timeout, err 'Unfinished command' timeout [1], status 0, state 1");
+        row("past both", {}, shortStop, "timeout, err 'Unfinished command' timeout [0], status 2, state 0");
+        row("no time", {}, {0, 0, 5}, "timeout, err 'Unfinished command' timeout [0], status 2, state 0");
+
+        row("cancel", {{20, "running", "R", 7}}, ample, "finished(1), err Cancel [0], status 3, state 1", cancel);
+        row("status gone", {{20, "running"}}, ample, "timeout, err Error [1], status 0, state 1",
+            [](const ReaderFolder& f) { QFile::remove(f.misc() + "/STATUS.TXT"); });
+        row("status emptied", {}, ample, "timeout, err Error [0], status 2, state 0",
+            [](const ReaderFolder& f) { f.writeFile("STATUS.TXT", "\nCmd=BTREAD\n"); });
+        row("drive gone", {{20, "running"}}, ample, "timeout, err Error [1], status 0, state 1",
+            [](const ReaderFolder& f) { QDir(f.drive()).removeRecursively(); });
+    }
+    void run()
+    {
+        QFETCH(QByteArray, word);
+        QFETCH(Answers, answers);
+        QFETCH(QVector<int>, limits);
+        QFETCH(QString, end);
+        QFETCH(InMidRun, inMidRun);
+        m_folder->answer(word, answers);
+        QVERIFY(word == "ABORT" ? m_writer->abort() : m_writer->read("S"));
+        m_parser->start(limits[0], limits[1], limits[2]);
+        if (inMidRun) {
+            QTRY_VERIFY_WITH_TIMEOUT(!m_percentages.isEmpty() && (m_parser->m_state || answers.isEmpty()), Limit);
+            inMidRun(*m_folder);
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(!m_ends.isEmpty(), Limit);
+        const StatusRecord record = m_parser->m_lastStatus;
+        const int state = m_parser->m_state;
+        QTest::qWait(TwoTicks);
+
+        static const QRegularExpression line("^(mcp|err)\\|--- (.*) during polling \\(linear progress: \\d+ of \\d+ = "
+                                             "\\d+%\\) detected/notified (\\[changed=[01]\\])\\.\\|\\|$");
+        const QStringList ends = m_host.journal.lines.filter(line);
+        QCOMPARE(ends.size(), 1);
+        const QRegularExpressionMatch match = line.match(ends[0]);
+        QCOMPARE(QStringLiteral("%1, %2 %3 %4, status %5, state %6")
+                     .arg(m_ends.join('+'), match.captured(1), match.captured(2), match.captured(3).remove("changed="))
+                     .arg(static_cast<int>(record.status))
+                     .arg(state),
+                 end);
+        // As the reader last wrote them, also after a cancel.
+        QCOMPARE(record.result, answers.isEmpty() ? "old" : answers.last().result);
+        QCOMPARE(record.error, answers.isEmpty() ? 3 : answers.last().error);
+        QVERIFY(limits[2] != 0 || m_percentages.isEmpty());                              // ended at its first tick
+        QVERIFY(state != StatusFileParser::Started || m_seen == CommandStatus::Running); // in mid-run too
+
+        const QStringList log = m_host.journal.lines;
+        QCOMPARE(log.value(1), QString("mcp|=?= <[Before]: BTREAD, 2, 3, old> status snapshot.||"));
+        const int delay = limits[2] ? limits[2] : 500;
+        QCOMPARE(log.value(2), QString("mcp|=== Observer start requested (in %1 msec).||").arg(delay));
+        const QString one = "mcp|=== Observer polling started with timeout of '%1'secs.||";
+        const QString two = "mcp|=== Observer polling started with timeouts of '%2' (Start) and '%1' (Stop) secs.||";
+        QCOMPARE(log.value(3), limits[1] > 0 ? two.arg(limits[0]).arg(limits[1]) : one.arg(limits[0]));
+        QVERIFY(state != StatusFileParser::Started || log.count("mcp|Observed operation started.||") == 1);
+        QCOMPARE(log.count("mcp|Observed operation finished.||"), state == StatusFileParser::Ended ? 1 : 0);
+        const int observed = log.filter("> observed.||").size(); // a slow machine may miss what is soon replaced
+        QVERIFY(answers.isEmpty() ? observed == 0 : observed > 0 && observed <= answers.size());
+    }
+
+    void progressFollowsTheCurve()
+    {
+        const MessageCapture messages;
+        m_parser->start(1, 0, 5);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_ends.isEmpty(), Limit);
+        QVERIFY(m_percentages.size() > 3);
+        QList<int> expected;
+        const QRegularExpression tick("^void StatusFileParser::continuePolling\\(\\) Polling continued \\(linear "
+                                      "progress: (\\d+) of 1000 = (\\d+)%\\)$");
+        for (const QString& line : messages.texts(QtDebugMsg, "default")) {
+            const QRegularExpressionMatch match = tick.match(line);
+            if (!match.hasMatch())
+                continue;
+            const int elapsed = match.captured(1).toInt();
+            QCOMPARE(match.captured(2).toInt(), elapsed / 10);
+            expected.append(1000 * elapsed / (1000 + 9 * elapsed)); // 52 at a tenth, 90 at half
+        }
+        QCOMPARE(m_percentages, expected);
+    }
+
+    void cancelOutsideARunEndsTheNextAndNoOther()
+    {
+        m_parser->cancel();
+        m_parser->start(20, 0, 5);
+        QTRY_COMPARE_WITH_TIMEOUT(m_ends, QStringList("finished(1)"), Limit);
+        QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Canceled);
+        QCOMPARE(m_percentages, QList<int>());
+
+        m_folder->answer("BTREAD", {{20, "done"}});
+        m_writer->read("S");
+        m_parser->start(20, 0, 5);
+        QTRY_COMPARE_WITH_TIMEOUT(m_ends, QStringList({"finished(1)", "finished(1)"}), Limit);
+        QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Done);
+
+        m_parser->cancel(); // in the state of an ended run: without effect
+        m_writer->read("S");
+        m_parser->start(20, 0, 5);
+        QTRY_COMPARE_WITH_TIMEOUT(m_ends.size(), 3, Limit);
+        QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Done);
+        QCOMPARE(m_host.journal.lines.count("mcp|=== Observer canceling.||"), 2);
+    }
+
+    void destroyedInMidRun_data()
+    {
+        QTest::addColumn<int>("ticks");
+        QTest::newRow("before the first tick") << 0;
+        QTest::newRow("between ticks") << 3;
+    }
+    void destroyedInMidRun()
+    {
+        QFETCH(int, ticks);
+        const MessageCapture messages;
+        m_host.journal.clear();
+        m_folder->answer("BTREAD", {{20, "running"}, {100, "running", "2"}, {100, "done"}});
+        m_writer->read("S");
+        m_parser->start(20, 0, 5);
+        QTRY_VERIFY_WITH_TIMEOUT(m_percentages.size() >= ticks, Limit);
+        delete m_parser;
+        m_parser = nullptr;
+        QCOMPARE(m_host.journal.lines.last(), "mcp|Status file parser finished.||" + m_folder->misc());
+        const int records = m_host.journal.lines.size();
+        QTest::qWait(TwoTicks);
+        QCOMPARE(m_ends, QStringList());
+        QCOMPARE(m_host.journal.lines.size(), records);
+
+        // The host has all that Qt's log has, and the worker's records in the same order.
+        QStringList log;
+        for (const MessageCapture::Message& message : messages.messages()) {
+            if (message.category == "plugin.merivoconnections")
+                log.append(message.text.mid(5).replace("; ", "|"));
+        }
+        QStringList host = m_host.journal.lines;
+        host.replaceInStrings(QRegularExpression("^...\\|"), "");
+        for (QStringList* lines : {&log, &host})
+            QCOMPARE(lines->removeAll("Status file parser finishing.||" + m_folder->misc()), 1);
+        QCOMPARE(host, log);
+    }
+
+private:
+    RecordingHost m_host;
+    std::unique_ptr<ReaderFolder> m_folder;
+    CommandFileWriter* m_writer = nullptr;
+    StatusFileParser* m_parser = nullptr;
+    QStringList m_ends;
+    QList<int> m_percentages;
+    CommandStatus m_seen = CommandStatus::Unknown; ///< what stood in the record at the last progress
+    std::atomic<int> m_strangers{0};               ///< signals emitted on any thread but the worker's
+};
+
+QTEST_GUILESS_MAIN(TestReaderPolling)
+#include "test_reader_polling.moc"
