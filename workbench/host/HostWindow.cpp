@@ -49,12 +49,18 @@ QList<QStandardItem*> rowOf(const QStringList& texts)
     return row;
 }
 
+void fitColumns(QTableView* table)
+{
+    for (int column = 0; column < table->model()->columnCount(); ++column)
+        if (table->horizontalHeader()->sectionResizeMode(column) != QHeaderView::Stretch)
+            table->resizeColumnToContents(column);
+}
+
 void setUpHeaders(QTableView* table, int stretched)
 {
     table->verticalHeader()->hide();
     table->horizontalHeader()->setHighlightSections(false);
     table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table->horizontalHeader()->setSectionResizeMode(stretched, QHeaderView::Stretch);
 }
 
@@ -140,8 +146,8 @@ void HostWindow::setUpTables()
     const int unit = logTable->fontMetrics().averageCharWidth();
     logTable->setColumnWidth(HostLog::TimeColumn, unit * 15);
     logTable->setColumnWidth(HostLog::LevelColumn, unit * 13);
-    logTable->setColumnWidth(HostLog::SourceColumn, unit * 22);
-    logTable->setColumnWidth(HostLog::MessageColumn, unit * 70);
+    logTable->setColumnWidth(HostLog::SourceColumn, unit * 18);
+    logTable->setColumnWidth(HostLog::MessageColumn, unit * 60);
     logTable->horizontalHeader()->setStretchLastSection(true);
     logTable->horizontalHeader()->setHighlightSections(false);
     logTable->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -262,6 +268,7 @@ void HostWindow::refreshPatients()
         if (patient.puid == puid)
             patientTable->setCurrentIndex(m_patientFilter.mapFromSource(m_patients.indexFromItem(row.first())));
     }
+    fitColumns(patientTable);
 }
 
 void HostWindow::refreshDiary()
@@ -280,6 +287,8 @@ void HostWindow::refreshDiary()
                                    facts.fileName, QLocale::c().formattedDataSize(facts.fileSize),
                                    tr("verified, %1").arg(facts.deviceState), facts.mac}));
     }
+    fitColumns(importTable);
+    importLabel->setText(imports.isEmpty() ? tr("&Imported pump files: none yet") : tr("&Imported pump files"));
     refreshActions();
 }
 
