@@ -62,13 +62,24 @@ QString textOfKey(int key)
     }
 }
 
+/// What a window manager does when a window is clicked or the one in front of it closes; without one nobody else would.
+void activate(QWindow* window)
+{
+    if (QGuiApplication::focusWindow() != window)
+        window->requestActivate();
+}
+
+/// To the window that takes input.
 void sendKey(int key, Qt::KeyboardModifiers modifiers, const QString& text)
 {
-    QWindow* window = QGuiApplication::focusWindow();
-    if (!window && WidgetFinder::inputWindow())
-        window = WidgetFinder::inputWindow()->windowHandle();
+    const QWidget* input = WidgetFinder::inputWindow();
+    if (!input)
+        return;
+    const QPointer<QWindow> window = input->windowHandle();
+    activate(window);
     qt_handleKeyEvent(window, QEvent::KeyPress, key, modifiers, text, false, 1);
-    qt_handleKeyEvent(window, QEvent::KeyRelease, key, modifiers, text, false, 1);
+    if (window) // the key can have closed it
+        qt_handleKeyEvent(window, QEvent::KeyRelease, key, modifiers, text, false, 1);
 }
 
 QModelIndex cellOf(const QAbstractItemView* view, const QString& text)
@@ -482,14 +493,16 @@ void Robot::postClick(QWidget* widget, const QPoint& position)
     QTimer::singleShot(0, this, [this, position] {
         if (!m_clicked)
             return;
-        QWindow* window = m_clicked->window()->windowHandle();
+        const QPointer<QWindow> window = m_clicked->window()->windowHandle();
+        activate(window);
         const QPointF local = m_clicked->mapTo(m_clicked->window(), position);
         const QPointF global = m_clicked->mapToGlobal(position);
         m_timestamp += QApplication::doubleClickInterval() + 1; // two clicks never make a double click
         qt_handleMouseEvent(window, local, global, Qt::LeftButton, Qt::LeftButton, QEvent::MouseButtonPress,
                             Qt::NoModifier, m_timestamp);
-        qt_handleMouseEvent(window, local, global, Qt::NoButton, Qt::LeftButton, QEvent::MouseButtonRelease,
-                            Qt::NoModifier, m_timestamp + 1);
+        if (window)
+            qt_handleMouseEvent(window, local, global, Qt::NoButton, Qt::LeftButton, QEvent::MouseButtonRelease,
+                                Qt::NoModifier, m_timestamp + 1);
     });
 }
 

@@ -65,8 +65,16 @@ QWidget* bestOf(const QWidgetList& candidates, const QString& name)
 
 QWidget* WidgetFinder::inputWindow()
 {
-    QWidget* modal = QApplication::activeModalWidget();
-    return modal ? modal : QApplication::activeWindow();
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    // Without a window manager none becomes active when the active one closes.
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto found = std::find_if(windows.cbegin(), windows.cend(), [](const QWidget* candidate) {
+        return candidate->isVisible() && candidate->isWindow();
+    });
+    return found == windows.cend() ? nullptr : *found;
 }
 
 QWidget* WidgetFinder::window(const QString& name)

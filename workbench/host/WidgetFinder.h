@@ -10,7 +10,8 @@ class QWidget;
 /// How the robot finds what a user would see, by names and texts.
 namespace WidgetFinder {
 
-/// The window that takes input now: the modal one, else the active one, else null.
+/// The window that takes input now: the modal one, else the active one, else one that is visible. Null if
+/// there is none.
 QWidget* inputWindow();
 
 /// A visible window whose object name, class or title is @p name; the input window first. Null if there is none.

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <QScopeGuard>
 #include <QTimer>
 
 #include <cstdio>
@@ -35,7 +36,8 @@ bool isWithoutDisplay()
 #endif
 }
 
-HostLog* qtMessageLog = nullptr; // set once, before the plug-in is loaded
+HostLog* hostLog = nullptr; // set once, before the plug-in is loaded
+QStringList earlyMessages;  // those before that, of this thread alone
 
 /// Qt's own messages go into the host's log: standard error is for what the caller must know. Any thread.
 void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
@@ -45,14 +47,17 @@ void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
     if (type == QtDebugMsg || QByteArray(context.category).startsWith("plugin.") ||
         text.contains(QLatin1String("propagateSizeHints")))
         return;
-    if (type == QtFatalMsg || !qtMessageLog) {
-        std::fprintf(stderr, "%s\n", qPrintable(text));
+    if (type == QtFatalMsg) {
+        std::fprintf(stderr, "merivo-host: %s\n", qPrintable(text));
+        return;
+    }
+    if (!hostLog) {
+        earlyMessages.append(text);
         return;
     }
     const QString channel = type == QtInfoMsg ? QStringLiteral("Info") : QStringLiteral("Warning");
     QMetaObject::invokeMethod(
-        qtMessageLog, [channel, text] { qtMessageLog->write(QStringLiteral("Qt"), channel, text); },
-        Qt::QueuedConnection);
+        hostLog, [channel, text] { hostLog->write(QStringLiteral("Qt"), channel, text); }, Qt::QueuedConnection);
 }
 
 int showText(int& argc, char** argv, const HostOptions& options)
@@ -97,7 +102,10 @@ int main(int argc, char** argv)
     QApplication::setApplicationVersion(QLatin1String(MERIVO_PLUGIN_VERSION));
 
     HostApplication host;
-    qtMessageLog = &host.log();
+    for (const QString& text : qAsConst(earlyMessages))
+        host.log().write(QStringLiteral("Qt"), QStringLiteral("Warning"), text);
+    hostLog = &host.log();
+    const auto forgetLog = qScopeGuard([] { hostLog = nullptr; });
     if (!host.start(options, &error))
         return report(Failure, error);
     if (options.robot.isEmpty())
