@@ -58,8 +58,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("commandLine");
         QTest::addColumn<QString>("jobId");
         const auto row = [](const char* args, bool understood, const char* left, const char* line, const char* jobId) {
-            QTest::newRow(args) << words(args) << understood << words(left) << QString::fromUtf8(line)
-                                << QString::fromUtf8(jobId);
+            QTest::newRow(args) << words(args) << understood << words(left) << QString(line) << QString(jobId);
         };
         const char* const kept = "(kept)";
         row("", true, "", "", kept);
@@ -71,17 +70,14 @@ private Q_SLOTS:
         row("-jobid", false, "", "-jobid", kept);
         row("-bogus,import", false, "import", "-bogus", kept);
         row("-jobid,7,-JobId,8", false, "8", "-jobid 7 -JobId", "7");
-        row("-,x", false, "x", "-", kept);
         row("-jobid,a%20b", true, "", "-jobid 'a b'", "a%20b");
         row("-jobid,", true, "", "-jobid ''", "");
         row("-jobid,'it \"is\"'", true, "", "-jobid 'it is'", "'it \"is\"'");
-        row("-jobid,%1", true, "", "-jobid %1", "%1");
         // A bare file among the options, as it lies in the current folder.
         row("-week.xDIA", false, "", "import -filepath -week.xDIA", kept);
         row("-week%20one.dia", false, "", "import -filepath '-week one.dia'", kept);
         row("-week.dia.txt", false, "", "-week.dia.txt", kept);
         row("-folder.dia", false, "", "-folder.dia", kept);
-        row("-missing.dia", false, "", "-missing.dia", kept);
         row("-mine,-week.xDIA", false, "", "-mine -week.xDIA", kept);
     }
     void arguments()
@@ -89,10 +85,8 @@ private Q_SLOTS:
         QFETCH(QStringList, args);
         QFETCH(QString, jobId);
         const QTemporaryDir folder;
-        for (const char* name : {"-week.xDIA", "-week%20one.dia", "-week.dia.txt"}) {
-            QFile file(folder.filePath(QLatin1String(name)));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-        }
+        for (const char* name : {"-week.xDIA", "-week%20one.dia", "-week.dia.txt"})
+            QVERIFY(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
         QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("-folder.dia")));
         const QString before = QDir::currentPath();
         QVERIFY(QDir::setCurrent(folder.path()));
@@ -106,16 +100,6 @@ private Q_SLOTS:
         QTEST(command.commandLine(), "commandLine");
         QCOMPARE(command.jobId(), jobId == QLatin1String("(kept)") ? ownId : jobId);
         QCOMPARE(command.prepared, 1);
-    }
-
-    void argumentsAreLogged()
-    {
-        const MessageCapture capture;
-        QStringList args{QStringLiteral("-bogus")};
-        QueryDiaryCmd(nullptr).setArguments(args);
-        QCOMPARE(capture.texts(QtInfoMsg, QStringLiteral("default")),
-                 (QStringList{QStringLiteral("adjust command line"), QStringLiteral("-> complete")}));
-        QCOMPARE(capture.texts(QtDebugMsg, QStringLiteral("default")), QStringList{QStringLiteral("### -bogus")});
     }
 
     void options_data()
@@ -138,11 +122,8 @@ private Q_SLOTS:
         ImportDataCommand command(nullptr);
         const bool taken = command.parseModeOption(args) || command.parsePatientOption(args);
         QCOMPARE(taken, !values.isEmpty());
-        if (!taken)
-            QCOMPARE(args, before);
-        const QStringList now{command.mode(), command.control(), command.puid(), command.diaryName(),
-                              args.join(QLatin1Char(','))};
-        QCOMPARE(now.join(QLatin1Char('|')), taken ? values : QStringLiteral("||-||") + before.join(QLatin1Char(',')));
+        const QStringList now{command.mode(), command.control(), command.puid(), command.diaryName(), args.join(',')};
+        QCOMPARE(now.join('|'), taken ? values : "||-||" + before.join(','));
     }
 
     void records()
@@ -183,7 +164,10 @@ private Q_SLOTS:
 
         QueryDiaryCmd query(this);
         QStringList args = words("-jobid,9");
+        const MessageCapture capture;
         QVERIFY(query.setArguments(args));
+        QCOMPARE(capture.texts(QtInfoMsg), words("adjust command line,-> complete"));
+        QCOMPARE(capture.texts(QtDebugMsg), words("### -jobid,### 9"));
         const std::unique_ptr<QueryDiaryCmd> copy(static_cast<QueryDiaryCmd*>(query.clone()));
         QVERIFY(copy.get() != &query && copy->command() == copy.get());
         QCOMPARE(copy->type(), 5);
@@ -211,7 +195,7 @@ private Q_SLOTS:
             large.append(static_cast<char>(i));
         const char* const ofNothing = "ceab1b7ffaf45d45e0276a97225695e2b8be26d474f24f530ff16cb7a9522960";
         const auto row = [](const char* name, const char* guid, const QByteArray& bytes, const char* mac) {
-            QTest::newRow(name) << QString::fromUtf8(guid) << bytes << QString::fromLatin1(mac);
+            QTest::newRow(name) << QString(guid) << bytes << QString(mac);
         };
         row("missing", "{g}", {}, ofNothing);
         row("folder", "{g}", "/", ofNothing);

@@ -10,9 +10,6 @@
 
 namespace {
 
-using Opened = PatientEvent<IDiarySessionOpenedEvt>;
-using Changed = PatientEvent<IPatientChangedEvt>;
-
 /// Remembers which of its signals were connected, in their order.
 class CountingPublisher final : public IEventPublisher
 {
@@ -23,26 +20,24 @@ protected:
     void connectNotify(const QMetaMethod& signal) override { connected.append(QString::fromLatin1(signal.name())); }
 };
 
-IDiarySessionOpenedEvtPtr opened(const char* puid, const char* pid)
+IDiarySessionOpenedEvtPtr opened(const QString& puid, const QString& pid)
 {
-    return IDiarySessionOpenedEvtPtr(new Opened(QString::fromLatin1(puid), {QString::fromLatin1(pid)},
-                                                QStringLiteral("diary ") + QLatin1String(puid)));
+    return IDiarySessionOpenedEvtPtr(new PatientEvent<IDiarySessionOpenedEvt>(puid, {pid}, "diary " + puid));
 }
 
-IPatientChangedEvtPtr changed(const char* puid, const char* pid)
+IPatientChangedEvtPtr changed(const QString& puid, const QString& pid)
 {
-    return IPatientChangedEvtPtr(
-        new Changed(QString::fromLatin1(puid), {QString::fromLatin1(pid)}, QStringLiteral("x")));
+    return IPatientChangedEvtPtr(new PatientEvent<IPatientChangedEvt>(puid, {pid}, "x"));
 }
 
 /// The session in one line: patient, ids, diary, pump, device, exchange file.
 QString session()
 {
     const PatientSession* now = PatientSession::instance();
-    return QStringList{now->patientId(),  now->pids().join(QLatin1Char(',')),
-                       now->diaryName(),  now->pumpSerialNumber(),
-                       now->deviceName(), now->exchangeFilePath()}
-        .join(QLatin1Char('|'));
+    const QString pids = now->pids().join(',');
+    return QStringList{now->patientId(),       pids, now->diaryName(), now->pumpSerialNumber(), now->deviceName(),
+                       now->exchangeFilePath()}
+        .join('|');
 }
 
 } // namespace
@@ -59,8 +54,7 @@ private Q_SLOTS:
         CountingPublisher publisher;
         EventsObserver observer;
         observer.attach(&publisher, nullptr);
-        const QStringList expected{QStringLiteral("diarySessionOpened"), QStringLiteral("diarySessionClosed"),
-                                   QStringLiteral("patientChanged")};
+        const QStringList expected{"diarySessionOpened", "diarySessionClosed", "patientChanged"};
         QCOMPARE(publisher.connected, expected);
 
         Q_EMIT publisher.patientChanged(changed("p1", "Early"));
@@ -68,7 +62,7 @@ private Q_SLOTS:
 
         Q_EMIT publisher.diarySessionOpened(opened("p1", "Doe"));
         QCOMPARE(session(), QStringLiteral("p1|Doe|diary p1||Sanvio Merivo|"));
-        PatientSession::instance()->setPump(QStringLiteral("123"), QStringLiteral("Other"));
+        PatientSession::instance()->setPump("123", "Other");
         PatientSession::instance()->setExchangeFilePath(QStringLiteral("/I1.xml"));
 
         Q_EMIT publisher.patientChanged(changed("p2", "Foreign"));
