@@ -144,6 +144,7 @@ private Q_SLOTS:
     void showsNothingNewWithoutTheTrigger();
     void leavesARefusedCommandUnanswered();
     void takesAnEqualCommandAgain();
+    void carriesPollingRunsToTheirEnd();
     void keepsPairingsOverARestart();
     void leavesABrokenMemoryAlone();
     void misbehavesAsTold_data();
@@ -391,15 +392,45 @@ void TestReaderProgram::takesAnEqualCommandAgain()
     QCOMPARE(bench.log.filter(QStringLiteral("took")).size(), 3);
 }
 
+void TestReaderProgram::carriesPollingRunsToTheirEnd()
+{
+    Scenario scenario = world();
+    scenario.times.pickup = 20;
+    scenario.times.read = 300;
+    scenario.times.progress = 50;
+    Bench bench(scenario, false);
+    QStringList ends;
+    QObject here;
+    QObject::connect(&bench.parser(), &StatusFileParser::finished, &here, [&](bool success) {
+        const StatusRecord& last = bench.parser().m_lastStatus;
+        ends.append(QStringLiteral("%1 %2 %3").arg(success).arg(static_cast<int>(last.status)).arg(last.result));
+    });
+    QObject::connect(&bench.parser(), &StatusFileParser::timeout, &here,
+                     [&] { ends.append(QStringLiteral("timeout")); });
+
+    QStringList expected;
+    for (const char* end : {"1 2 IMV-1_0001.xml", "1 2 IMV-1_0002.xml"}) {
+        QVERIFY(bench.writer().read(QStringLiteral("MV-1")));
+        bench.parser().start(10, 5, 5);
+        expected.append(QString::fromLatin1(end));
+        QTRY_COMPARE(ends.size(), expected.size());
+        QCOMPARE(ends, expected);
+    }
+}
+
 void TestReaderProgram::keepsPairingsOverARestart()
 {
     Bench bench;
     bench.send("BTPUMPREASSIGN \"MV-2\" p1");
     QTRY_COMPARE(bench.status(), QStringLiteral("BTPUMPREASSIGN done MV-2 0"));
 
-    // A pump that the new world doesn't have stays known, out of range; a command from before isn't taken again.
+    // A pump that the new world doesn't have stays known, out of range, and its pairing wins over that of a new one; a
+    // command from before isn't taken again.
     Scenario other = world();
     other.pumps.remove(1);
+    Pump added = other.pumps.first();
+    added.serialNumber = QStringLiteral("MV-9");
+    other.pumps.prepend(added);
     bench.log.clear();
     bench.startReader(other);
     QCOMPARE(bench.status(), QStringLiteral("NONE done  0"));

@@ -39,9 +39,16 @@ public:
     int stop()
     {
         m_process.terminate();
+        return waitForEnd();
+    }
+
+    int waitForEnd()
+    {
         m_process.waitForFinished(LimitMs);
         return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
     }
+
+    QByteArray told() { return m_process.readAllStandardError(); }
 
     QString announcement;
 
@@ -75,6 +82,7 @@ private Q_SLOTS:
     void endsWithItsStatus_data();
     void endsWithItsStatus();
     void servesUntilItIsStopped();
+    void endsWhenItsDriveGoes();
     void replaysWhatItRecorded();
 
 private:
@@ -157,6 +165,16 @@ void TestReaderProgramProcess::servesUntilItIsStopped()
 
     QCOMPARE(reader.stop(), 0);
     QVERIFY(!QFile::exists(drive(QStringLiteral("one/.merivo-reader.lock"))));
+}
+
+void TestReaderProgramProcess::endsWhenItsDriveGoes()
+{
+    Reader reader({drive(QStringLiteral("one")), QStringLiteral("--log"), drive(QStringLiteral("log"))});
+    QVERIFY(QDir(drive(QStringLiteral("one/MISC"))).removeRecursively());
+    QCOMPARE(reader.waitForEnd(), 1);
+    QCOMPARE(
+        reader.told(),
+        QStringLiteral("merivo-reader: %1: the folder has gone\n").arg(drive(QStringLiteral("one/MISC"))).toUtf8());
 }
 
 void TestReaderProgramProcess::replaysWhatItRecorded()

@@ -139,6 +139,10 @@ void ReaderDrive::onFileChanged(const QString& path)
 
 void ReaderDrive::look()
 {
+    if (!QFileInfo(filePath()).isDir()) {
+        fail(QStringLiteral("%1: the folder has gone").arg(filePath()));
+        return;
+    }
     // The watcher follows a file only while it exists, and loses it when someone replaces it.
     const QString paths[] = {m_path + QLatin1Char('/') + ReaderNames::Trigger, filePath(ReaderNames::Command)};
     for (const QString& path : paths) {

@@ -30,6 +30,11 @@ Pump keptPumpFrom(const QJsonValue& value, const QString& path, QStringList* err
 
 void merge(const Pump& kept, QVector<Pump>* pumps)
 {
+    // A patient has one pump at most.
+    for (Pump& pump : *pumps) {
+        if (pump.patientId == kept.patientId)
+            pump.patientId.clear();
+    }
     const auto same = [&kept](const Pump& pump) {
         return pump.serialNumber == kept.serialNumber;
     };
