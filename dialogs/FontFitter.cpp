@@ -40,10 +40,10 @@ bool FontFitter::fits() const
     if (needed.boundedTo(m_room) != needed)
         return false;
 
-    // A button is squeezed by a column that can't become wider, without the layout knowing.
+    // A column that can't become wider squeezes its buttons without the layout's minimum showing it.
     const QList<QPushButton*> buttons = m_dialog->findChildren<QPushButton*>();
     return std::all_of(buttons.cbegin(), buttons.cend(), [](const QPushButton* button) {
-        return button->sizeHint().width() <= button->parentWidget()->maximumWidth();
+        return !button->isVisible() || button->sizeHint().width() <= button->width();
     });
 }
 

@@ -6,46 +6,22 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QStyle>
-#include <QStyleOptionButton>
 #include <QTest>
 
 #include <algorithm>
 
 namespace {
 
-/// What QPushButton leaves between icon and text.
-constexpr int IconGap = 4;
-
-/// The room that the content of a widget needs, and the room that there is.
-struct Room
+/// The room that the content of a widget needs at the width that it has.
+QSize neededRoom(const QWidget& widget)
 {
-    QSize needed;
-    QSize given;
-};
-
-Room roomOf(const QLabel& label)
-{
-    if (!label.wordWrap())
-        return {label.minimumSizeHint(), label.size()};
-    // The widest word, and the height of all lines at the width that there is.
-    return {{label.minimumSizeHint().width(), label.heightForWidth(label.width())}, label.size()};
-}
-
-Room roomOf(const QPushButton& button)
-{
-    QStyleOptionButton option;
-    option.initFrom(&button);
-    option.text = button.text();
-    const QSize text = button.fontMetrics().size(Qt::TextShowMnemonic, button.text());
-    const QSize icon = button.icon().isNull() ? QSize(0, 0) : button.iconSize() + QSize(IconGap, 0);
-    return {{text.width() + icon.width(), qMax(text.height(), icon.height())},
-            button.style()->subElementRect(QStyle::SE_PushButtonContents, &option, &button).size()};
-}
-
-Room roomOf(const QProgressBar& bar)
-{
-    return {bar.fontMetrics().size(0, bar.text()), bar.size()};
+    if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
+        const QSize smallest = label->minimumSizeHint(); // with word wrap: the widest word
+        return label->wordWrap() ? QSize(smallest.width(), label->heightForWidth(label->width())) : smallest;
+    }
+    if (qobject_cast<const QPushButton*>(&widget) || qobject_cast<const QProgressBar*>(&widget))
+        return {widget.minimumSizeHint().width(), widget.fontMetrics().height()};
+    return {0, 0};
 }
 
 bool isPicture(const QWidget* widget)
@@ -70,20 +46,14 @@ QStringList cutTexts(const QWidget& window)
     for (const QWidget* widget : widgets) {
         if (!widget->isVisible())
             continue;
-        Room room{{0, 0}, {0, 0}};
-        if (const auto* label = qobject_cast<const QLabel*>(widget))
-            room = roomOf(*label);
-        else if (const auto* button = qobject_cast<const QPushButton*>(widget))
-            room = roomOf(*button);
-        else if (const auto* bar = qobject_cast<const QProgressBar*>(widget))
-            room = roomOf(*bar);
-        if (room.needed.width() > room.given.width() || room.needed.height() > room.given.height())
+        const QSize needed = neededRoom(*widget);
+        if (needed.boundedTo(widget->size()) != needed)
             found.append(QStringLiteral("%1 needs %2 x %3 and has %4 x %5")
                              .arg(widget->objectName())
-                             .arg(room.needed.width())
-                             .arg(room.needed.height())
-                             .arg(room.given.width())
-                             .arg(room.given.height()));
+                             .arg(needed.width())
+                             .arg(needed.height())
+                             .arg(widget->width())
+                             .arg(widget->height()));
         if (!window.rect().contains(QRect(widget->mapTo(&window, QPoint(0, 0)), widget->size())))
             found.append(widget->objectName() + QStringLiteral(" reaches beyond the window"));
     }
