@@ -51,6 +51,7 @@ void EventsObserver::onDiarySessionClosed(IDiarySessionClosedEvtPtr evt)
 void EventsObserver::onPatientChanged(IPatientChangedEvtPtr evt)
 {
     PatientSession* session = PatientSession::instance();
-    if (evt->puid() == session->patientId())
+    // With no session open there is nothing to change, whatever key the event brings.
+    if (!session->patientId().isEmpty() && evt->puid() == session->patientId())
         session->setPids(evt->pids());
 }

@@ -13,6 +13,7 @@ public:
     ICommandHandler() = default;
     ~ICommandHandler() override;
 
-    /// Takes the command and its ownership, and carries it out. The result is the host's own affair.
+    /// Takes the command and its ownership, and carries it out. The result is the host's own affair. The command's code
+    /// lies in the plug-in: a host that keeps it frees it before it unloads the library.
     virtual bool execute(ICommand* command) = 0;
 };

@@ -11,15 +11,12 @@ QString IExtension::title() const
 
 QString IExtension::description() const
 {
-    return QStringLiteral("?"
-                          "?"
-                          "?");
+    return QStringLiteral("???");
 }
 
 QString IExtension::copyright() const
 {
-    return QStringLiteral("?"
-                          "?");
+    return QStringLiteral("??");
 }
 
 QString IExtension::extraText() const

@@ -10,6 +10,9 @@ class IPlugin;
 class QDate;
 
 /// General services of the host: "ServicesExtensionPoint". GUI thread only.
+///
+/// The host's own interface has further operations, before these and between them. How many isn't known here: who
+/// builds against a certain host puts placeholders for them in their places.
 class IServices : public IExtensionPoint
 {
 public:

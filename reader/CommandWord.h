@@ -20,7 +20,10 @@ public:
     /// GUI thread only.
     CommandWord& operator=(const QString& word);
     /// Any thread.
-    operator QString() const { return *m_word.load(std::memory_order_acquire); }
+    operator QString() const // NOLINT(google-explicit-constructor): stands for the text wherever one is read
+    {
+        return *m_word.load(std::memory_order_acquire);
+    }
 
 private:
     static const QString* intern(const QString& word);

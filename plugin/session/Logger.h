@@ -14,7 +14,7 @@ class IServices;
 /// "<==" a command submitted or a step asked for, "==>" an observation or a success, "=?=" a status taken for
 /// information, "===" a step, "---" a milestone or the end of a polling run, "=!=" a failure, "-->" and "<--" the begin
 /// and the end of a run, "-!-" a run that failed.
-class Logger : public QObject
+class Logger final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(Logger)

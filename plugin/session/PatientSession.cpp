@@ -7,6 +7,7 @@
 
 #include <QDate>
 #include <QDebug>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -14,7 +15,7 @@ namespace {
 
 const QString DefaultDeviceType = QStringLiteral("Cygnara");
 
-PatientSession* s_instance = nullptr;
+QPointer<PatientSession> s_instance; // null also when its parent took it along
 IServices* s_services = nullptr;
 IDatabase* s_database = nullptr;
 
@@ -28,7 +29,7 @@ void traceBirthday(const char* direction, const QString& birthday)
 
 PatientSession* PatientSession::instance(QObject* parent)
 {
-    return s_instance ? s_instance : create(parent);
+    return s_instance ? s_instance.data() : create(parent);
 }
 
 PatientSession* PatientSession::create(QObject* parent)

@@ -13,7 +13,7 @@ class IServices;
 ///
 /// Each diary event replaces the object, also in the middle of a run: never keep the pointer across an event loop, ask
 /// instance() each time. GUI thread only. The last object is never freed.
-class PatientSession : public QObject
+class PatientSession final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PatientSession)
