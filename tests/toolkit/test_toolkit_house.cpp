@@ -2,14 +2,18 @@
 // SPDX-License-Identifier: MIT
 #include "support/MessageCapture.h"
 #include "toolkit/LmGuiConfig.h"
+#include "toolkit/LmMessageBox.h"
+#include "toolkit/LmTooltip.h"
 #include "toolkit/LmTranslator.h"
 #include "toolkit/LmWidgets.h"
 
+#include <QAbstractButton>
 #include <QApplication>
-#include <QDate>
 #include <QDialog>
 #include <QDir>
-#include <QLabel>
+#include <QFontMetricsF>
+#include <QMouseEvent>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTranslator>
@@ -17,7 +21,32 @@
 #include <memory>
 #include <utility>
 
-/// House defaults, language, and the small operations on widgets.
+namespace {
+
+class RecordingParent final : public QWidget, public LmLogProxy
+{
+public:
+    using LmLogProxy::LmLogProxy;
+    void logCritical(QString title, QString text, QString detail) override { records << title + text + detail; }
+
+    QStringList records;
+};
+
+void sendMouse(QWidget& widget, QEvent::Type type, QPointF local, QPointF screen)
+{
+    QMouseEvent event(type, local, local, screen, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+/// Whether @p width is the text's width, rounded to the next whole pixel, and @p margin.
+bool fits(int width, const QWidget& widget, const QString& text, int margin)
+{
+    const qreal needed = QFontMetricsF(widget.font()).horizontalAdvance(text) + margin;
+    return width > needed && width <= needed + 1;
+}
+
+} // namespace
+
 class ToolkitHouseTest : public QObject
 {
     Q_OBJECT
@@ -29,22 +58,9 @@ private Q_SLOTS:
         auto second = std::make_unique<LmGuiConfig>();
         LmGuiConfig::setInstance(second.get());
         QCOMPARE(LmGuiConfig::instance(), &first);
-        second.reset();
-        LmGuiConfig::setInstance(nullptr);
-        LmGuiConfig* const fresh = LmGuiConfig::instance();
-        QVERIFY(fresh && fresh != &first && fresh == LmGuiConfig::instance());
-        delete fresh;
-        LmGuiConfig::setInstance(&first);
-        QCOMPARE(LmGuiConfig::instance(), &first);
-    }
-
-    void weekend()
-    {
-        QString week; // From Monday on.
-        for (int day = 0; day < 7; ++day)
-            week += LmGuiConfig().isWeekend(QDate(2024, 1, 1).addDays(day)) ? QLatin1Char('x') : QLatin1Char('-');
-        QCOMPARE(week, QStringLiteral("-----xx"));
-        QVERIFY(!LmGuiConfig().isWeekend(QDate()));
+        second.reset(); // Takes the instance with it, whichever that is.
+        const std::unique_ptr<LmGuiConfig> fresh(LmGuiConfig::instance());
+        QVERIFY(fresh && fresh.get() != &first && fresh.get() == LmGuiConfig::instance());
     }
 
     void translationIsTheFirstThatThereIs()
@@ -66,34 +82,81 @@ private Q_SLOTS:
                 QVERIFY(QFile::copy(SAMPLE_TRANSLATION, file + ".qm"));
 
             QTranslator translator;
-            for (int i = 0; i < 2; ++i) {
-                const MessageCapture log;
-                QCOMPARE(lmInstallTranslator(translator, {"mc_de_DE", "mc_en_GB"}, {"host", "own"}), !files.isEmpty());
-                QCOMPARE(log.texts(QtWarningMsg, "default") + log.texts(QtInfoMsg, "default"), expected);
-                QCOMPARE(QCoreApplication::translate("Sample", "working text"),
-                         QString(files.isEmpty() ? "working text" : "displayed text"));
-            }
-            // A failure leaves the translator out.
             const MessageCapture log;
+            QCOMPARE(lmInstallTranslator(translator, {"mc_de_DE", "mc_en_GB"}, {"host", "own"}), !files.isEmpty());
+            QCOMPARE(log.texts(QtWarningMsg, "default") + log.texts(QtInfoMsg, "default"), expected);
+            QCOMPARE(QCoreApplication::translate("Sample", "working text"),
+                     QString(files.isEmpty() ? "working text" : "displayed text"));
+            // A failure leaves the translator out.
             QVERIFY(!lmInstallTranslator(translator, {"mc_de_DE"}, {}));
             QVERIFY(!QCoreApplication::removeTranslator(&translator));
         }
         QDir::setCurrent(QDir::rootPath());
     }
 
-    void widgetOperations()
+    void helpButtonAloneIsRemoved()
     {
         QDialog dialog(nullptr, Qt::Dialog | Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
         const Qt::WindowFlags flags = dialog.windowFlags();
         lmRemoveHelpButton(&dialog);
         QCOMPARE(dialog.windowFlags(), flags & ~Qt::WindowContextHelpButtonHint);
+    }
 
-        QLabel label;
-        qApp->setStyleSheet(QStringLiteral("QLabel[Mark=\"true\"] { color: #59c68c }"));
-        label.ensurePolished();
-        label.setProperty("Mark", true);
-        lmRepolish(&label);
-        QCOMPARE(label.palette().color(QPalette::WindowText), QColor(0x59, 0xc6, 0x8c));
+    void boxHasRoomForItsTexts()
+    {
+        QCOMPARE(LmMessageBox(nullptr).minimumWidth(), 101);
+        const QString text = QStringLiteral("A title that is a good deal longer than any text below it");
+        LmMessageBox box(QMessageBox::Question, text, QStringLiteral("Two"), QMessageBox::Ok, nullptr);
+        QVERIFY(fits(box.minimumWidth(), box, text, 100));
+        QVERIFY(box.windowFlags() & Qt::MSWindowsFixedSizeDialogHint);
+
+        const QAbstractButton* ok = box.button(QMessageBox::Ok);
+        box.setButtonText(QMessageBox::Ok, QStringLiteral("i"));
+        QCOMPARE(ok->minimumWidth(), 60);
+        box.setButtonText(QMessageBox::Ok, text);
+        QVERIFY(fits(ok->minimumWidth(), box, text, 50) && ok->text() == text);
+    }
+
+    void displayedMessageGoesUpTheChain()
+    {
+        RecordingParent parent(nullptr);
+        QWidget stranger;
+        for (int icon = QMessageBox::NoIcon; icon <= QMessageBox::Question; ++icon) {
+            for (QWidget* owner : {static_cast<QWidget*>(&parent), &stranger, static_cast<QWidget*>(nullptr)})
+                LmMessageBox(QMessageBox::Icon(icon), QStringLiteral("Title %1").arg(icon), QStringLiteral("; text"),
+                             QMessageBox::Ok, owner)
+                    .logDisplayedMessage();
+        }
+        // The box only forwards, so every level arrives as a critical message.
+        QCOMPARE(parent.records, QStringList({"Title 1; text", "Title 2; text", "Title 3; text"}));
+    }
+
+    void tooltipStaysWithinTheScreens()
+    {
+        const QRect screen = QGuiApplication::primaryScreen()->geometry();
+        LmTooltip tooltip(nullptr);
+        tooltip.resize(100, 30);
+        tooltip.show();
+        sendMouse(tooltip, QEvent::MouseButtonPress, {5.6, 4.4}, {}); // Held at (6, 4).
+        const std::pair<QPointF, QPoint> drags[] = {
+            {{-300, -900}, {screen.left(), -904}},
+            {{9000, 60}, {screen.right() - 100, 56}},
+            {{50.4, 60.6}, {44, 57}},
+        };
+        for (const auto& [mouse, position] : drags) {
+            sendMouse(tooltip, QEvent::MouseMove, {}, mouse);
+            QCOMPARE(tooltip.pos(), position);
+        }
+        sendMouse(tooltip, QEvent::MouseButtonRelease, {}, {});
+        sendMouse(tooltip, QEvent::MouseMove, {}, {10, 80});
+        QCOMPARE(tooltip.pos(), QPoint(44, 57));
+
+        // What grows is held at the right and bottom edge, and what is larger than the screen at the top.
+        tooltip.move(screen.right() - 110, screen.bottom() - 40);
+        tooltip.resize(120, 50);
+        QCOMPARE(tooltip.pos(), QPoint(screen.right() - 120, screen.bottom() - 50));
+        tooltip.resize(120, screen.height() + 9);
+        QCOMPARE(tooltip.pos(), QPoint(screen.right() - 120, screen.top()));
     }
 };
 
