@@ -24,7 +24,7 @@ class StatusFileParser final : public QObject
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(StatusFileParser)
 
-    QThread m_thread; // first, as all else goes before it
+    QThread m_thread; // declared first, and so destroyed last
 
 public:
     /// The values of m_state.

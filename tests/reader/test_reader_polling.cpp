@@ -111,7 +111,7 @@ private Q_SLOTS:
         row("lower case", {{20, "done", "", 7, "btread"}}, ample, "finished(1), mcp Stop [1], status 2, state 2");
         row("long after start", {{20, "running"}, {1300, "done"}}, shortStart,
             "finished(1), mcp Stop [1], status 2, state 2");
-        row("other's abort", {{0, "running"}, {400, "running", "", 0, "ABORT"}, {400, "done", "", 0, "Abort"}}, ample,
+        row("other's abort", {{0, "running"}, {400, "failed", "", 0, "ABORT"}, {400, "done", "", 0, "Abort"}}, ample,
             "finished(0), mcp Stop [0], status 2, state 2");
         row("own abort", {{20, "done"}}, {20, 10, 5}, "finished(1), mcp Stop [1], status 2, state 2", nullptr, "ABORT");
 
