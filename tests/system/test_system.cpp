@@ -114,7 +114,7 @@ void SystemTest::wholeRun_data()
                                   << QStringList{"<== <ABORT > submitted.",
                                                  "==> [Main dialog] Prepare (abort old running) succeeded.",
                                                  "<== <BTISPAIRED P-1> submitted.", "MAC verified"};
-    QTest::newRow("no-pump") << QStringList{"--pair", "MV-211460=P-2"}
+    QTest::newRow("no-pump") << QStringList{"--pair", "MV-204817=P-2"}
                              << ToMainDialog +
                                     "wait m_addPumpButton enabled within 40\n"
                                     "expect m_readPumpButton disabled\n"
