@@ -157,8 +157,9 @@ QString Story::look() const
     } else {
         if (isShown("m_ResultLabel"))
             parts << "result";
-        if (isShown("m_BusyLabel"))
-            parts << (child<QLabel>(*dialog, "m_BusyLabel")->movie()->state() == QMovie::Running ? "busy" : "idle");
+        const QMovie* movie = child<QLabel>(*dialog, "m_BusyLabel")->movie();
+        if (isShown("m_BusyLabel") && !movie->currentPixmap().isNull())
+            parts << (movie->state() == QMovie::Running ? "busy" : "idle");
         parts << child<QLabel>(*dialog, "m_MessageLabel")->text()
               << QString::number(child<QProgressBar>(*dialog, "m_ProgressBar")->value())
               << child<QLabel>(*dialog, "m_ProgressLabel")->text();

@@ -18,6 +18,9 @@ namespace {
 
 const QByteArray Devices = "<DEVICELIST><DEVICE><SERIALNR>PU1</SERIALNR></DEVICE>"
                            "<DEVICE><SERIALNR>PU12</SERIALNR></DEVICE></DEVICELIST>";
+const QByteArray OtherDevices = "<DEVICELIST><DEVICE><SERIALNR>PU1</SERIALNR></DEVICE>"
+                                "<DEVICE><SERIALNR>PU123</SERIALNR></DEVICE>"
+                                "<DEVICE><SERIALNR>pu12</SERIALNR></DEVICE></DEVICELIST>";
 
 } // namespace
 
@@ -110,7 +113,7 @@ void ReadoutPumpControlTest::endsEachWay()
     ReadoutPumpControl control;
     prepare(reader, control);
     for (const QString& file : files.split(' ', Qt::SkipEmptyParts))
-        QVERIFY(file.endsWith('/') ? QDir(reader.misc()).mkdir(file.chopped(1)) : reader.writeFile(file, "<x/>"));
+        QVERIFY(file.endsWith('/') ? QDir(reader.misc()).mkdir(file.chopped(1)) : reader.writeFile(file, OtherDevices));
     const QString path = found.isEmpty() ? "before" : reader.misc() + '/' + found;
     StatusFileParser* parser = StatusFileParser::instance();
     const auto endRun = [&] {
