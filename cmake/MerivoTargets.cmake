@@ -24,7 +24,8 @@ endfunction()
 
 # merivo_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [TIMEOUT seconds])
 #
-# A QtTest executable that runs without a display. The label "polling" selects it for the ThreadSanitizer run.
+# A QtTest executable that runs without a display. The label "polling" puts it into the target polling_tests, which is
+# all that the ThreadSanitizer run builds.
 function(merivo_add_test name)
     cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
     if(NOT arg_TIMEOUT)
@@ -35,6 +36,9 @@ function(merivo_add_test name)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
     target_link_libraries(${name} PRIVATE ${arg_LINKS} Qt5::Test merivo_options)
     add_test(NAME ${name} COMMAND ${name})
+    if("polling" IN_LIST arg_LABELS)
+        add_dependencies(polling_tests ${name})
+    endif()
     merivo_set_test_properties(${name} ${arg_TIMEOUT} "${arg_LABELS}")
 endfunction()
 
