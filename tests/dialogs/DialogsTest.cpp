@@ -29,6 +29,7 @@ namespace {
 
 RecordingHost s_host;
 const QStringList Patient{"Doe", "Jane", "1970-02-03", "X1"};
+const QStringList LongName{"Featherstonehaugh-Cholmondeley", "Maximilian Alexander", "1970-02-03", "Ward 12, Room 4"};
 
 template <typename Widget>
 Widget* child(const QWidget& window, const QString& name)
@@ -124,7 +125,7 @@ void Story::perform(const QString& step)
         box->setStandardButtons(QDialogButtonBox::Cancel | QDialogButtonBox::StandardButton(words[1].toInt()));
         box->button(QDialogButtonBox::StandardButton(words[1].toInt()))->click();
     } else if (words[0] == "report")
-        Q_EMIT dialog->findChild<ReadoutPumpControl*>()->readoutProgress("PU1234", words[1].toInt());
+        Q_EMIT dialog->findChild<ReadoutPumpControl*>()->readoutProgress(words.value(2, "PU1234"), words[1].toInt());
     else if (words[0] == "state")
         StatusFileParser::instance()->m_state = words[1].toInt();
     else if (words[0] == "file")
@@ -428,10 +429,10 @@ void DialogsTest::canBeReadAndReached_data()
                              "main-pump,end +2 PU-1003456789",
                              "main-simulation,end +2 PU-1003456789",
                              "read-waiting,",
-                             "read-reading,m_ReadButton,report 42",
+                             "read-reading,m_ReadButton,report 42 PU-1003456789",
                              "read-completed,file I1.xml,m_ReadButton,end +2",
-                             "read-simulation,report 42",
-                             "read-failed,m_ReadButton,report 42,end -4"};
+                             "read-simulation,report 42 PU-1003456789",
+                             "read-failed,m_ReadButton,report 42 PU-1003456789,end -4"};
     for (const QString& state : states) {
         for (const char* language : {"source", "displayed"})
             QTest::addRow("%s-%s", qPrintable(state.section(',', 0, 0)), language) << state.section(',', 1);
@@ -448,7 +449,8 @@ void DialogsTest::canBeReadAndReached()
     qApp->setStyleSheet(
         "*[BigSizeFont=\"true\"] { font-size: 14pt; } *[HighlightFont=\"true\"] { font-weight: bold; }");
     Story story(isMain, row.endsWith("displayed"),
-                row.contains("simulation") ? "/home/clinic/Documents/Simulated reader/Test drive 2" : "");
+                row.contains("simulation") ? "/home/clinic/Documents/Simulated reader/Test drive 2" : "", "done",
+                row.contains("simulation") ? LongName : Patient);
     story.dialog->show();
     for (const QString& step : steps.split(',', Qt::SkipEmptyParts))
         story.perform(step);
