@@ -14,8 +14,10 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <ctime>
 #include <random>
 
 namespace {
@@ -26,7 +28,7 @@ struct Size
     int roundsFactor; ///< a small file is quickly done, and needs more rounds for a steady median
 };
 
-constexpr std::array<Size, 3> Sizes{{{1, 16}, {8, 4}, {64, 1}}};
+constexpr std::array<Size, 3> Sizes{{{1, 10}, {8, 4}, {64, 1}}};
 constexpr int Mebibyte = 1024 * 1024;
 const QString DatabaseGuid = QStringLiteral("{d2f7a4a0-0001-4c1e-9a55-000000000001}");
 
@@ -115,37 +117,36 @@ int main(int argc, char** argv)
     QCommandLineOption child(childOption, {}, QStringLiteral("FILE"));
     child.setFlags(QCommandLineOption::HiddenFromHelp);
     report.parser.addOption(child);
-    report.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds with the largest file."), 10);
+    report.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds with the largest file."), 20);
     report.parse();
     if (report.parser.isSet(childOption))
         return runAsChild(report.parser.value(childOption));
 
     const QTemporaryDir folder;
     std::vector<double> memory;
-    for (const auto [size, roundsFactor] : Sizes) {
+    for (const auto [mebibytes, roundsFactor] : Sizes) {
         const int rounds = roundsFactor * report.number(QStringLiteral("rounds"));
-        const QString path = folder.filePath(QStringLiteral("I%1.xml").arg(size));
-        if (!writeFile(path, size))
+        const QString path = folder.filePath(QStringLiteral("I%1.xml").arg(mebibytes));
+        if (!writeFile(path, mebibytes))
             return benchmarkFailed(QStringLiteral("can't write %1").arg(path));
         if (commandMac(path) != bareMac(path))
             return benchmarkFailed(QStringLiteral("the two MACs of %1 differ").arg(path));
 
-        std::vector<double> ours;
-        std::vector<double> ratios;
+        // Processor time, as nothing here waits for a disk, and the fastest call of each, as whatever disturbs the
+        // machine only ever adds to it.
+        std::array<double, 2> fastest{1e9, 1e9};
         for (int i = 0; i < rounds; ++i) {
-            std::array<double, 2> times{};
             for (const int turn : {i % 2, 1 - i % 2}) {
-                const BenchClock::time_point start = BenchClock::now();
+                const std::clock_t start = std::clock();
                 turn == 0 ? commandMac(path) : bareMac(path);
-                times.at(static_cast<std::size_t>(turn)) = millisecondsSince(start);
+                const double time = 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+                double& best = fastest.at(static_cast<std::size_t>(turn));
+                best = std::min(best, time);
             }
-            ours.push_back(times[0]);
-            ratios.push_back(times[0] / times[1]);
         }
-        report.add(QStringLiteral("fileMac() / bare loop, %1 MiB, median").arg(size), percentile(ratios, 0.5),
-                   QStringLiteral("times"), 1.05);
-        report.tell(QStringLiteral("fileMac() of %1 MiB, median").arg(size), percentile(ours, 0.5),
-                    QStringLiteral("ms"));
+        report.add(QStringLiteral("fileMac() / bare loop, %1 MiB, fastest of each").arg(mebibytes),
+                   fastest[0] / fastest[1], QStringLiteral("times"), 1.05);
+        report.tell(QStringLiteral("fileMac() of %1 MiB, fastest").arg(mebibytes), fastest[0], QStringLiteral("ms"));
         memory.push_back(static_cast<double>(memoryForMac(path)));
     }
 

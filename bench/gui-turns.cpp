@@ -100,6 +100,7 @@ private:
 std::vector<double> lengths(const std::vector<TurnMeter::Turn>& turns)
 {
     std::vector<double> values;
+    values.reserve(turns.size());
     for (const TurnMeter::Turn& turn : turns)
         values.push_back(turn.milliseconds);
     return values;
@@ -119,6 +120,38 @@ IComponent* startPlugin(QObject* instance, RecordingHost& host, const QString& f
     return plugin->components().value(0);
 }
 
+/// Ends the program from within a run, whose objects are in the midst of their work and can't be taken down.
+[[noreturn]] void giveUp(const QString& why)
+{
+    std::_Exit(benchmarkFailed(why));
+}
+
+/// @p firstReadOut is how many of the turns belong to the first read-out, in which nothing is cached yet.
+void tellTurns(Report& report, const TurnMeter& meter, std::size_t firstReadOut)
+{
+    const std::vector<double> all = lengths(meter.turns);
+    const auto border = all.cbegin() + static_cast<std::ptrdiff_t>(firstReadOut);
+    const std::vector<double> first(all.cbegin(), border);
+    const std::vector<double> later(border, all.cend());
+    const QString unit = QStringLiteral("ms");
+    report.add(QStringLiteral("the loop stands still, 99th percentile of all turns"), percentile(all, 0.99), unit, 16);
+    report.add(QStringLiteral("the same of the first read-out alone"), percentile(first, 0.99), unit, 16);
+    report.tell(QStringLiteral("maximum, in the first read-out"), percentile(first, 1), unit);
+    report.tell(QStringLiteral("maximum, in the later ones"), percentile(later, 1), unit);
+    report.tell(QStringLiteral("maximum in the waits, beyond their steps of 20 ms"),
+                percentile(lengths(meter.waitingTurns), 1), unit);
+    report.tell(QStringLiteral("all read-outs"), static_cast<double>(all.size()), QStringLiteral("turns"));
+}
+
+void listLongest(std::vector<TurnMeter::Turn> turns)
+{
+    std::sort(turns.begin(), turns.end(),
+              [](const auto& left, const auto& right) { return left.milliseconds > right.milliseconds; });
+    turns.resize(std::min<std::size_t>(20, turns.size()));
+    for (const TurnMeter::Turn& turn : turns)
+        std::fprintf(stderr, "%8.2f ms  %s\n", turn.milliseconds, qUtf8Printable(turn.during));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -126,10 +159,10 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     Report report(QStringLiteral("How long the GUI thread's event loop stands still in a read-out (%1)")
                       .arg(QGuiApplication::platformName()));
-    const QString verboseOption = QStringLiteral("longest");
+    const QString longestOption = QStringLiteral("longest");
     report.addNumber(QStringLiteral("rounds"), QStringLiteral("Read-outs."), 5);
     report.addNumber(QStringLiteral("exchange-size"), QStringLiteral("Size of the exchange file, in KiB."), 512);
-    report.parser.addOption({verboseOption, QStringLiteral("List the longest turns on standard error.")});
+    report.parser.addOption({longestOption, QStringLiteral("List the longest turns on standard error.")});
     report.parse();
     const auto rounds = static_cast<std::size_t>(report.number(QStringLiteral("rounds")));
 
@@ -156,9 +189,8 @@ int main(int argc, char** argv)
             .arg(readOuts + 1)
             .arg(log.isEmpty() ? QString() : log.last());
     });
-    const QString allTurns = QStringLiteral("the loop stands still, 99th percentile of all turns");
     if (!meter.isMeasuring()) {
-        report.lack(allTurns, QStringLiteral("no GLib event dispatcher"));
+        report.lack(QStringLiteral("how long the loop stands still"), QStringLiteral("no GLib event dispatcher"));
         return report.print();
     }
 
@@ -166,11 +198,12 @@ int main(int argc, char** argv)
     QPushButton window(component->menuText());
     window.setIcon(component->icon());
     const User user(&window);
-    std::vector<std::size_t> ends; // how many turns there were at the end of each read-out
+    std::size_t firstReadOut = 0;
     QObject::connect(&window, &QPushButton::clicked, &window, [&] {
         if (!component->execute(&window))
-            std::exit(benchmarkFailed(QStringLiteral("the plug-in refused the run")));
-        ends.push_back(meter.turns.size());
+            giveUp(QStringLiteral("the plug-in refused the run"));
+        if (readOuts == 0)
+            firstReadOut = meter.turns.size();
         ++readOuts;
         if (readOuts == rounds)
             QCoreApplication::quit();
@@ -178,7 +211,7 @@ int main(int argc, char** argv)
             QTimer::singleShot(PauseMs, &window, &QPushButton::click);
     });
     QTimer::singleShot(PatienceMs * static_cast<int>(rounds), &window,
-                       [] { std::exit(benchmarkFailed(QStringLiteral("the read-outs don't come to an end"))); });
+                       [] { giveUp(QStringLiteral("the read-outs don't come to an end")); });
     window.show();
     QTimer::singleShot(PauseMs, &window, [&] {
         meter.keep(true);
@@ -190,25 +223,8 @@ int main(int argc, char** argv)
             QStringLiteral("only %1 of the read-outs gave an import").arg(host.commandHandler.imports.size()));
     }
 
-    const std::vector<double> times = lengths(meter.turns);
-    const std::vector<double> first(times.cbegin(), times.cbegin() + static_cast<std::ptrdiff_t>(ends.front()));
-    const QString unit = QStringLiteral("ms");
-    report.add(allTurns, percentile(times, 0.99), unit, 16);
-    report.add(QStringLiteral("the same of the first read-out alone"), percentile(first, 0.99), unit, 16);
-    report.tell(QStringLiteral("maximum, in the first read-out"), percentile(first, 1), unit);
-    report.tell(QStringLiteral("maximum, in the later ones"),
-                percentile({times.cbegin() + static_cast<std::ptrdiff_t>(ends.front()), times.cend()}, 1), unit);
-    report.tell(QStringLiteral("maximum in the waits, beyond their steps of 20 ms"),
-                percentile(lengths(meter.waitingTurns), 1), unit);
-    report.tell(QStringLiteral("%1 read-outs").arg(rounds), static_cast<double>(times.size()), QStringLiteral("turns"));
-
-    if (report.parser.isSet(verboseOption)) {
-        std::sort(meter.turns.begin(), meter.turns.end(),
-                  [](const auto& left, const auto& right) { return left.milliseconds > right.milliseconds; });
-        for (std::size_t i = 0; i < std::min<std::size_t>(30, meter.turns.size()); ++i) {
-            std::fprintf(stderr, "%8.2f ms  %s\n", meter.turns.at(i).milliseconds,
-                         qUtf8Printable(meter.turns.at(i).during));
-        }
-    }
+    tellTurns(report, meter, firstReadOut);
+    if (report.parser.isSet(longestOption))
+        listLongest(meter.turns);
     return report.print();
 }

@@ -89,11 +89,12 @@ int main(int argc, char** argv)
         return report.print();
     }
 
-    const QTemporaryDir drive(report.parser.value(folderOption) + QStringLiteral("/merivo-bench-XXXXXX"));
+    const QString folder = report.parser.value(folderOption);
+    const QTemporaryDir drive(folder + QStringLiteral("/merivo-bench-XXXXXX"));
     const QString status = drive.filePath(QStringLiteral("MISC/STATUS.TXT"));
     QFile file(status);
     if (!drive.isValid() || !QDir(drive.path()).mkdir(QStringLiteral("MISC")) || !file.open(QIODevice::WriteOnly))
-        return benchmarkFailed(QStringLiteral("can't write to %1").arg(drive.path()));
+        return benchmarkFailed(QStringLiteral("can't write to %1").arg(folder));
     file.write(ReaderFolder::statusText(QStringLiteral("Reader status 1"), QStringLiteral("BTREAD"),
                                         QStringLiteral("running"), QStringLiteral("1234567")));
     file.close();
