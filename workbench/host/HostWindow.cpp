@@ -84,8 +84,8 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     diaryName->setFont(nameFont);
     m_logFilter->setSourceModel(&log);
     setUpTables();
-    mainSplitter->setStretchFactor(0, 2);
-    mainSplitter->setStretchFactor(1, 3);
+    mainSplitter->setStretchFactor(1, 1);
+    mainSplitter->setSizes({430, 790});
     resizeDocks({logDock}, {220}, Qt::Vertical);
     viewMenu->addAction(logDock->toggleViewAction());
     for (const HostLog::Level level : {HostLog::Trace, HostLog::Info, HostLog::Warning, HostLog::Error})
@@ -146,7 +146,7 @@ void HostWindow::setUpTables()
     const int unit = logTable->fontMetrics().averageCharWidth();
     logTable->setColumnWidth(HostLog::TimeColumn, unit * 15);
     logTable->setColumnWidth(HostLog::LevelColumn, unit * 13);
-    logTable->setColumnWidth(HostLog::SourceColumn, unit * 18);
+    logTable->setColumnWidth(HostLog::SourceColumn, unit * 21);
     logTable->setColumnWidth(HostLog::MessageColumn, unit * 60);
     logTable->horizontalHeader()->setStretchLastSection(true);
     logTable->horizontalHeader()->setHighlightSections(false);
@@ -283,7 +283,9 @@ void HostWindow::refreshDiary()
     const QVector<ImportFacts> imports = m_database.imports(patient.puid);
     reportDatabaseError();
     for (const ImportFacts& facts : imports) {
-        m_imports.appendRow(rowOf({QLocale().toString(facts.importedAt.toLocalTime(), QLocale::ShortFormat),
+        const QDateTime importedAt = facts.importedAt.toLocalTime();
+        m_imports.appendRow(rowOf({QLocale().toString(importedAt.date(), QLocale::ShortFormat) +
+                                       importedAt.toString(QStringLiteral(" hh:mm")),
                                    facts.fileName, QLocale::c().formattedDataSize(facts.fileSize),
                                    tr("verified, %1").arg(facts.deviceState), facts.mac}));
     }
