@@ -230,7 +230,7 @@ void HostProgramImportTest::unusableDatabaseIsTold()
     if (kind == QLatin1String("text"))
         QVERIFY(writeFile(path, QByteArray(5000, 'a')));
     else if (kind == QLatin1String("cut"))
-        QVERIFY(QFile::resize(path, 3 * 4096));
+        QVERIFY(QFile::resize(path, qint64(3) * 4096));
     else if (kind == QLatin1String("folder"))
         path = m_folder->path();
     else if (kind == QLatin1String("orphan"))

@@ -17,7 +17,7 @@
 namespace {
 
 /// Far above what a pump holds, and well below what one database field takes.
-constexpr qint64 MaxFileSize = 256 * 1024 * 1024;
+constexpr qint64 MaxFileSize = qint64(256) * 1024 * 1024;
 
 ImportOutcome refused(const QString& sentence)
 {

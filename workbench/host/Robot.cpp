@@ -394,8 +394,8 @@ Robot::Outcome Robot::expect(const RobotStep& step)
 
 Robot::Outcome Robot::checkCondition(const QStringList& words)
 {
-    const QString subject = words.at(0);
-    const QString object = words.at(1);
+    const QString& subject = words.at(0);
+    const QString& object = words.at(1);
     if (subject == QLatin1String("box"))
         return checkBox(words, 1);
     if (subject == QLatin1String("dialog")) {
@@ -422,7 +422,7 @@ Robot::Outcome Robot::checkWidget(const QStringList& words)
     QWidget* widget = WidgetFinder::widget(words.at(0));
     if (!widget)
         return waiting(QStringLiteral("there is no '%1'; ").arg(words.at(0)) + WidgetFinder::describeWindows());
-    const QString state = words.at(1);
+    const QString& state = words.at(1);
     if (state == QLatin1String("text")) {
         const QString text = WidgetFinder::textOf(widget);
         const bool isRight = words.at(2) == QLatin1String("equals") ? WidgetFinder::textEquals(text, words.at(3))

@@ -100,8 +100,8 @@ bool isNumber(const QString& word)
 /// What is wrong with the condition of a wait or an expect; empty: nothing.
 QString whatIsWrongWithCondition(const QStringList& words)
 {
-    const QString subject = words.at(0);
-    const QString second = words.at(1);
+    const QString& subject = words.at(0);
+    const QString& second = words.at(1);
     if (subject == QLatin1String("box"))
         return areBoxTexts(words, 1) ? QString() : QStringLiteral("box takes 'title T' and 'text T'");
     if (subject == QLatin1String("dialog")) {
