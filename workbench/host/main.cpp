@@ -100,6 +100,9 @@ int main(int argc, char** argv)
     QApplication::setApplicationName(QStringLiteral("merivo-host"));
     QApplication::setApplicationDisplayName(QStringLiteral("Merivo Host"));
     QApplication::setApplicationVersion(QLatin1String(MERIVO_PLUGIN_VERSION));
+    // Plug-ins mark what shall stand out and leave the looks to the application.
+    application.setStyleSheet(QStringLiteral("QLabel[HighlightFont=\"true\"] { font-weight: bold; }"
+                                             "QLabel[BigSizeFont=\"true\"] { font-size: 16pt; }"));
 
     HostApplication host;
     for (const QString& text : qAsConst(earlyMessages))
