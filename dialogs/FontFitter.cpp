@@ -7,6 +7,7 @@
 #include <QFontInfo>
 #include <QLayout>
 #include <QPushButton>
+#include <QVector>
 
 #include <algorithm>
 
@@ -14,7 +15,6 @@ namespace {
 
 constexpr int SmallestPixelSize = 10;
 constexpr qreal Step = 0.5;
-constexpr int MostSteps = 40;
 
 } // namespace
 
@@ -49,15 +49,22 @@ bool FontFitter::fits() const
 
 bool FontFitter::shrink()
 {
-    bool shrunk = false;
-    // Each widget for itself: under a style sheet of the application a widget's font doesn't follow its parent's.
+    // All fonts first: a widget without a font of its own follows its parent's, and would take the step twice.
     const QList<QWidget*> widgets = m_dialog->findChildren<QWidget*>();
-    for (QWidget* widget : widgets) {
-        QFont font = widget->font();
-        if (font.pointSizeF() <= Step || QFontInfo(font).pixelSize() <= SmallestPixelSize)
+    QVector<QFont> fonts;
+    for (const QWidget* widget : widgets)
+        fonts.append(widget->font());
+
+    bool shrunk = false;
+    for (int i = 0; i < widgets.size(); ++i) {
+        QFont& font = fonts[i];
+        if (QFontInfo(font).pixelSize() <= SmallestPixelSize)
             continue;
-        font.setPointSizeF(font.pointSizeF() - Step);
-        widget->setFont(font);
+        if (font.pointSizeF() > 0) // a style sheet may have it in pixels
+            font.setPointSizeF(font.pointSizeF() - Step);
+        else
+            font.setPixelSize(font.pixelSize() - 1);
+        widgets.at(i)->setFont(font);
         shrunk = true;
     }
     m_dialog->layout()->activate();
@@ -66,11 +73,15 @@ bool FontFitter::shrink()
 
 void FontFitter::fit()
 {
-    if (fits())
-        return;
-    // Bounded: a style sheet can hold a font where it is.
-    for (int step = 0; step < MostSteps && !fits() && shrink(); ++step)
-        ;
+    bool shrunk = false;
+    while (m_stepsLeft > 0 && !fits()) {
+        --m_stepsLeft;
+        if (shrink())
+            shrunk = true;
+        else
+            m_stepsLeft = 0;
+    }
     // The layout's own minimum may have pushed the dialog to a larger size before.
-    m_dialog->resize(m_room);
+    if (shrunk)
+        m_dialog->resize(m_room);
 }

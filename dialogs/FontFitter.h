@@ -30,4 +30,7 @@ private:
 
     QDialog* m_dialog;
     const QSize m_room; ///< the size that the form gives the dialog
+    /// Each step asks for a new layout, and that for the next look. A style sheet of the application can hold a font
+    /// where it is, so that no step helps: their number is bounded for the dialog's whole life.
+    int m_stepsLeft = 40;
 };
