@@ -23,7 +23,7 @@ class CommandFileWriter final : public QObject
 
 public:
     /// Destroys the writer that there is and makes the one for the reader's working directory "MISC" on that drive. The
-    /// caller deletes it at the end of the run.
+    /// caller deletes it at the end of the run, behind the status file parser, whose polling reads m_lastCommand.
     static CommandFileWriter* create(const QString& drivePath);
     /// The writer that create() made, from then until its destruction; null outside of that.
     static CommandFileWriter* instance();

@@ -18,7 +18,8 @@
 /// submitted last. The time base is the wall clock: setting the clock moves the limits.
 ///
 /// The object is made, used and deleted on the GUI thread; its signals come from the worker thread and reach objects of
-/// the GUI thread queued. No lock exists: values cross between the two by handOver() or as an atomic.
+/// the GUI thread queued. No lock exists: values cross between the two by handOver(), as an atomic, or as a signal's
+/// own number.
 class StatusFileParser final : public QObject
 {
     Q_OBJECT
@@ -39,7 +40,8 @@ public:
     static StatusFileParser* create(const QString& drivePath);
     /// The parser that create() made, from then until its destruction; null outside of that.
     static StatusFileParser* instance();
-    /// Joins the worker thread. A tick that is still to come is dropped, and nothing is emitted.
+    /// Joins the worker thread. A tick that is still to come is dropped, and nothing is emitted for it. A tick under
+    /// way ends first, and its signals may still arrive: destroy their receivers before the event loop turns again.
     ~StatusFileParser() override;
 
     /// Begins a polling run for the command that CommandFileWriter just submitted. Reads the status once, on the
@@ -51,7 +53,8 @@ public:
     void start(int timeoutSec, int startingSec, int delayMs);
     /// Asks the run to end, which its next tick does with finished(true) and a record of status Canceled. After a run
     /// that didn't end by a status, the request waits for the first tick of the next one. Without effect in state
-    /// Ended.
+    /// Ended. Between start() and the begin of the run the state is still that of the run before: behind one that ended
+    /// by a status, a cancel within the pause ahead of the first tick is lost.
     void cancel();
 
     /// One forced read: rewrites the trigger file, then reads the status file. A failure stands in the log and gives

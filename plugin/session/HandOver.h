@@ -20,9 +20,10 @@
 #include <sanitizer/tsan_interface.h>
 #endif
 
-// How the GUI thread and the polling thread meet: values cross by handOver(), and the thread ends by joinWorker(). The
-// locks of Qt's event queue and thread order the two sides. ThreadSanitizer can't see those, since Qt's libraries
-// aren't instrumented, so the order is told to it here, and nowhere else.
+// How the GUI thread and the polling thread meet: values cross by handOver(), all but atomics and the numbers that a
+// queued signal carries itself, and the thread ends by joinWorker(). The locks of Qt's event queue and thread order the
+// two sides. ThreadSanitizer can't see those, since Qt's libraries aren't instrumented, so the order is told to it
+// here, and nowhere else.
 
 /// What was done so far comes before what another thread does behind takeOrder() of the same place.
 inline void giveOrder([[maybe_unused]] void* place)
@@ -69,9 +70,9 @@ private:
     Action m_action;
 };
 
-/// Runs @p action later on the thread of @p target, by one queued event: the only way in which a value crosses between
-/// the GUI thread and the polling thread. Actions for one target run in the order in which one thread hands them over;
-/// those that are still waiting when the target goes away are dropped. Any thread may call it. Nothing blocks.
+/// Runs @p action later on the thread of @p target, by one queued event: the way for any value that is neither an
+/// atomic nor a signal's own number. Actions for one target run in the order in which one thread hands them over; those
+/// that are still waiting when the target goes away are dropped. Any thread may call it. Nothing blocks.
 template <typename Action>
 void handOver(QObject* target, Action action)
 {

@@ -91,14 +91,14 @@ private Q_SLOTS:
             "acquireDevice(1, '')\nbox|Merivo Connection|No lumo2 device reader is currently connected.\n"
             "err|-!- Plugin component execution failed: missing device reader||");
         row("no drive", "p1", "",
-            "acquireDevice(1, '')\nsetDeviceHold(1)\n"
+            "acquireDevice(1, '')\nsetDeviceHold(1)\ndrivePath\n"
             "box|Merivo Connection|No lumo2 device reader is currently connected.\n"
             "err|-!- Plugin component execution failed: missing device reader||\nsetDeviceHold(1)\ndevice deleted");
         row("old firmware", "p1", "old",
-            "acquireDevice(1, '')\nsetDeviceHold(1)\nbox|Merivo Connection|The Lumodevice has an old firmware. Please "
-            "update the DeviceReader and start the plugin again\nerr|-!- Plugin component execution failed: "
-            "unsupported "
-            "firmware version||\nsetDeviceHold(1)\ndevice deleted");
+            "acquireDevice(1, '')\nsetDeviceHold(1)\ndrivePath\nbox|Merivo Connection|The Lumodevice has an old "
+            "firmware. "
+            "Please update the DeviceReader and start the plugin again\nerr|-!- Plugin component execution failed: "
+            "unsupported firmware version||\nsetDeviceHold(1)\ndevice deleted");
     }
     void preconditions()
     {
@@ -164,7 +164,7 @@ private Q_SLOTS:
         // The dialog's own lines in between are its own affair.
         const QString text =
             QStringLiteral("mcp|--> Plugin component execution started||\n") +
-            (simulated ? "" : "acquireDevice(1, '')\nsetDeviceHold(1)\n") +
+            (simulated ? "" : "acquireDevice(1, '')\nsetDeviceHold(1)\ndrivePath\n") +
             QStringLiteral("mcp|Command file writer initialized.||%1\nmcp|Status file parser initialized.||%1\n"
                            "execute(3)\nmcp|--- Plugin component execution finishing||\n"
                            "mcp|Status file parser finishing.||%1\nmcp|Status file parser finished.||%1\n"

@@ -31,6 +31,12 @@ void RecordingServices::logLine(IPlugin* source, const QString& channel, const Q
     m_journal.add(QStringList{channel, message, detail1, detail2}.join(QLatin1Char('|')));
 }
 
+QString RecordingDevice::drivePath()
+{
+    m_journal.add(QStringLiteral("drivePath"));
+    return m_path;
+}
+
 IDevice* RecordingDeviceAdmin::acquireDevice(int type, const QString& name)
 {
     m_journal.add(QStringLiteral("acquireDevice(%1, '%2')").arg(type).arg(name));

@@ -71,7 +71,7 @@ public:
     void reserved14() override {}
     void reserved15() override {}
     void reserved16() override {}
-    QString drivePath() override { return m_path; }
+    QString drivePath() override;
 
 private:
     Journal& m_journal;

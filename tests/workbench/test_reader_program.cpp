@@ -58,8 +58,8 @@ public:
     explicit Bench(const Scenario& scenario = world(), bool instant = true)
     {
         startReader(scenario, instant);
-        m_parser.reset(StatusFileParser::create(path()));
         m_writer.reset(CommandFileWriter::create(path()));
+        m_parser.reset(StatusFileParser::create(path()));
     }
 
     void startReader(const Scenario& scenario, bool instant = true)
@@ -115,8 +115,8 @@ private:
     QTemporaryDir m_folder;
     std::unique_ptr<ReaderDrive> m_drive;
     std::unique_ptr<ReaderSimulator> m_reader;
-    std::unique_ptr<StatusFileParser> m_parser;
     std::unique_ptr<CommandFileWriter> m_writer;
+    std::unique_ptr<StatusFileParser> m_parser;
 };
 
 QByteArray commandFile(const QByteArray& command)
