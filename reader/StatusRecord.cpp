@@ -10,6 +10,8 @@ namespace {
 constexpr int CommandLabelLength = 4;
 constexpr int StatusLabelLength = 10;
 constexpr int ResultLabelLength = 10;
+/// No line of a reader is nearly as long; a file of garbage without line ends must not fill the memory.
+constexpr int MaxLineLength = 65536;
 
 CommandStatus statusOf(const QString& word)
 {
@@ -33,11 +35,11 @@ int errorOf(QString line)
 StatusRecord StatusRecord::fromText(QTextStream& text)
 {
     StatusRecord record;
-    record.header = text.readLine();
-    record.command = text.readLine().remove(0, CommandLabelLength);
-    record.status = statusOf(text.readLine().remove(0, StatusLabelLength));
-    record.result = text.readLine().remove(0, ResultLabelLength);
-    record.error = errorOf(text.readLine());
+    record.header = text.readLine(MaxLineLength);
+    record.command = text.readLine(MaxLineLength).remove(0, CommandLabelLength);
+    record.status = statusOf(text.readLine(MaxLineLength).remove(0, StatusLabelLength));
+    record.result = text.readLine(MaxLineLength).remove(0, ResultLabelLength);
+    record.error = errorOf(text.readLine(MaxLineLength));
     return record;
 }
 

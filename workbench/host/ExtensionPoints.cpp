@@ -6,11 +6,11 @@
 #include "host/IEventPublisher.h"
 #include "host/IPlugin.h"
 #include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostDates.h"
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"
 
 #include <QCoreApplication>
-#include <QLocale>
 
 HostServices::HostServices(HostLog& log, HostDatabase& database)
     : m_log(log)
@@ -19,7 +19,7 @@ HostServices::HostServices(HostLog& log, HostDatabase& database)
 
 QString HostServices::formatDate(const QDate& date)
 {
-    return QLocale().toString(date, QLocale::ShortFormat);
+    return shownDate(date);
 }
 
 QString HostServices::path(int kind)

@@ -43,6 +43,10 @@ bool HostApplication::start(const HostOptions& options, QString* error)
     }
     if (!options.drive.isEmpty())
         m_deviceAdmin.setDrivePath(QDir(options.drive).absolutePath());
+    if (!options.simulation.isEmpty() && !QDir(options.simulation).exists()) {
+        *error = QStringLiteral("--simulation: there is no folder '%1'").arg(options.simulation);
+        return false;
+    }
     m_importHandler.setSimulation(!options.simulation.isEmpty());
 
     const QString library = options.plugin.isEmpty() ? PluginHost::defaultLibrary() : options.plugin;

@@ -3,6 +3,7 @@
 #include "workbench/host/HostDatabase.h"
 
 #include <QCoreApplication>
+#include <QDate>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -281,6 +282,9 @@ bool HostDatabase::changePatient(const PatientRecord& patient)
 
 bool HostDatabase::changeOnePatient(const QString& statement, const PatientRecord& patient)
 {
+    const QString birthday = patient.ids.value(2);
+    if (!birthday.isEmpty() && !QDate::fromString(birthday, QStringLiteral("yyyy-MM-dd")).isValid())
+        return fail(QStringLiteral("'%1' isn't a birthday; write yyyy-MM-dd").arg(birthday));
     QSqlQuery query(m_connection);
     query.prepare(statement);
     for (int i = 0; i < 4; ++i)

@@ -5,6 +5,7 @@
 #include "host/IComponent.h"
 #include "host/IPlugin.h"
 #include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostDates.h"
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"
 #include "workbench/host/ImportHandler.h"
@@ -35,7 +36,7 @@ QString nameOf(const PatientRecord& patient)
 QString birthdayOf(const PatientRecord& patient)
 {
     const QDate date = QDate::fromString(patient.ids.value(2), QStringLiteral("yyyy-MM-dd"));
-    return date.isValid() ? QLocale().toString(date, QLocale::ShortFormat) : patient.ids.value(2);
+    return date.isValid() ? shownDate(date) : patient.ids.value(2);
 }
 
 QList<QStandardItem*> rowOf(const QStringList& texts)
@@ -120,6 +121,9 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     connect(&m_events, &IEventPublisher::patientCreated, this, &HostWindow::refresh);
     connect(&m_events, &IEventPublisher::patientChanged, this, &HostWindow::refresh);
     connect(&m_events, &IEventPublisher::patientDeleted, this, &HostWindow::refresh);
+    // A notice about the last patient's import mustn't stand above the next patient's diary.
+    connect(&m_events, &IEventPublisher::diarySessionOpened, messageBar, &QWidget::hide);
+    connect(&m_events, &IEventPublisher::diarySessionClosed, messageBar, &QWidget::hide);
     connect(&m_events, &IEventPublisher::diarySessionOpened, this, &HostWindow::refreshDiary);
     connect(&m_events, &IEventPublisher::diarySessionClosed, this, &HostWindow::refreshDiary);
     connect(&importHandler, &ImportHandler::finished, this, &HostWindow::onImportFinished);
@@ -256,10 +260,11 @@ void HostWindow::refreshPatients()
 {
     const QModelIndex selected = patientTable->currentIndex();
     const QString puid = selected.siblingAtColumn(0).data(PuidRole).toString();
-    m_patients.removeRows(0, m_patients.rowCount());
+    // A list that can't be read stays as it was: an empty one would look like lost patients.
     const QVector<PatientRecord> patients = m_database.patients();
     if (reportDatabaseError())
         return;
+    m_patients.removeRows(0, m_patients.rowCount());
     for (const PatientRecord& patient : patients) {
         const QList<QStandardItem*> row =
             rowOf({nameOf(patient), birthdayOf(patient), patient.ids.value(3), patient.puid});
@@ -281,16 +286,17 @@ void HostWindow::refreshDiary()
                                             : tr("Select a patient and open the diary."));
     m_imports.removeRows(0, m_imports.rowCount());
     const QVector<ImportFacts> imports = m_database.imports(patient.puid);
-    reportDatabaseError();
+    const bool isRead = !reportDatabaseError();
     for (const ImportFacts& facts : imports) {
         const QDateTime importedAt = facts.importedAt.toLocalTime();
-        m_imports.appendRow(rowOf({QLocale().toString(importedAt.date(), QLocale::ShortFormat) +
-                                       importedAt.toString(QStringLiteral(" hh:mm")),
+        m_imports.appendRow(rowOf({shownDate(importedAt.date()) + importedAt.toString(QStringLiteral(" hh:mm")),
                                    facts.fileName, QLocale::c().formattedDataSize(facts.fileSize),
                                    tr("verified, %1").arg(facts.deviceState), facts.mac}));
     }
     fitColumns(importTable);
-    importLabel->setText(imports.isEmpty() ? tr("&Imported pump files: none yet") : tr("&Imported pump files"));
+    importLabel->setText(!isRead             ? tr("&Imported pump files: the database can't be read now")
+                         : imports.isEmpty() ? tr("&Imported pump files: none yet")
+                                             : tr("&Imported pump files"));
     refreshActions();
 }
 

@@ -95,9 +95,9 @@ ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
     const auto earlier = m_database.findImport(patient->puid, QString::fromLatin1(mac));
     if (earlier) {
         return {ImportOutcome::Repeated,
-                tr("'%1' holds what was imported on %2 as '%3' already; nothing was stored again.")
+                tr("'%1' holds what was imported on %2 as '%3' already for the patient '%4'; nothing was stored again.")
                     .arg(name, earlier->importedAt.toLocalTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")),
-                         earlier->fileName)};
+                         earlier->fileName, patient->puid)};
     }
     ImportFacts facts;
     facts.puid = patient->puid;
@@ -109,7 +109,8 @@ ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
     // An error of the look-up for an earlier import shows here too, since the same database is written to.
     if (!m_database.addImport(facts, bytes))
         return refused(tr("Import of '%1' failed: %2.").arg(name, m_database.errorText()));
-    return {ImportOutcome::Stored, tr("'%1' imported: %2 bytes, MAC verified.").arg(name).arg(facts.fileSize)};
+    return {ImportOutcome::Stored, tr("'%1' imported: %2 bytes, MAC verified, for the patient '%3'.")
+                                       .arg(name, QString::number(facts.fileSize), patient->puid)};
 }
 
 QString ImportHandler::deviceState() const

@@ -209,6 +209,8 @@ Robot::Outcome Robot::addPatient(const RobotStep& step)
 Robot::Outcome Robot::openDiary(const RobotStep& step)
 {
     const auto patient = m_host.database().findPatient(step.words.at(0));
+    if (!m_host.database().errorText().isEmpty())
+        return failed(m_host.database().errorText());
     if (!patient)
         return failed(QStringLiteral("there is no patient '%1'").arg(step.words.at(0)));
     m_host.events().openDiary(*patient);
@@ -395,9 +397,9 @@ Robot::Outcome Robot::expect(const RobotStep& step)
 Robot::Outcome Robot::checkCondition(const QStringList& words)
 {
     const QString& subject = words.at(0);
-    const QString& object = words.at(1);
     if (subject == QLatin1String("box"))
         return checkBox(words, 1);
+    const QString& object = words.at(1);
     if (subject == QLatin1String("dialog")) {
         const bool isOpen = WidgetFinder::window(object) != nullptr;
         return isOpen == (words.at(2) == QLatin1String("open")) ? Outcome() : waiting(WidgetFinder::describeWindows());

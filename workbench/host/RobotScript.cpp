@@ -23,11 +23,11 @@ struct Arity
 /// How many words follow each verb.
 const QHash<QString, Arity> Verbs{
     {QStringLiteral("answer"), {1, 5}},      {QStringLiteral("click"), {1, 1}},   {QStringLiteral("close"), {1, 1}},
-    {QStringLiteral("close-diary"), {0, 0}}, {QStringLiteral("drive"), {1, 1}},   {QStringLiteral("expect"), {2, 5}},
+    {QStringLiteral("close-diary"), {0, 0}}, {QStringLiteral("drive"), {1, 1}},   {QStringLiteral("expect"), {1, 5}},
     {QStringLiteral("key"), {1, 2}},         {QStringLiteral("limit"), {1, 1}},   {QStringLiteral("open"), {1, 1}},
     {QStringLiteral("patient"), {2, 5}},     {QStringLiteral("picture"), {1, 2}}, {QStringLiteral("quit"), {0, 0}},
     {QStringLiteral("row"), {2, 2}},         {QStringLiteral("trigger"), {0, 1}}, {QStringLiteral("type"), {2, 2}},
-    {QStringLiteral("wait"), {2, 5}},
+    {QStringLiteral("wait"), {1, 5}},
 };
 
 const QStringList WidgetStates{QStringLiteral("visible"),  QStringLiteral("hidden"),  QStringLiteral("enabled"),
@@ -101,9 +101,11 @@ bool isNumber(const QString& word)
 QString whatIsWrongWithCondition(const QStringList& words)
 {
     const QString& subject = words.at(0);
-    const QString& second = words.at(1);
     if (subject == QLatin1String("box"))
         return areBoxTexts(words, 1) ? QString() : QStringLiteral("box takes 'title T' and 'text T'");
+    if (words.size() < 2)
+        return QStringLiteral("'%1' lacks its state").arg(subject);
+    const QString& second = words.at(1);
     if (subject == QLatin1String("dialog")) {
         const bool isGood =
             words.size() == 3 && (words.at(2) == QLatin1String("open") || words.at(2) == QLatin1String("closed"));

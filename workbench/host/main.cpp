@@ -78,6 +78,8 @@ int main(int argc, char** argv)
         arguments.append(QString::fromLocal8Bit(argv[i]));
     QString error;
     const HostOptions options = HostOptions::parse(arguments, &error);
+    if (error.endsWith(QLatin1Char('.'))) // as Qt's own sentences do
+        error.chop(1);
     if (!error.isEmpty())
         return report(WrongCall, error + QStringLiteral("; see --help"));
     if (options.help || options.version)

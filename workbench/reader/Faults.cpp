@@ -82,8 +82,8 @@ bool FaultSet::add(const QString& text, QString* error)
     }
     bool isNumber = false;
     const int number = value.toInt(&isNumber);
-    if (entry->value == FaultValue::Number && (!isNumber || number < 0))
-        return refuse(QStringLiteral("the value must be a whole number, 0 or above"));
+    if (entry->value == FaultValue::Number && (!isNumber || number < 1))
+        return refuse(QStringLiteral("the value must be a whole number, 1 or above"));
     if (entry->value == FaultValue::Text && value.isEmpty())
         return refuse(QStringLiteral("the value is empty"));
 

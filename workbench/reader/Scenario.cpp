@@ -105,7 +105,7 @@ Pump pumpFrom(const QJsonValue& value, const QString& path, QStringList* errors)
         const QStringList words = byCommand.names();
         for (const QString& word : words) {
             if (PumpCommands.contains(word))
-                byCommand.number(word, 0, std::numeric_limits<int>::max(), &pump.errors[word]);
+                byCommand.number(word, 1, std::numeric_limits<int>::max(), &pump.errors[word]);
         }
         byCommand.refuseOthers();
     }

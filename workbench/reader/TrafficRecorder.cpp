@@ -36,7 +36,8 @@ bool TrafficRecorder::start(const QString& fileName, QString* error)
         *error = QStringLiteral("%1: there is no such folder").arg(m_drivePath);
         return false;
     }
-    if (!m_file.open(QIODevice::WriteOnly)) {
+    // Never over an older recording: it may be the only one of a failure.
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         *error = QStringLiteral("%1: %2").arg(fileName, m_file.errorString());
         return false;
     }
