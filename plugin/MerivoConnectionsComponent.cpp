@@ -80,7 +80,7 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
     if (PatientSession::instance()->patientId().isEmpty()) {
         return fail(parent,
                     tr("No patient is selected. Please select first an patient and then start the plugin again."),
-                    QStringLiteral("missing patient"));
+                    QStringLiteral("-!- Plugin component execution failed: missing patient"));
     }
 
     std::shared_ptr<UsbDeviceAdapter> adapter; // Holds the reader for the whole run; a simulation has none.
@@ -90,13 +90,13 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
         drivePath = adapter->m_drivePath;
         if (drivePath.isEmpty()) {
             return fail(parent, tr("No lumo2 device reader is currently connected."),
-                        QStringLiteral("missing device reader"));
+                        QStringLiteral("-!- Plugin component execution failed: missing device reader"));
         }
         if (!checkFirmware(drivePath)) {
             return fail(parent,
                         tr("The Lumodevice has an old firmware. Please update the DeviceReader and start the plugin "
                            "again"),
-                        QStringLiteral("unsupported firmware version"));
+                        QStringLiteral("-!- Plugin component execution failed: unsupported firmware version"));
         }
     }
 
@@ -132,10 +132,9 @@ bool MerivoConnectionsComponent::checkFirmware(const QString& drivePath)
 }
 
 /// Ends a run that can't reach the dialog: the user first, then the log.
-bool MerivoConnectionsComponent::fail(QWidget* parent, const QString& text, const QString& reason) const
+bool MerivoConnectionsComponent::fail(QWidget* parent, const QString& text, const QString& logLine) const
 {
     LmMessageBox(QMessageBox::Warning, title(), text, QMessageBox::Ok, parent).exec();
-    Logger::instance(nullptr, nullptr)
-        ->write(QStringLiteral("-!- Plugin component execution failed: ") + reason, QStringLiteral("err"), {}, {});
+    Logger::instance(nullptr, nullptr)->write(logLine, QStringLiteral("err"), {}, {});
     return false;
 }

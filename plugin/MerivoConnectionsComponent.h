@@ -37,7 +37,7 @@ public:
     static bool checkFirmware(const QString& drivePath);
 
 private:
-    bool fail(QWidget* parent, const QString& text, const QString& reason) const;
+    bool fail(QWidget* parent, const QString& text, const QString& logLine) const;
 
     CommandController* m_commandController;
     MerivoConnectionsPlugin* m_plugin;
