@@ -3,8 +3,10 @@
 #pragma once
 
 #include <QObject>
+#include <QStringList>
 
 class ICommandHandler;
+class ImportDataCommand;
 
 /// The plug-in's command front towards the host. GUI thread only.
 class CommandController final : public QObject
@@ -19,6 +21,10 @@ public:
     /// text of the open database. Runs the host's handler before it returns; the outcome isn't followed. Needs
     /// m_commandHandler.
     void importData(const QString& dbGuid);
+
+    /// The import as a command line: the command's word, the pids that aren't empty by their numbers from 1, then
+    /// @p path and the command's fileMac(), each value in single quotes.
+    static QStringList importWords(const ImportDataCommand& command, const QString& path);
 
     /// The host's command handler, not owned; null until the plug-in has its extension points.
     ICommandHandler* m_commandHandler = nullptr;

@@ -50,6 +50,9 @@ public:
     /// The one component, the same at each call.
     QList<IComponent*> components() const override;
 
+    /// What the component's imports go through.
+    const CommandController& commandController() const { return m_commandController; }
+
 private:
     // In this order: the members go away in the reverse one, behind the component.
     CommandController m_commandController;

@@ -10,6 +10,7 @@ namespace {
 
 std::mutex s_mutex;
 QList<MessageCapture::Message> s_messages;
+QStringList* s_journal = nullptr;
 QtMessageHandler s_previous = nullptr;
 
 void capture(QtMsgType type, const QMessageLogContext& context, const QString& text)
@@ -18,14 +19,20 @@ void capture(QtMsgType type, const QMessageLogContext& context, const QString& t
     if (text == QLatin1String("This plugin does not support propagateSizeHints()"))
         return;
     const std::lock_guard<std::mutex> lock(s_mutex);
-    s_messages.append({type, QString::fromLatin1(context.category), text});
+    QString origin;
+    if (context.file || context.line || context.function)
+        origin = QStringLiteral("%1:%2 %3").arg(context.file).arg(context.line).arg(context.function);
+    s_messages.append({type, QString::fromLatin1(context.category), text, origin});
+    if (s_journal)
+        s_journal->append(QStringLiteral("qt|") + text);
 }
 
 } // namespace
 
-MessageCapture::MessageCapture()
+MessageCapture::MessageCapture(QStringList* journal)
 {
     clear();
+    s_journal = journal;
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=true\nplugin.*.debug=true"));
     s_previous = qInstallMessageHandler(capture);
 }

@@ -17,9 +17,11 @@ public:
         QtMsgType type;
         QString category;
         QString text;
+        QString origin; ///< "file:line function" as far as the message names them
     };
 
-    MessageCapture();
+    /// Each message gets a line "qt|text" in @p journal, if given, at the moment when it comes.
+    explicit MessageCapture(QStringList* journal = nullptr);
     ~MessageCapture();
 
     QList<Message> messages() const;

@@ -73,8 +73,6 @@ QMap<QString, PatientRecord> RecordingDatabase::patients(const QString& database
 IExtensionPoint* RecordingHost::extensionPoint(const QString& name)
 {
     journal.add(QStringLiteral("extensionPoint('%1')").arg(name));
-    if (empty)
-        return nullptr;
     const QHash<QString, IExtensionPoint*> points{
         {QStringLiteral("ServicesExtensionPoint"), &services},
         {QStringLiteral("DeviceAdminExtensionPoint"), &deviceAdmin},
@@ -82,5 +80,12 @@ IExtensionPoint* RecordingHost::extensionPoint(const QString& name)
         {QStringLiteral("EventPublisherExtensionPoint"), static_cast<IExtensionPoint*>(&publisher)},
         {QStringLiteral("DatabaseExtensionPoint"), static_cast<IExtensionPoint*>(&database)},
     };
-    return points.value(name);
+    IExtensionPoint* point = points.value(name);
+    return hasObjects || !dynamic_cast<QObject*>(point) ? point : nullptr;
+}
+
+void RecordingHost::openDiary(const QString& puid, const QStringList& pids)
+{
+    Q_EMIT publisher.diarySessionOpened(IDiarySessionOpenedEvtPtr(
+        new PatientEvent<IDiarySessionOpenedEvt>(puid, pids, QStringLiteral("diary ") + puid)));
 }

@@ -142,9 +142,11 @@ class RecordingHost final : public IExtensionRegistry
 public:
     void* reserved0() override { return nullptr; }
     IExtensionPoint* extensionPoint(const QString& name) override;
+    /// Emits diarySessionOpened() for that patient.
+    void openDiary(const QString& puid, const QStringList& pids = {});
 
     Journal journal;
-    bool empty = false; ///< a registry that knows no name
+    bool hasObjects = true; ///< the publisher and the database, which the plug-in deletes when it gets others
     RecordingServices services{journal};
     RecordingDeviceAdmin deviceAdmin{journal};
     RecordingCommandHandler commandHandler{journal};
