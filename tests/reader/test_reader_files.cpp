@@ -293,12 +293,12 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         auto held = std::make_unique<UsbDeviceAdapter>(&m_host.deviceAdmin);
-        QVERIFY(timer.restart() >= 20 * stepsIn);
+        QVERIFY(timer.restart() >= 20LL * stepsIn);
         QCOMPARE(std::exchange(steps, 0), stepsIn);
         QCOMPARE(held->m_drivePath, stepsOut ? m_folder->drive() : QString());
         pauseEnd = "device deleted";
         held.reset();
-        QVERIFY(timer.elapsed() >= 20 * stepsOut);
+        QVERIFY(timer.elapsed() >= 20LL * stepsOut);
         QCOMPARE(steps, stepsOut);
         QTEST(m_host.journal.lines.join(' '), "calls");
         // Two lines a pause: there were no others.
