@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workflows/RemovePumpControl.h"
+
+#include "plugin/session/LogChannels.h"
+#include "plugin/session/PatientSession.h"
+#include "reader/CommandFileWriter.h"
+#include "reader/ErrorHandler.h"
+#include "reader/StatusFileParser.h"
+
+RemovePumpControl::RemovePumpControl(QObject* parent)
+    : QObject(parent)
+{}
+
+void RemovePumpControl::startRemoving()
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    connect(parser, &StatusFileParser::finished, this, &RemovePumpControl::onRemovingFinished, Qt::QueuedConnection);
+    const QString serialNumber = PatientSession::instance()->pumpSerialNumber();
+    logTrace(QStringLiteral("<== [Remove Controller] Start removing: snr='%1'.").arg(serialNumber));
+    CommandFileWriter::instance()->deleteAddress(serialNumber);
+    parser->start(20, 0, 0);
+}
+
+void RemovePumpControl::onRemovingFinished(bool success)
+{
+    StatusFileParser* parser = StatusFileParser::instance();
+    disconnect(parser, &StatusFileParser::finished, this, &RemovePumpControl::onRemovingFinished);
+    const StatusRecord record = parser->m_lastStatus;
+
+    if (!success) {
+        logFailure(QStringLiteral("=!= [Remove Controller] Removing failed."));
+        Q_EMIT removingFinished(CommandStatus::Unknown);
+    } else if (record.status == CommandStatus::Done) {
+        logTrace(QStringLiteral("==> [Remove Controller] Removing succeeded: status='%1'.").arg(int(record.status)));
+        Q_EMIT removingSucceeded();
+    } else {
+        if (record.status == CommandStatus::Failed)
+            ErrorHandler::showError(record.error);
+        logFailure(QStringLiteral("=!= [Remove Controller] Removing failed: error='%1'.").arg(record.error));
+        Q_EMIT removingFinished(record.status);
+    }
+}
