@@ -5,7 +5,7 @@
 #include "commands/CommandController.h"
 #include "dialogs/MainDialog.h"
 #include "plugin/MerivoConnectionsPlugin.h"
-#include "plugin/session/Logger.h"
+#include "plugin/session/LogChannels.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/StatusFileParser.h"
@@ -24,11 +24,6 @@ namespace {
 using Version = std::array<int, 3>; // major, minor, patch
 
 constexpr Version LowestFirmware{3, 2, 23};
-
-void trace(const QString& message)
-{
-    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("mcp"), {}, {});
-}
 
 /// The version at the end of a firmware log's fifth line. A missing line is an empty one.
 Version firmwareVersion(QFile& log)
@@ -73,7 +68,7 @@ IPlugin* MerivoConnectionsComponent::plugin() const
 
 bool MerivoConnectionsComponent::execute(QWidget* parent)
 {
-    trace(QStringLiteral("--> Plugin component execution started"));
+    logTrace(QStringLiteral("--> Plugin component execution started"));
     if (!m_plugin)
         return false;
 
@@ -107,13 +102,13 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
         connect(&dialog, &MainDialog::importDataReady, m_commandController, &CommandController::importData);
         dialog.exec();
 
-        trace(QStringLiteral("--- Plugin component execution finishing"));
+        logTrace(QStringLiteral("--- Plugin component execution finishing"));
         // The parser first: its thread reads the writer. Both before the dialog, which hears of nothing more.
         delete StatusFileParser::instance();
         delete CommandFileWriter::instance();
     }
     adapter.reset(); // Waits for host and reader.
-    trace(QStringLiteral("<-- Plugin component execution finished"));
+    logTrace(QStringLiteral("<-- Plugin component execution finished"));
     return true;
 }
 
@@ -135,6 +130,6 @@ bool MerivoConnectionsComponent::checkFirmware(const QString& drivePath)
 bool MerivoConnectionsComponent::fail(QWidget* parent, const QString& text, const QString& logLine) const
 {
     LmMessageBox(QMessageBox::Warning, title(), text, QMessageBox::Ok, parent).exec();
-    Logger::instance(nullptr, nullptr)->write(logLine, QStringLiteral("err"), {}, {});
+    logFailure(logLine);
     return false;
 }

@@ -9,7 +9,7 @@
 #include "host/IExtensionRegistry.h"
 #include "host/IServices.h"
 #include "plugin/MerivoConnectionsComponent.h"
-#include "plugin/session/Logger.h"
+#include "plugin/session/LogChannels.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandStatus.h"
 #include "toolkit/LmTranslator.h"
@@ -93,14 +93,13 @@ void MerivoConnectionsPlugin::initialize(QSettings& settings, const QDir& direct
 {
     IPlugin::initialize(settings, directory);
 
-    const QString trace = QStringLiteral("mcp");
     if (m_services) {
         // The call that fixes the logger's host: every other one passes nulls.
-        Logger* logger = Logger::instance(this, m_services);
+        Logger::instance(this, m_services);
         const QString rule(56, QLatin1Char('-'));
-        logger->write(rule, trace, {}, {});
-        logger->write(QStringLiteral("---- Merivo Connections Plugin loaded."), trace, {}, {});
-        logger->write(rule, trace, {}, {});
+        logTrace(rule);
+        logTrace(QStringLiteral("---- Merivo Connections Plugin loaded."));
+        logTrace(rule);
     }
 
     const QString enabled = settings.value(QStringLiteral("EnableSimulation")).toString();
@@ -109,13 +108,12 @@ void MerivoConnectionsPlugin::initialize(QSettings& settings, const QDir& direct
 
     // An empty path stands for the current folder and passes, but stays empty: the runs then go against the reader.
     const QString path = settings.value(QStringLiteral("SimulationPath")).toString();
-    Logger* logger = Logger::instance(nullptr, nullptr);
     if (!QDir(path).exists()) {
-        logger->write(QStringLiteral("SIMULATION disabled due to missing path."), QStringLiteral("err"), {}, path);
+        logFailure(QStringLiteral("SIMULATION disabled due to missing path."), path);
         return;
     }
     m_component->m_simulationPath = path;
-    logger->write(QStringLiteral("SIMULATION enabled."), trace, {}, path);
+    logTrace(QStringLiteral("SIMULATION enabled."), path);
 }
 
 void MerivoConnectionsPlugin::installTranslator()

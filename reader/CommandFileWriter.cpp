@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/CommandFileWriter.h"
 
-#include "plugin/session/Logger.h"
+#include "plugin/session/LogChannels.h"
 
 #include <QFile>
 #include <QTextStream>
@@ -10,14 +10,6 @@
 namespace {
 
 CommandFileWriter* s_instance = nullptr;
-
-const QString Trace = QStringLiteral("mcp");
-const QString Failure = QStringLiteral("err");
-
-void writeLog(const QString& message, const QString& channel, const QString& path)
-{
-    Logger::instance(nullptr, nullptr)->write(message, channel, {}, path);
-}
 
 } // namespace
 
@@ -36,12 +28,12 @@ CommandFileWriter* CommandFileWriter::instance()
 CommandFileWriter::CommandFileWriter(const QString& drivePath)
     : m_path(drivePath + QStringLiteral("/MISC"))
 {
-    writeLog(QStringLiteral("Command file writer initialized."), Trace, m_path);
+    logTrace(QStringLiteral("Command file writer initialized."), m_path);
 }
 
 CommandFileWriter::~CommandFileWriter()
 {
-    writeLog(QStringLiteral("Command file writer finished."), Trace, m_path);
+    logTrace(QStringLiteral("Command file writer finished."), m_path);
     s_instance = nullptr;
 }
 
@@ -94,7 +86,7 @@ bool CommandFileWriter::submit(const QString& command, const QString& arguments)
 
     QFile file(m_path + QStringLiteral("/CommandFile.txt"));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        writeLog(QStringLiteral("=!= <%1 %2> failed.").arg(command, arguments), Failure, file.fileName());
+        logFailure(QStringLiteral("=!= <%1 %2> failed.").arg(command, arguments), file.fileName());
         m_lastCommand = QString();
         return false;
     }
@@ -103,6 +95,6 @@ bool CommandFileWriter::submit(const QString& command, const QString& arguments)
     QTextStream stream(&file);
     stream << "QD17-C RemoteControl File\n"
            << "Command=" << command << ' ' << arguments;
-    writeLog(QStringLiteral("<== <%1 %2> submitted.").arg(command, arguments), Trace, file.fileName());
+    logTrace(QStringLiteral("<== <%1 %2> submitted.").arg(command, arguments), file.fileName());
     return true;
 }

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/DeviceList.h"
 
-#include "plugin/session/Logger.h"
+#include "plugin/session/LogChannels.h"
 #include "plugin/session/PatientSession.h"
 
 #include <QDir>
@@ -71,8 +71,6 @@ QList<DeviceInfo> readDeviceList(const QString& directory, const QString& fileNa
     const QString path = QFileInfo(QDir(directory), fileName).absoluteFilePath();
     const QList<DeviceInfo> devices = parseDeviceList(path);
     // The one placeholder is %2, and takes the first argument.
-    Logger::instance(nullptr, nullptr)
-        ->write(QStringLiteral("==> Number of pumps within device reader DB: %2").arg(devices.size()),
-                QStringLiteral("mcp"), {}, path);
+    logTrace(QStringLiteral("==> Number of pumps within device reader DB: %2").arg(devices.size()), path);
     return devices;
 }

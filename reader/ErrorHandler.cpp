@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/ErrorHandler.h"
 
-#include "plugin/session/Logger.h"
+#include "plugin/session/LogChannels.h"
 #include "toolkit/LmMessageBox.h"
 
 #include <algorithm>
@@ -50,8 +50,7 @@ void ErrorHandler::showError(int errorCode)
         tr("Merivo Connections", "Message box title used in communication error/warning messages");
     QString title = tr("<b>Unknown error code: %1</b>").arg(errorCode);
     QString text = tr("Please contact the support.");
-    Logger::instance(nullptr, nullptr)
-        ->write(QStringLiteral("Error message box: code='%1'").arg(errorCode), QStringLiteral("err"), {}, {});
+    logFailure(QStringLiteral("Error message box: code='%1'").arg(errorCode));
 
     const auto known = std::find_if(std::begin(KnownErrors), std::end(KnownErrors),
                                     [errorCode](const ErrorText& error) { return error.code == errorCode; });

@@ -3,7 +3,7 @@
 #include "reader/StatusFileParser.h"
 
 #include "plugin/session/HandOver.h"
-#include "plugin/session/Logger.h"
+#include "plugin/session/LogChannels.h"
 #include "reader/CommandFileWriter.h"
 
 #include <QDateTime>
@@ -19,14 +19,6 @@
 namespace {
 
 StatusFileParser* s_instance = nullptr;
-
-const QString Trace = QStringLiteral("mcp");
-const QString Failure = QStringLiteral("err");
-
-void writeLog(const QString& message, const QString& channel, const QString& path = {})
-{
-    Logger::instance(nullptr, nullptr)->write(message, channel, {}, path);
-}
 
 /// The category of plain debug lines, named so that a line costs nothing while they are off.
 const QLoggingCategory& plainDebug()
@@ -54,7 +46,7 @@ StatusFileParser::StatusFileParser(const QString& drivePath)
     // No separator: the file lies beside the folder, in the drive's root, under the name MISCNoCommand.txt.
     , m_triggerFile(m_path + QStringLiteral("NoCommand.txt"))
 {
-    writeLog(QStringLiteral("Status file parser initialized."), Trace, m_path);
+    logTrace(QStringLiteral("Status file parser initialized."), m_path);
     moveToThread(&m_thread);
     startWorker(m_thread, QThread::InheritPriority);
     connect(this, &StatusFileParser::pollingRequested, this, &StatusFileParser::prepareRun, Qt::QueuedConnection);
@@ -71,10 +63,10 @@ StatusFileParser::StatusFileParser(const QString& drivePath)
 
 StatusFileParser::~StatusFileParser()
 {
-    writeLog(QStringLiteral("Status file parser finishing."), Trace, m_path);
+    logTrace(QStringLiteral("Status file parser finishing."), m_path);
     s_instance = nullptr;
     joinWorker(m_thread);
-    writeLog(QStringLiteral("Status file parser finished."), Trace, m_path);
+    logTrace(QStringLiteral("Status file parser finished."), m_path);
 }
 
 void StatusFileParser::start(int timeoutSec, int startingSec, int delayMs)
@@ -85,8 +77,8 @@ void StatusFileParser::start(int timeoutSec, int startingSec, int delayMs)
     // As a rule this still is the status of the previous command: what makes a new one recognisable.
     const StatusRecord snapshot = readStatus();
     if (!snapshot.header.isEmpty())
-        writeLog(QStringLiteral("=?= <%1> status snapshot.").arg(snapshot.toLogText()), Trace);
-    writeLog(QStringLiteral("=== Observer start requested (in %1 msec).").arg(delayMs), Trace);
+        logTrace(QStringLiteral("=?= <%1> status snapshot.").arg(snapshot.toLogText()));
+    logTrace(QStringLiteral("=== Observer start requested (in %1 msec).").arg(delayMs));
 
     // Directly ahead of the request, and so in place when the run begins.
     handOver(this, [this, snapshot] { m_snapshot = snapshot; });
@@ -95,7 +87,7 @@ void StatusFileParser::start(int timeoutSec, int startingSec, int delayMs)
 
 void StatusFileParser::cancel()
 {
-    writeLog(QStringLiteral("=== Observer canceling."), Trace);
+    logTrace(QStringLiteral("=== Observer canceling."));
     // No run clears an older request: one that came too late for its run ends the next.
     if (m_state != Ended)
         m_cancelRequested = true;
@@ -116,14 +108,14 @@ StatusRecord StatusFileParser::readStatus() const
 {
     // The trigger comes first, always: the drive is cached, and without it an old status may stand there for ever.
     if (!triggerFileSystemUpdate()) {
-        writeLog(QStringLiteral("=!= Trigger file system update failed on device reader."), Failure, m_path);
+        logFailure(QStringLiteral("=!= Trigger file system update failed on device reader."), m_path);
         return {};
     }
     QFileInfo(m_path).refresh(); // drops what Qt has cached
 
     QFile file(m_statusFile);
     if (!file.open(QIODevice::ReadOnly)) {
-        writeLog(QStringLiteral("=!= Status file open failed on device reader."), Failure, file.fileName());
+        logFailure(QStringLiteral("=!= Status file open failed on device reader."), file.fileName());
         return {};
     }
     QTextStream stream(&file);
@@ -151,13 +143,11 @@ void StatusFileParser::beginRun()
     m_stopDeadline = m_startTime + m_stopTimeoutMs;
     m_state = Waiting;
     if (m_startDeadline == m_stopDeadline) {
-        writeLog(QStringLiteral("=== Observer polling started with timeout of '%1'secs.").arg(m_stopTimeoutMs / 1000),
-                 Trace);
+        logTrace(QStringLiteral("=== Observer polling started with timeout of '%1'secs.").arg(m_stopTimeoutMs / 1000));
     } else {
-        writeLog(QStringLiteral("=== Observer polling started with timeouts of '%1' (Start) and '%2' (Stop) secs.")
+        logTrace(QStringLiteral("=== Observer polling started with timeouts of '%1' (Start) and '%2' (Stop) secs.")
                      .arg(m_startTimeoutMs / 1000)
-                     .arg(m_stopTimeoutMs / 1000),
-                 Trace);
+                     .arg(m_stopTimeoutMs / 1000));
     }
     continuePolling();
 }
@@ -170,12 +160,12 @@ void StatusFileParser::continuePolling()
     const qint64 percentageOfTime = total > 0 ? 100 * elapsed / total : 100;
     const QString linear =
         QStringLiteral("linear progress: %1 of %2 = %3%").arg(elapsed).arg(total).arg(percentageOfTime);
-    const auto logEnd = [this, &linear](const QString& pattern, const QString& channel) {
-        writeLog(pattern.arg(linear, QString::number(isChanged() ? 1 : 0)), channel);
+    const auto logEnd = [this, &linear](auto* log, const QString& pattern) {
+        log(pattern.arg(linear, QString::number(isChanged() ? 1 : 0)), QString());
     };
 
     if (!updateStatus()) {
-        logEnd(QStringLiteral("--- Error during polling (%1) detected/notified [changed=%2]."), Failure);
+        logEnd(logFailure, QStringLiteral("--- Error during polling (%1) detected/notified [changed=%2]."));
         Q_EMIT timeout();
         return;
     }
@@ -183,25 +173,25 @@ void StatusFileParser::continuePolling()
         StatusRecord canceled = m_latest;
         canceled.status = CommandStatus::Canceled;
         setLatest(canceled);
-        logEnd(QStringLiteral("--- Cancel during polling (%1) detected/notified [changed=%2]."), Failure);
+        logEnd(logFailure, QStringLiteral("--- Cancel during polling (%1) detected/notified [changed=%2]."));
         Q_EMIT finished(true);
         return;
     }
     if (m_state == Ended) {
-        logEnd(QStringLiteral("--- Stop during polling (%1) detected/notified [changed=%2]."), Trace);
+        logEnd(logTrace, QStringLiteral("--- Stop during polling (%1) detected/notified [changed=%2]."));
         Q_EMIT finished(isChanged());
         return;
     }
     // Ahead of the start limit: a run that is past both reports this one.
     if (now > m_stopDeadline) {
-        logEnd(QStringLiteral("--- 'Unfinished command' timeout during polling (%1) detected/notified [changed=%2]."),
-               Failure);
+        logEnd(logFailure,
+               QStringLiteral("--- 'Unfinished command' timeout during polling (%1) detected/notified [changed=%2]."));
         Q_EMIT timeout();
         return;
     }
     if (now > m_startDeadline && m_state == Waiting) {
-        logEnd(QStringLiteral("--- 'Unstarted command' timeout during polling (%1) detected/notified [changed=%2]."),
-               Failure);
+        logEnd(logFailure,
+               QStringLiteral("--- 'Unstarted command' timeout during polling (%1) detected/notified [changed=%2]."));
         Q_EMIT timeout();
         return;
     }
@@ -224,7 +214,7 @@ bool StatusFileParser::updateStatus()
         return false;
 
     if (record != m_snapshot && record != m_latest)
-        writeLog(QStringLiteral("==> <%1> observed.").arg(record.toLogText()), Trace);
+        logTrace(QStringLiteral("==> <%1> observed.").arg(record.toLogText()));
     setLatest(record);
     if (!isChanged() && !isAborted())
         return true;
@@ -232,14 +222,14 @@ bool StatusFileParser::updateStatus()
     switch (record.status) {
     case CommandStatus::Running:
         if (m_state == Waiting) {
-            writeLog(QStringLiteral("Observed operation started."), Trace);
+            logTrace(QStringLiteral("Observed operation started."));
             m_state = Started;
         }
         break;
     case CommandStatus::Failed:
     case CommandStatus::Done:
     case CommandStatus::Canceled:
-        writeLog(QStringLiteral("Observed operation finished."), Trace);
+        logTrace(QStringLiteral("Observed operation finished."));
         m_state = Ended;
         break;
     case CommandStatus::Unknown:

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "workflows/ReadoutPumpControl.h"
 
-#include "plugin/session/Logger.h"
+#include "plugin/session/LogChannels.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/DeviceList.h"
@@ -14,20 +14,6 @@
 
 #include <algorithm>
 
-namespace {
-
-void trace(const QString& message, const QString& detail2 = {})
-{
-    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("mcp"), {}, detail2);
-}
-
-void failure(const QString& message)
-{
-    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("err"), {}, {});
-}
-
-} // namespace
-
 ReadoutPumpControl::ReadoutPumpControl(QObject* parent)
     : QObject(parent)
 {}
@@ -37,7 +23,7 @@ void ReadoutPumpControl::startSearching(const QString& serialNumber)
     StatusFileParser* parser = StatusFileParser::instance();
     connect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onSearchingFinished, Qt::QueuedConnection);
     m_serialNumber = serialNumber;
-    trace(QStringLiteral("<== [Read Controller] Start searching: snr='%1'.").arg(m_serialNumber));
+    logTrace(QStringLiteral("<== [Read Controller] Start searching: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->search();
     parser->start(20, 0, 0);
 }
@@ -50,18 +36,18 @@ void ReadoutPumpControl::onSearchingFinished(bool success)
 
     // A cancelled search is told as such, whatever the run's outcome.
     if (record.status == CommandStatus::Canceled) {
-        failure(QStringLiteral("=!= [Read Controller] Searching canceled: error='%1'.").arg(record.error));
+        logFailure(QStringLiteral("=!= [Read Controller] Searching canceled: error='%1'.").arg(record.error));
         Q_EMIT searchingFinished(CommandStatus::Canceled);
         return;
     }
     if (!success) {
-        failure(QStringLiteral("=!= [Read Controller] Searching failed."));
+        logFailure(QStringLiteral("=!= [Read Controller] Searching failed."));
         Q_EMIT searchingFinished(CommandStatus::Unknown);
         return;
     }
     if (record.status == CommandStatus::Failed) {
         // The log line stands ahead of the box here, behind it in a read-out.
-        failure(QStringLiteral("=!= [Read Controller] Searching failed: error='%1'.").arg(record.error));
+        logFailure(QStringLiteral("=!= [Read Controller] Searching failed: error='%1'.").arg(record.error));
         ErrorHandler::showError(record.error);
         Q_EMIT searchingFinished(CommandStatus::Failed);
         return;
@@ -72,7 +58,7 @@ void ReadoutPumpControl::onSearchingFinished(bool success)
     const bool found = std::any_of(devices.cbegin(), devices.cend(),
                                    [this](const DeviceInfo& device) { return device.serialNumber == m_serialNumber; });
     if (found) {
-        trace(QStringLiteral("==> [Read Controller] Searching succeeded: status='%1'.").arg(int(record.status)));
+        logTrace(QStringLiteral("==> [Read Controller] Searching succeeded: status='%1'.").arg(int(record.status)));
         startReadout(m_serialNumber);
         return;
     }
@@ -80,8 +66,8 @@ void ReadoutPumpControl::onSearchingFinished(bool success)
     LmMessageBox box(QMessageBox::Warning, tr("Merivo Connections", "Message box title used when read pump failed."),
                      tr("The paired device for the patient can't be found."), QMessageBox::Ok, nullptr);
     box.exec();
-    failure(QStringLiteral("=!= [Read Controller] Searching failed: no paired pump with snr='%1' for patient found.")
-                .arg(m_serialNumber));
+    logFailure(QStringLiteral("=!= [Read Controller] Searching failed: no paired pump with snr='%1' for patient found.")
+                   .arg(m_serialNumber));
     Q_EMIT searchingFinished(record.status);
 }
 
@@ -93,7 +79,7 @@ void ReadoutPumpControl::startReadout(const QString& serialNumber)
     // Ahead of the new serial number: the opening report still carries the earlier one.
     onReadoutProgress(0);
     m_serialNumber = serialNumber;
-    trace(QStringLiteral("<== [Read Controller] Start readout: snr='%1'.").arg(m_serialNumber));
+    logTrace(QStringLiteral("<== [Read Controller] Start readout: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->read(m_serialNumber);
     parser->start(440, 20, 0);
 }
@@ -111,14 +97,14 @@ void ReadoutPumpControl::onReadoutFinished(bool success)
     disconnect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onReadoutFinished);
 
     if (record.status == CommandStatus::Canceled) {
-        failure(QStringLiteral("=!= [Read Controller] Readout canceled: error='%1'.").arg(record.error));
+        logFailure(QStringLiteral("=!= [Read Controller] Readout canceled: error='%1'.").arg(record.error));
         Q_EMIT readoutFinished(CommandStatus::Canceled);
     } else if (!success) {
-        failure(QStringLiteral("=!= [Read Controller] Readout failed."));
+        logFailure(QStringLiteral("=!= [Read Controller] Readout failed."));
         Q_EMIT readoutFinished(CommandStatus::Unknown);
     } else if (record.status == CommandStatus::Failed) {
         ErrorHandler::showError(record.error);
-        failure(QStringLiteral("=!= [Read Controller] Readout failed: error='%1'.").arg(record.error));
+        logFailure(QStringLiteral("=!= [Read Controller] Readout failed: error='%1'.").arg(record.error));
         Q_EMIT readoutFinished(CommandStatus::Failed);
     } else {
         findExchangeFile(record.status);
@@ -135,13 +121,13 @@ void ReadoutPumpControl::findExchangeFile(CommandStatus status)
     if (entries.size() == 1) {
         const QString path = directory.absoluteFilePath(entries.first());
         PatientSession::instance()->setExchangeFilePath(path);
-        trace(QStringLiteral("==> [Read Controller] Readout succeeded: status='%1'.").arg(int(status)), path);
+        logTrace(QStringLiteral("==> [Read Controller] Readout succeeded: status='%1'.").arg(int(status)), path);
         Q_EMIT readoutSucceeded();
         return;
     }
 
     const QString reason = entries.isEmpty() ? QStringLiteral("missing exchange file")
                                              : QStringLiteral("To many (=%1) exchange files found").arg(entries.size());
-    failure(QStringLiteral("=!= [Read Controller] Readout failed: %1.").arg(reason));
+    logFailure(QStringLiteral("=!= [Read Controller] Readout failed: %1.").arg(reason));
     Q_EMIT readoutFinished(CommandStatus::Unknown);
 }

@@ -6,24 +6,14 @@
 
 #include <QString>
 
-/// The two channels in use.
-enum class LogChannel { Trace, Failure };
-
-/// Writes one record through the Logger; what the message is about, often a path, is its second detail.
-inline void writeLog(LogChannel channel, const QString& message, const QString& subject = {})
+/// Writes a record of the ordinary course of things, on the channel "mcp". See Logger::write().
+inline void logTrace(const QString& message, const QString& detail2 = {})
 {
-    Logger::instance(nullptr, nullptr)
-        ->write(message, channel == LogChannel::Trace ? QStringLiteral("mcp") : QStringLiteral("err"), {}, subject);
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("mcp"), {}, detail2);
 }
 
-/// A record on the channel "mcp", of the ordinary course of things.
-inline void logTrace(const QString& message, const QString& subject = {})
+/// Writes a record of a failure, on the channel "err". See Logger::write().
+inline void logFailure(const QString& message, const QString& detail2 = {})
 {
-    writeLog(LogChannel::Trace, message, subject);
-}
-
-/// A record on the channel "err".
-inline void logFailure(const QString& message, const QString& subject = {})
-{
-    writeLog(LogChannel::Failure, message, subject);
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("err"), {}, detail2);
 }
