@@ -20,11 +20,9 @@ const QByteArray Pumps = R"({ "times": { "progress": 5 }, "exchange": { "days": 
     { "serialNumber": "MV-1", "address": "A1", "patientId": "p1" },
     { "serialNumber": "MV 2", "address": "A2", "confirmationCode": "4711", "user": { "does": "confirms" } },
     { "serialNumber": "MV-3", "address": "A3", "patientId": "p3", "inRange": false },
-    { "serialNumber": "MV-4", "address": "A4", "patientId": "p4", "errors": { "BTREAD": 32, "BTPUMPREASSIGN": 140 } },
-    { "serialNumber": "MV-5", "address": "A5", "confirmationCode": "5", "user": { "does": "declines" } },
-    { "serialNumber": "MV-6", "address": "A6", "confirmationCode": "6", "user": { "does": "walks away" } },
-    { "serialNumber": "MV-7", "address": "A7", "inRange": false },
-    { "serialNumber": "MV-8", "address": "A8", "confirmationCode": "8", "errors": { "BTPAIRCONFIRM": 777 } } ] })";
+    { "serialNumber": "MV-4", "address": "A4", "patientId": "p4", "errors": { "BTREAD": 32, "BTPUMPREASSIGN": 140 } } ] })";
+
+const QByteArray Lone = R"({"pumps": [{"serialNumber": "MV-1", "address": "A")";
 
 Scenario world(const QString& fault = {})
 {
@@ -41,6 +39,13 @@ struct Drive
     QString file(const QString& name) const { return path + "/MISC/" + name; }
     bool send(const QByteArray& command) const { return write(file("CommandFile.txt"), Head + command); }
     bool trigger() const { return write(path + "/MISCNoCommand.txt", {}); }
+    QString devices() const
+    {
+        QStringList devices;
+        for (const DeviceInfo& device : readDeviceList(file({}), "DEVLIST.XML"))
+            devices << device.serialNumber + '=' + device.btAddress + '=' + device.patientId;
+        return devices.join(' ');
+    }
     /// Command, status word, result and error code as they are shown now.
     QString shown() const
     {
@@ -120,15 +125,14 @@ private Q_SLOTS:
 
     void scenarioErrorNamesItsField()
     {
-        const QByteArray pump = R"({"pumps": [{"serialNumber": "MV-1", "address": "A")";
         const std::pair<QByteArray, const char*> scenarios[] = {
             {"{\n \"seed\": 1,\n}", "line 3, column "},
-            {R"({"times": {"reed": 1}})", "times.reed: unknown field"},
             {R"({"times": {"read": 0.5}})", "times.read: must be a whole number from 0 to 3600000"},
             {R"({"exchange": {"lastDay": "2026-02-30"}})", "exchange.lastDay: must be a date such as 2026-03-01"},
             {R"({"pumps": [{"serialNumber": "12", "address": "A"}]})", "pumps[0].serialNumber: must have three"},
-            {pump + R"(, "user": {"does": "sleeps"}}]})", "pumps[0].user.does: must be \"confirms\""},
-            {pump + R"(}, {"serialNumber": "MV-1", "address": "B"}]})", "pumps[1].serialNumber: \"MV-1\" is that of"},
+            {Lone + R"(, "user": {"does": "sleeps"}}]})", "pumps[0].user.does: must be \"confirms\""},
+            {Lone + R"(, "pairingTable": {"slots": 2, "used": 3}}]})", "pumps[0].pairingTable.used: must be a whole"},
+            {Lone + R"(}, {"serialNumber": "MV-1", "address": "B"}]})", "pumps[1].serialNumber: \"MV-1\" is that of"},
             {R"({"faults": ["no-start", "no-stop"]})", "faults[1]: fault \"no-stop\": unknown"},
             {R"({"faults": ["fail"]})", "faults[0]: fault \"fail\": needs a value"},
             {R"({"faults": ["slow=-1"]})", "faults[0]: fault \"slow=-1\": the value must be a whole number"},
@@ -148,18 +152,15 @@ private Q_SLOTS:
         Bench bench(folder);
         QCOMPARE(bench.shown(), QString("NONE done  0"));
         QCOMPARE(bytesOf(bench.file("VERSION.log")).split('\n').value(4), QByteArray("Firmware version 3.2.23"));
-        const QString exchanges = R"(SEARCH 00100 = done 6 0; ABORT  = done  0; BTISPAIRED p1 = done MV-1 0
-BTISPAIRED {p 2} = done 0 0; BTISPAIRED  = done 0 0
-BTREAD "MV-1" = done IMV-1_0001.xml 0; BTREAD "MV-1" = done IMV-1_0002.xml 0
-BTREAD "MV 2" = failed  31; BTREAD "MV-3" = failed  31; BTREAD "MV-4" = failed  32; BTREAD "" = failed  31
-BTPAIR A1 "MV-1" p2 = failed  124; BTPAIR A7 "MV-7" p2 = failed  31; BTPAIR A1 "MV 2" p2 = failed  31
+        const QString exchanges = R"(SEARCH 00100 = done 3 0; ABORT  = done  0; BTISPAIRED {p 2} = done 0 0
+BTISPAIRED p1 = done MV-1 0; BTISPAIRED  = done 0 0; BTREAD "" = failed  31; BTDELETEADDR  "" = failed  31
+BTREAD "MV-1" = done IMV-1_0001.xml 0; BTREAD "MV-1" = done IMV-1_0002.xml 0; BTPAIR A2 "" p2 = failed  31
+BTREAD "MV 2" = failed  31; BTREAD "MV-3" = failed  31; BTREAD "MV-4" = failed  32; BTPAIR A2 "MV 2"  = failed  25
 BTPAIRCONFIRM 1 = failed  20; BTPAIR A2 "MV 2" p2 = done 4711 0; ABORT  = done  0; BTPAIRCONFIRM 1 = failed  20
-BTPAIR A2 "MV 2" p2 = done 4711 0; BTPAIRCONFIRM 0 = done  0; BTISPAIRED p2 = done 0 0
-BTPAIR A5 "MV-5" p = done 5 0; BTPAIRCONFIRM 1 = failed  21; BTPAIR A6 "MV-6" p = done 6 0; BTPAIRCONFIRM 1 = failed  22
-BTPAIR A8 "MV-8" p2 = done 8 0; BTPAIRCONFIRM 1 = failed  777; BTISPAIRED p2 = done 0 0
+BTPAIR A2 "MV 2" p2 = done 4711 0; BTPAIRCONFIRM 0 = done  0; BTISPAIRED p2 = done 0 0; BTPAIR A1 "MV 2" p2 = failed  31
 BTPAIR A2 "MV 2" {p 2} = done 4711 0; BTPAIRCONFIRM 1 = done MV 2 0; BTISPAIRED {p 2} = done MV 2 0
 BTPUMPREASSIGN "MV-3" p1 = done MV-3 0; BTISPAIRED p1 = done MV-3 0; BTISPAIRED p3 = done 0 0
-BTPUMPREASSIGN "MV-4" p2 = failed  140; BTPUMPREASSIGN "MV-9" p2 = failed  31
+BTPUMPREASSIGN "MV-4" p2 = failed  140; BTPUMPREASSIGN "MV-9" p2 = failed  31; BTPUMPREASSIGN "MV-3" 0 = failed  25
 BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-9" = failed  31)";
         for (const auto& [command, answer] : pairsOf(exchanges))
             QCOMPARE(bench.answer(command.toUtf8()), command.section(' ', 0, 0) + ' ' + answer);
@@ -168,12 +169,33 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
         QVERIFY(bytesOf(bench.file("STATUS.TXT")) != before);
         QCOMPARE(bench.answer("BTISPAIRED  p1"), QString("BTDELETEADDR failed  31")); // refused, so not answered
         QCOMPARE(QDir(bench.file({})).entryList({"I*"}), QStringList("IMV-1_0002.xml"));
-        QStringList devices;
-        for (const DeviceInfo& device : readDeviceList(bench.file({}), "DEVLIST.XML"))
-            devices << device.serialNumber + '=' + device.btAddress + '=' + device.patientId;
-        QCOMPARE(devices.join(' '), QString("MV-1=A1= MV 2=A2={p 2} MV-4=A4=p4 MV-5=A5= MV-6=A6= MV-8=A8="));
+        QCOMPARE(bench.devices(), QString("MV-1=A1= MV 2=A2={p 2} MV-4=A4=p4"));
         const QByteArray status = "\nCmd=BTDELETEADDR\nStatus  = failed\nResult  = \nError code -31.\n";
         QVERIFY(before.startsWith("QD17-C RemoteControl File ") && before.endsWith(status));
+    }
+
+    /// A pump, and the error code and the device list's patient behind each of five commands.
+    void worldDecides()
+    {
+        const QString worlds = R"("user": { "does": "declines" } = 0 21 31 24 0; "inRange": false = 31 20 31 24 0
+"user": { "does": "does nothing", "afterMs": 0 } = 0 22 31 24 0; "errors": { "BTPAIRCONFIRM": 777 } = 0 777 31 24 0
+"user": { "does": "walks away" } = 0 32 31 24 0; "user": { "does": "confirms", "afterMs": 30001 } = 0 22 31 24 0
+"user": { "does": "confirms", "afterMs": 30000 }, "pairingTable": { "slots": 2, "used": 1 } = 0 0p2 0p2 0p3 0
+"pairingTable": { "used": 5 } = 23 20 31 24 0; "patientId": "p", "pairedElsewhere": true = 124p 20p 140p 0p3 0
+"linkHoldsMs": 1999 = 32 20 31 24 0; "linkHoldsMs": 2000 = 0 0p2 32p2 0p3 0; "pairedElsewhere": true = 140 20 31 24 0
+"radioVersion": 1 = 110 20 31 24 0; "linkHoldsMs": 2000, "user": { "does": "declines", "afterMs": 2001 } = 0 32 31 24 0
+"patientId": "p", "inRange": false = 124p 20p 31p 0p3 0; "patientId": "p", "displayOn": true = 124p 20p 31p 0p3 0)";
+        for (const auto& [pump, expected] : pairsOf(worlds)) {
+            QStringList seen, errors;
+            const QTemporaryDir folder;
+            Bench bench(folder, parseScenario(Lone + ',' + pump.toUtf8() + "}]}", &errors).value());
+            for (const char* command : {R"(BTPAIR A "MV-1" p2)", "BTPAIRCONFIRM 1", R"(BTREAD "MV-1")",
+                                        R"(BTPUMPREASSIGN "MV-1" p3)", R"(BTDELETEADDR  "MV-1")"}) {
+                seen << bench.answer(command).section(' ', -1);
+                seen.last() += bench.devices().section('=', -1);
+            }
+            QCOMPARE(pump + seen.join(' '), pump + expected);
+        }
     }
 
     void faultsShowAsTold()
@@ -182,8 +204,7 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
             {"no-start", "leaves", "NONE done  0"},
             {"no-end@BTREAD", "running", "BTREAD running  0"},
             {"unknown-status-word=Done", "IMV", "BTREAD Done IMV-1_0001.xml 0"},
-            {"stale-status", "done", "NONE done  0"},
-        };
+            {"stale-status", "done", "NONE done  0"}};
         for (const auto& [fault, ending, status] : faults)
             QCOMPARE(Bench(QTemporaryDir(), world(fault)).answer("BTREAD \"MV-1\"", ending), QString(status));
     }
@@ -191,18 +212,46 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
     void pairingsOutliveARestart()
     {
         const QTemporaryDir folder;
-        QCOMPARE(Bench(folder).answer("BTPUMPREASSIGN \"MV 2\" p1"), QString("BTPUMPREASSIGN done MV 2 0"));
+        QCOMPARE(Bench(folder).answer("BTPUMPREASSIGN \"MV-3\" p1"), QString("BTPUMPREASSIGN done MV-3 0"));
         // A pump that the new world doesn't have stays known, out of range, and its pairing wins over that of a new
         // one; a command from before isn't taken again.
         Scenario other = world("left-running=SEARCH");
-        other.pumps.remove(1);
+        other.pumps.remove(2);
         other.pumps.prepend(other.pumps.first());
         other.pumps.first().serialNumber = "MV-9";
         Bench bench(folder, other);
         QCOMPARE(bench.status(), QString("SEARCH running  0"));
         QVERIFY(bench.log.filter("took").isEmpty());
-        QCOMPARE(bench.answer("BTISPAIRED p1"), QString("BTISPAIRED done MV 2 0"));
-        QCOMPARE(bench.answer("BTREAD \"MV 2\""), QString("BTREAD failed  31"));
+        QCOMPARE(bench.answer("BTISPAIRED p1"), QString("BTISPAIRED done MV-3 0"));
+        QCOMPARE(bench.answer("BTREAD \"MV-3\""), QString("BTREAD failed  31"));
+        QVERIFY(QDir(bench.path).rename(".merivo-reader.json", "a") && QDir(bench.path).mkdir(".merivo-reader.json"));
+        bench.answer("BTDELETEADDR  \"MV-3\"", " running");
+        QCOMPARE(bench.status(), QString("BTDELETEADDR running  0")); // what can't be kept isn't shown as done
+    }
+
+    /// By an ABORT, or by a loss of power and, as the plug-in does where it finds a command running, an ABORT.
+    void commandThatIsCutOffChangesNothing()
+    {
+        const QTemporaryDir folder;
+        Scenario scenario = world();
+        scenario.times = {0, 0, 60000, 0, 60000, 1000, 0, 60000, 60000, 0, 60000, 0};
+        scenario.pumps[1].user = PumpUser::DoesNothing;
+        auto bench = std::make_unique<Bench>(folder, scenario, false);
+        const QByteArray commands[] = {"SEARCH 00100",     R"(BTPAIR A2 "MV 2" p2)",      "BTPAIRCONFIRM 1",
+                                       R"(BTREAD "MV-1")", R"(BTPUMPREASSIGN "MV-1" p2)", R"(BTDELETEADDR  "MV-1")"};
+        for (int i = 0; i < 12; ++i) {
+            const QString running = commands[i / 2].split(' ').first() + " running  0";
+            QVERIFY(i / 2 != 2 || bench->answer(commands[1]) == "BTPAIR done 4711 0");
+            QCOMPARE(bench->answer(commands[i / 2], " running"), running);
+            if (i % 2) {
+                bench.reset();
+                bench = std::make_unique<Bench>(folder, scenario, false);
+                QCOMPARE(bench->status(), running);
+            }
+            QCOMPARE(bench->answer("ABORT "), QString("ABORT done  0"));
+            QCOMPARE(bench->answer("BTPAIRCONFIRM 1"), QString("BTPAIRCONFIRM failed  20"));
+            QCOMPARE(bench->devices(), QString("MV-1=A1=p1 MV-3=A3=p3 MV-4=A4=p4"));
+        }
     }
 
     void exchangeFileComesFromTheSeed()
@@ -212,13 +261,12 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
             Scenario scenario = world();
             scenario.seed = seed;
             scenario.times.read = 100;
-            scenario.exchange.days = 14;
             Bench bench(folder, scenario, instant);
             bench.answer("BTREAD \"MV-1\"");
             return bytesOf(bench.file("IMV-1_0001.xml"));
         };
         const QByteArray bytes = fileOf(7, true);
-        QCOMPARE(bytes.count("<day "), 14);
+        QCOMPARE(bytes.count("<day "), 3);
         QVERIFY(bytes == fileOf(7, false)); // written in pieces
         QVERIFY(bytes != fileOf(8, true));
     }

@@ -7,6 +7,7 @@
 #include "workbench/reader/ReaderFiles.h"
 
 #include <QDir>
+#include <QFile>
 
 #include <algorithm>
 #include <utility>
@@ -17,6 +18,8 @@ const QString Running = QStringLiteral("running");
 const QString Failed = QStringLiteral("failed");
 const QString Done = QStringLiteral("done");
 const QString NoPump = QStringLiteral("0");
+/// Behind the name of an exchange file that is being written.
+const QString Unfinished = QStringLiteral(".part");
 
 QString memoryFile(const ReaderDrive& drive)
 {
@@ -29,6 +32,23 @@ QString exchangeName(const Pump& pump, int number)
     for (const QChar c : pump.serialNumber)
         serial += c.unicode() < 0x80 && c.isLetterOrNumber() ? c : QLatin1Char('-');
     return QStringLiteral("I%1_%2.xml").arg(serial).arg(number, 4, 10, QLatin1Char('0'));
+}
+
+void removeFiles(ReaderDrive& drive, const QString& filter)
+{
+    const QStringList names = QDir(drive.filePath()).entryList({filter}, QDir::Files);
+    for (const QString& name : names)
+        drive.removeFile(name);
+}
+
+/// Why no link to @p pump comes about; 0 if it does.
+int errorOfLink(const Pump& pump)
+{
+    if (!pump.inRange)
+        return ReaderError::PumpNotFound;
+    if (pump.radioVersion != Pump().radioVersion)
+        return ReaderError::VersionUnfit;
+    return pump.pairedElsewhere ? ReaderError::PairedElsewhere : 0;
 }
 
 } // namespace
@@ -75,13 +95,25 @@ bool ReaderSimulator::start(QString* error)
     m_drive.replaceFile(ReaderNames::FirmwareLog, firmwareLogText(version));
     writeDeviceList();
 
-    m_active = behaviour.leftRunning.isEmpty() ? QStringLiteral("NONE") : behaviour.leftRunning;
-    setStatus(behaviour.leftRunning.isEmpty() ? Done : Running, {}, 0);
-    m_drive.showStatus();
-    m_active.clear();
+    removeFiles(m_drive, ReaderNames::ExchangeFilter + Unfinished);
+    showFirstStatus(behaviour.leftRunning);
     m_drive.listen();
     Q_EMIT logged(QStringLiteral("firmware %1, start %2").arg(version).arg(m_memory.starts));
     return true;
+}
+
+void ReaderSimulator::showFirstStatus(const QString& leftRunning)
+{
+    QFile shown(m_drive.filePath(ReaderNames::Status));
+    if (leftRunning.isEmpty() && shown.open(QIODevice::ReadOnly) && isRunning(shown.readAll())) {
+        // The reader has forgotten the command, but as long as nobody asks it for more, nothing rewrites the file.
+        Q_EMIT logged(QStringLiteral("left the status of a command that an earlier run didn't end"));
+        return;
+    }
+    m_active = leftRunning.isEmpty() ? QStringLiteral("NONE") : leftRunning;
+    setStatus(leftRunning.isEmpty() ? Done : Running, {}, 0);
+    m_drive.showStatus();
+    m_active.clear();
 }
 
 void ReaderSimulator::onCommandWritten(const QByteArray& bytes)
@@ -164,8 +196,17 @@ void ReaderSimulator::finish()
     if (m_plan.failCode == 0 && m_plan.effect)
         result = m_plan.effect();
     m_exchange.reset();
+    // What couldn't be kept isn't told as done.
+    if (m_hasFailed)
+        return;
     setStatus(m_plan.failCode == 0 ? Done : Failed, result, m_plan.failCode);
     m_active.clear();
+}
+
+/// The plan, unless the link to the pump breaks before it is through.
+ReaderSimulator::Plan ReaderSimulator::overLink(const Pump& pump, const Plan& plan)
+{
+    return plan.durationMs > pump.linkHoldsMs ? Plan{pump.linkHoldsMs, ReaderError::LinkLost, {}} : plan;
 }
 
 ReaderSimulator::Plan ReaderSimulator::planFor(const ReaderCommand& command)
@@ -212,15 +253,25 @@ ReaderSimulator::Plan ReaderSimulator::planSearch()
 
 ReaderSimulator::Plan ReaderSimulator::planPair(const ReaderCommand& command)
 {
+    const auto fails = [this](int code) {
+        return Plan{m_scenario.times.connect, code, {}};
+    };
     const Pump* pump = find(command.serialNumber);
-    if (!pump || !pump->inRange || pump->address != command.address)
-        return {m_scenario.times.connect, ReaderError::PumpNotFound, {}};
+    if (!isPatientId(command.patientId))
+        return fails(ReaderError::NoPatient);
+    if (!pump || pump->address != command.address)
+        return fails(ReaderError::PumpNotFound);
+    // The reader's own memory says so, however far the pump is.
     if (!pump->patientId.isEmpty())
-        return {m_scenario.times.connect, ReaderError::AlreadyPaired, {}};
-    return {m_scenario.times.pair, 0, [this, command, code = pump->confirmationCode] {
-                m_toConfirm = command;
-                return code;
-            }};
+        return fails(ReaderError::AlreadyPaired);
+    if (const int error = errorOfLink(*pump))
+        return fails(error);
+    if (pump->tableUsed >= pump->tableSlots)
+        return fails(ReaderError::TableFull);
+    return overLink(*pump, {m_scenario.times.pair, 0, [this, command, code = pump->confirmationCode] {
+                                m_toConfirm = command;
+                                return code;
+                            }});
 }
 
 ReaderSimulator::Plan ReaderSimulator::planConfirm(bool accepted)
@@ -231,34 +282,35 @@ ReaderSimulator::Plan ReaderSimulator::planConfirm(bool accepted)
     if (!accepted)
         return {m_scenario.times.confirm, 0, {}};
 
-    const Pump* pump = find(pairing->serialNumber);
-    switch (pump->user) {
-    case PumpUser::Declines:
-        return {pump->userTakesMs, ReaderError::UserSaidNo, {}};
-    case PumpUser::WalksAway:
-        return {m_scenario.times.userLimit, ReaderError::UserGone, {}};
-    case PumpUser::Confirms:
-        break;
-    }
-    return {pump->userTakesMs + m_scenario.times.confirm, 0, [this, pairing] {
-                tie(pairing->serialNumber, pairing->patientId);
-                return pairing->serialNumber;
-            }};
+    const Pump& pump = *find(pairing->serialNumber);
+    const int limit = m_scenario.times.userLimit;
+    if (pump.user == PumpUser::DoesNothing || pump.userTakesMs > limit)
+        return overLink(pump, {limit, ReaderError::UserSilent, {}});
+    if (pump.user == PumpUser::Declines)
+        return overLink(pump, {pump.userTakesMs, ReaderError::UserSaidNo, {}});
+    if (pump.user == PumpUser::WalksAway)
+        return overLink(pump, {pump.userTakesMs, ReaderError::LinkLost, {}});
+    return overLink(pump, {pump.userTakesMs + m_scenario.times.confirm, 0, [this, pairing] {
+                               tie(pairing->serialNumber, pairing->patientId);
+                               return pairing->serialNumber;
+                           }});
 }
 
 ReaderSimulator::Plan ReaderSimulator::planRead(const ReaderCommand& command)
 {
     const Pump* pump = find(command.serialNumber);
-    if (!pump || !pump->inRange || pump->patientId.isEmpty())
+    if (!pump || pump->patientId.isEmpty() || pump->displayOn)
         return {m_scenario.times.connect, ReaderError::PumpNotFound, {}};
+    if (const int error = errorOfLink(*pump))
+        return {m_scenario.times.connect, error, {}};
 
-    const QString beside = m_drive.filePath(exchangeName(*pump, m_memory.readouts + 1)) + QStringLiteral(".part");
+    const QString beside = m_drive.filePath(exchangeName(*pump, m_memory.readouts + 1)) + Unfinished;
     m_exchange = std::make_unique<ExchangeFile>(beside, *pump, m_scenario);
     if (!m_exchange->open())
         fail(QStringLiteral("%1: %2").arg(beside, m_exchange->errorString()));
-    return {m_scenario.times.read, 0, [this, pump = *pump] {
-                return publishExchangeFile(pump);
-            }};
+    return overLink(*pump, {m_scenario.times.read, 0, [this, pump = *pump] {
+                                return publishExchangeFile(pump);
+                            }});
 }
 
 QString ReaderSimulator::publishExchangeFile(const Pump& pump)
@@ -267,9 +319,7 @@ QString ReaderSimulator::publishExchangeFile(const Pump& pump)
         fail(QStringLiteral("%1: %2").arg(m_exchange->path(), m_exchange->errorString()));
         return {};
     }
-    const QStringList old = QDir(m_drive.filePath()).entryList({ReaderNames::ExchangeFilter}, QDir::Files);
-    for (const QString& name : old)
-        m_drive.removeFile(name);
+    removeFiles(m_drive, ReaderNames::ExchangeFilter);
 
     QString name;
     for (int i = 0; i < m_behaviour.exchangeFiles; ++i) {
@@ -287,8 +337,14 @@ QString ReaderSimulator::publishExchangeFile(const Pump& pump)
 
 ReaderSimulator::Plan ReaderSimulator::planReassign(const ReaderCommand& command)
 {
-    if (!find(command.serialNumber))
+    const Pump* pump = find(command.serialNumber);
+    if (!isPatientId(command.patientId))
+        return {m_scenario.times.reassign, ReaderError::NoPatient, {}};
+    if (!pump)
         return {m_scenario.times.reassign, ReaderError::PumpNotFound, {}};
+    // A pump without a pairing needs its code compared first.
+    if (pump->patientId.isEmpty())
+        return {m_scenario.times.reassign, ReaderError::NotPaired, {}};
     return {m_scenario.times.reassign, 0, [this, command] {
                 tie(command.serialNumber, command.patientId);
                 return command.serialNumber;
@@ -360,6 +416,7 @@ int ReaderSimulator::duration(int milliseconds)
 
 void ReaderSimulator::fail(const QString& error)
 {
+    m_hasFailed = true;
     m_step.stop();
     m_progress.stop();
     Q_EMIT failed(error);

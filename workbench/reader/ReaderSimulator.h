@@ -18,13 +18,19 @@
 class ExchangeFile;
 class ReaderDrive;
 
-/// The codes with which the simulated reader itself fails.
+/// The codes with which the simulated reader itself fails. Those below 30 are its own: no one else has a name for them.
 namespace ReaderError {
 inline constexpr int NothingToConfirm = 20;
 inline constexpr int UserSaidNo = 21;
-inline constexpr int UserGone = 22;
+inline constexpr int UserSilent = 22;
+inline constexpr int TableFull = 23;
+inline constexpr int NotPaired = 24;
+inline constexpr int NoPatient = 25;
 inline constexpr int PumpNotFound = 31;
+inline constexpr int LinkLost = 32;
+inline constexpr int VersionUnfit = 110;
 inline constexpr int AlreadyPaired = 124;
+inline constexpr int PairedElsewhere = 140;
 } // namespace ReaderError
 
 /// Plays the device reader on a drive. One command is at work at a time: a new one takes the place of an unfinished
@@ -68,6 +74,7 @@ private:
     void onProgress();
     void finish();
 
+    static Plan overLink(const Pump& pump, const Plan& plan);
     Plan planFor(const ReaderCommand& command);
     Plan planSearch();
     Plan planPair(const ReaderCommand& command);
@@ -80,6 +87,7 @@ private:
     Pump* find(const QString& serialNumber);
     void tie(const QString& serialNumber, const QString& patientId);
     void writeDeviceList();
+    void showFirstStatus(const QString& leftRunning);
     void setStatus(const QString& word, const QString& result, int error);
     int duration(int milliseconds);
     void fail(const QString& error);
@@ -92,6 +100,7 @@ private:
     QRandomGenerator m_random;
     QSet<QString> m_seen;
     int m_statusCount = 0;
+    bool m_hasFailed = false;
 
     QString m_active;
     Behaviour m_behaviour;

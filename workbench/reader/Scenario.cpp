@@ -66,9 +66,20 @@ void userFrom(const QJsonValue& value, const QString& path, QStringList* errors,
         pump->user = PumpUser::Declines;
     else if (does == QLatin1String("walks away"))
         pump->user = PumpUser::WalksAway;
+    else if (does == QLatin1String("does nothing"))
+        pump->user = PumpUser::DoesNothing;
     else if (!does.isNull())
-        fields.fail(QStringLiteral("does"), QStringLiteral("must be \"confirms\", \"declines\" or \"walks away\""));
+        fields.fail(QStringLiteral("does"),
+                    QStringLiteral("must be \"confirms\", \"declines\", \"walks away\" or \"does nothing\""));
     fields.number(QStringLiteral("afterMs"), 0, LongestMs, &pump->userTakesMs);
+    fields.refuseOthers();
+}
+
+void pairingTableFrom(const QJsonValue& value, const QString& path, QStringList* errors, Pump* pump)
+{
+    JsonFields fields(value, path, errors);
+    fields.number(QStringLiteral("slots"), 1, 1000, &pump->tableSlots);
+    fields.number(QStringLiteral("used"), 0, pump->tableSlots, &pump->tableUsed);
     fields.refuseOthers();
 }
 
@@ -85,19 +96,26 @@ Pump pumpFrom(const QJsonValue& value, const QString& path, QStringList* errors)
     fields.text(QStringLiteral("confirmationCode"), &pump.confirmationCode);
     fields.text(QStringLiteral("patientId"), &pump.patientId);
     fields.flag(QStringLiteral("inRange"), &pump.inRange);
+    fields.flag(QStringLiteral("displayOn"), &pump.displayOn);
+    fields.number(QStringLiteral("radioVersion"), 1, 99, &pump.radioVersion);
+    fields.flag(QStringLiteral("pairedElsewhere"), &pump.pairedElsewhere);
+    fields.number(QStringLiteral("linkHoldsMs"), 0, LongestMs, &pump.linkHoldsMs);
 
     // A result of fewer than three characters says that there is no pump, so no serial number can be as short.
     if (!pump.serialNumber.isNull() && (pump.serialNumber.size() < 3 || pump.serialNumber.contains(QLatin1Char('"'))))
         fields.fail(QStringLiteral("serialNumber"), QStringLiteral("must have three characters or more, and no quote"));
     if (!pump.address.isNull() && (pump.address.isEmpty() || pump.address.contains(QLatin1Char(' '))))
         fields.fail(QStringLiteral("address"), QStringLiteral("must not be empty or hold a blank"));
-    if (pump.patientId != pump.patientId.trimmed() || pump.patientId == QLatin1String("0"))
+    if (!pump.patientId.isEmpty() && !isPatientId(pump.patientId))
         fields.fail(QStringLiteral("patientId"), QStringLiteral("must not be \"0\" or begin or end with a blank"));
 
     QString deeper;
     const QJsonValue user = fields.take(QStringLiteral("user"), &deeper);
     if (!user.isUndefined())
         userFrom(user, deeper, errors, &pump);
+    const QJsonValue table = fields.take(QStringLiteral("pairingTable"), &deeper);
+    if (!table.isUndefined())
+        pairingTableFrom(table, deeper, errors, &pump);
 
     const QJsonValue codes = fields.take(QStringLiteral("errors"), &deeper);
     if (!codes.isUndefined()) {
@@ -166,6 +184,11 @@ Scenario scenarioFrom(const QJsonValue& root, QStringList* errors)
 }
 
 } // namespace
+
+bool isPatientId(const QString& patientId)
+{
+    return !patientId.isEmpty() && patientId != QLatin1String("0") && patientId == patientId.trimmed();
+}
 
 std::optional<Scenario> parseScenario(const QByteArray& bytes, QStringList* errors)
 {

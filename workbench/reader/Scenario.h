@@ -10,14 +10,22 @@
 #include <QStringList>
 #include <QVector>
 
+#include <limits>
 #include <optional>
 
 /// What the person who carries a pump does when the pump asks for the pairing.
 enum class PumpUser {
     Confirms,
     Declines,
+    /// Takes the pump along, so that the link to it breaks.
     WalksAway,
+    /// Leaves the pump's question unanswered until the reader gives up.
+    DoesNothing,
 };
+
+/// True if a pump can be tied to @p patientId. "0" stands for nobody in the device list, and a command file can't tell
+/// a blank at an end from its own.
+bool isPatientId(const QString& patientId);
 
 struct Pump
 {
@@ -28,6 +36,16 @@ struct Pump
     /// What the pump shows for the user to compare, and BTPAIR answers.
     QString confirmationCode = QStringLiteral("000000");
     bool inRange = true;
+    /// A pump whose display is on sends no data.
+    bool displayOn = false;
+    /// The version of the radio's protocol that the pump speaks; the reader speaks the default alone.
+    int radioVersion = 2;
+    bool pairedElsewhere = false;
+    /// How many devices the pump can be paired with, and with how many others it is.
+    int tableSlots = 5;
+    int tableUsed = 0;
+    /// A command that needs the link to the pump for longer loses it.
+    int linkHoldsMs = std::numeric_limits<int>::max();
     /// The patient that the pump is paired with; empty for none.
     QString patientId;
     PumpUser user = PumpUser::Confirms;

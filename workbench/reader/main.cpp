@@ -186,7 +186,7 @@ int playScenario(const QCommandLineParser& parser, const Scenario& scenario, Rea
     for (const QString& pair : pairs) {
         const QString serialNumber = pair.section(QLatin1Char('='), 0, 0);
         const QString patientId = pair.section(QLatin1Char('='), 1);
-        if (serialNumber.isEmpty() || patientId.isEmpty() || patientId.trimmed() != patientId)
+        if (serialNumber.isEmpty() || !isPatientId(patientId))
             return complain(WrongCall, QStringLiteral("--pair: \"%1\" isn't SERIAL=PATIENT").arg(pair));
         reader.pairBeforehand(serialNumber, patientId);
     }
