@@ -229,11 +229,15 @@ private Q_SLOTS:
             "wait a text b = text takes 'equals' or 'contains'; wait box name a = box takes 'title T'\n"
             "expect imports some = imports takes a count; expect a rows -1 = rows takes a count\n"
             "click a within soon = 'within' takes; click a within 0 = 'within' takes; answer Yes title = 'answer' "
-            "takes";
+            "takes\nkey Blank = there is no key 'Blank'; patient P-1 Doe Jane 1970-02-30 = isn't a birthday\n"
+            "patient \u00e4 Doe = can't be a patient's key; wait a page = page takes a name; include gone = gone: No";
         for (const auto& [step, error] : pairsOf(wrong)) {
             QVERIFY(!script.parse("s", "# steps\r\n\nquit\n" + step, &told));
             QVERIFY2(told.startsWith("s:4: ") && told.contains(error), qPrintable(told));
         }
+        QVERIFY(write(file("s"), "quit\ninclude s"));
+        QVERIFY2(!script.load(file("s"), &told) && told.contains("include each other without an end"),
+                 qPrintable(told));
         QString steps = "wait a text contains \"x \\\"y\\\" \\\\ \\n\"  within 1.5\r\nlimit 60\n\tclick within\n";
         QVERIFY2(script.parse("s", steps + "type a \"\"\n", &told), qPrintable(told));
         steps.clear();
@@ -285,7 +289,7 @@ private Q_SLOTS:
     void robotNamesTheFirstStepThatFails()
     {
         const QString steps =
-            "expect m_x text equals new = there is no 'm_x'; wait imports 1 = the open patient has 0\n"
+            "expect m_x text equals new = there is no 'm_x'; wait imports 1 = patient 'P-1' has 0\n"
             "click patientTable = 'patientTable' is behind a modal; answer Yes = the box has no button\n"
             "picture steps/a = './steps/a.png' can't be written; quit = the window stays open";
         for (const auto& [step, seen] : pairsOf(steps)) {

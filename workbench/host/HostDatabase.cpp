@@ -262,10 +262,6 @@ std::optional<PatientRecord> HostDatabase::findPatient(const QString& puid)
 
 bool HostDatabase::addPatient(const PatientRecord& patient)
 {
-    if (!isValidPuid(patient.puid)) {
-        return fail(
-            QStringLiteral("'%1' can't be a patient's key; letters, digits, '-', '_' and '.' can").arg(patient.puid));
-    }
     if (findPatient(patient.puid))
         return fail(QStringLiteral("there is a patient '%1' already").arg(patient.puid));
     return changeOnePatient(QStringLiteral("INSERT INTO patients (name1, name2, birthday, extension, puid)"
@@ -282,9 +278,9 @@ bool HostDatabase::changePatient(const PatientRecord& patient)
 
 bool HostDatabase::changeOnePatient(const QString& statement, const PatientRecord& patient)
 {
-    const QString birthday = patient.ids.value(2);
-    if (!birthday.isEmpty() && !QDate::fromString(birthday, QStringLiteral("yyyy-MM-dd")).isValid())
-        return fail(QStringLiteral("'%1' isn't a birthday; write yyyy-MM-dd").arg(birthday));
+    const QString wrong = whatIsWrongWith(patient);
+    if (!wrong.isEmpty())
+        return fail(wrong);
     QSqlQuery query(m_connection);
     query.prepare(statement);
     for (int i = 0; i < 4; ++i)
@@ -314,6 +310,16 @@ bool HostDatabase::isValidPuid(const QString& puid)
 {
     static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9._-]{1,64}\\z"));
     return form.match(puid).hasMatch();
+}
+
+QString HostDatabase::whatIsWrongWith(const PatientRecord& patient)
+{
+    if (!isValidPuid(patient.puid))
+        return QStringLiteral("'%1' can't be a patient's key; letters, digits, '-', '_' and '.' can").arg(patient.puid);
+    const QString birthday = patient.ids.value(2);
+    if (!birthday.isEmpty() && !QDate::fromString(birthday, QStringLiteral("yyyy-MM-dd")).isValid())
+        return QStringLiteral("'%1' isn't a birthday; write yyyy-MM-dd").arg(birthday);
+    return {};
 }
 
 QString HostDatabase::newPuid()

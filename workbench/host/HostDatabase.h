@@ -63,6 +63,8 @@ public:
     bool removePatient(const QString& puid);
 
     static bool isValidPuid(const QString& puid);
+    /// Why the database would refuse that patient, whatever it holds; empty if it wouldn't.
+    static QString whatIsWrongWith(const PatientRecord& patient);
     /// A new random key for a patient, such as "P-1A2B3C4D".
     static QString newPuid();
 

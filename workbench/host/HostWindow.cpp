@@ -20,10 +20,14 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QScrollBar>
+#include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
 constexpr int PuidRole = Qt::UserRole;
+constexpr int LookForReaderEveryMs = 1000;
 
 /// "Doe, Jane", or the one part that there is.
 QString nameOf(const PatientRecord& patient)
@@ -50,11 +54,16 @@ QList<QStandardItem*> rowOf(const QStringList& texts)
     return row;
 }
 
-void fitColumns(QTableView* table)
+/// One long text must not push the other columns out; the tooltip has all of it.
+void fitColumns(QTableView* table, int mostCharacters)
 {
-    for (int column = 0; column < table->model()->columnCount(); ++column)
-        if (table->horizontalHeader()->sectionResizeMode(column) != QHeaderView::Stretch)
-            table->resizeColumnToContents(column);
+    const int widest = table->fontMetrics().averageCharWidth() * mostCharacters;
+    for (int column = 0; column < table->model()->columnCount(); ++column) {
+        if (table->horizontalHeader()->sectionResizeMode(column) == QHeaderView::Stretch)
+            continue;
+        table->resizeColumnToContents(column);
+        table->setColumnWidth(column, std::min(table->columnWidth(column), widest));
+    }
 }
 
 void setUpHeaders(QTableView* table, int stretched)
@@ -128,6 +137,10 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     connect(&m_events, &IEventPublisher::diarySessionClosed, this, &HostWindow::refreshDiary);
     connect(&importHandler, &ImportHandler::finished, this, &HostWindow::onImportFinished);
     connect(&m_pluginHost, &PluginHost::runningChanged, this, &HostWindow::refreshActions);
+    // Nothing tells of a folder that comes or goes where there was none.
+    auto* readerTimer = new QTimer(this);
+    connect(readerTimer, &QTimer::timeout, this, &HostWindow::refreshStatus);
+    readerTimer->start(LookForReaderEveryMs);
 }
 
 void HostWindow::setUpTables()
@@ -273,7 +286,7 @@ void HostWindow::refreshPatients()
         if (patient.puid == puid)
             patientTable->setCurrentIndex(m_patientFilter.mapFromSource(m_patients.indexFromItem(row.first())));
     }
-    fitColumns(patientTable);
+    fitColumns(patientTable, 14);
 }
 
 void HostWindow::refreshDiary()
@@ -282,6 +295,7 @@ void HostWindow::refreshDiary()
     diaryName->setText(m_events.isOpen() ? nameOf(patient) : tr("No diary is open"));
     QStringList details{birthdayOf(patient), patient.ids.value(3), patient.puid};
     details.removeAll(QString());
+    diaryName->setToolTip(diaryName->text());
     diaryDetails->setText(m_events.isOpen() ? details.join(QStringLiteral("  \u00b7  "))
                                             : tr("Select a patient and open the diary."));
     m_imports.removeRows(0, m_imports.rowCount());
@@ -293,7 +307,7 @@ void HostWindow::refreshDiary()
                                    facts.fileName, QLocale::c().formattedDataSize(facts.fileSize),
                                    tr("verified, %1").arg(facts.deviceState), facts.mac}));
     }
-    fitColumns(importTable);
+    fitColumns(importTable, 26);
     importLabel->setText(!isRead             ? tr("&Imported pump files: the database can't be read now")
                          : imports.isEmpty() ? tr("&Imported pump files: none yet")
                                              : tr("&Imported pump files"));

@@ -14,13 +14,18 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QKeyEvent>
-#include <QKeySequence>
 #include <QMenu>
 #include <QMessageBox>
 #include <QRadioButton>
+#include <QStackedWidget>
+#include <QThread>
 #include <QWindow>
 
 #include <cstdio>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
 
 // Where Qt's own test library puts events into the window system's queue; declared as its public headers do.
 QT_BEGIN_NAMESPACE
@@ -100,10 +105,13 @@ Robot::Robot(HostApplication& host, const RobotScript& script, const RobotOption
     , m_host(host)
     , m_script(script)
     , m_options(options)
-    , m_watchdog(1, QStringLiteral("merivo-host: %1: the event loop doesn't turn any more; the run was ended")
-                        .arg(script.name())
-                        .toLocal8Bit())
+    , m_watchdog(1)
 {
+    for (const RobotStep& step : script.steps())
+        m_hangMessages.append(
+            QStringLiteral("merivo-host: %1: the event loop doesn't turn any more at the step: %2; the run was ended")
+                .arg(step.place, step.text)
+                .toLocal8Bit());
     m_timer.setInterval(TickEvery);
     connect(&m_timer, &QTimer::timeout, this, &Robot::tick);
 }
@@ -114,14 +122,14 @@ void Robot::start()
     qApp->installEventFilter(this);
     m_clock.start();
     m_timer.start();
-    m_watchdog.expectBackWithin(Grace);
+    m_watchdog.expectBackWithin(Grace, m_hangMessages.first().constData());
     m_watchdog.start();
 }
 
 void Robot::tick()
 {
     const RobotStep& step = m_script.steps().at(m_index);
-    m_watchdog.expectBackWithin(step.limit + Grace);
+    m_watchdog.expectBackWithin(step.limit + Grace, m_hangMessages.at(m_index).constData());
     Outcome outcome = attempt(step);
     if (outcome.kind == Outcome::Waiting) {
         if (!m_clock.hasExpired(step.limit.count()))
@@ -134,10 +142,7 @@ void Robot::tick()
     m_clock.restart();
     ++m_index;
     if (outcome.kind == Outcome::Failed)
-        m_failure = QStringLiteral("%1:%2: step failed: %3: %4")
-                        .arg(m_script.name())
-                        .arg(step.line)
-                        .arg(step.text, outcome.seen);
+        m_failure = QStringLiteral("%1: step failed: %2: %3").arg(step.place, step.text, outcome.seen);
     if (m_failure.isEmpty() && m_index < m_script.steps().size())
         return;
     m_timer.stop();
@@ -149,40 +154,48 @@ void Robot::tick()
 void Robot::report(const RobotStep& step, const Outcome& outcome, qint64 milliseconds) const
 {
     const bool isDone = outcome.kind == Outcome::Done;
-    QByteArray line;
-    if (m_options.json) {
-        QJsonObject object{{QStringLiteral("step"), m_index + 1},
-                           {QStringLiteral("line"), step.line},
-                           {QStringLiteral("text"), step.text},
-                           {QStringLiteral("outcome"), isDone ? QStringLiteral("ok") : QStringLiteral("failed")},
-                           {QStringLiteral("milliseconds"), milliseconds}};
-        if (!isDone)
-            object.insert(QStringLiteral("seen"), outcome.seen);
-        line = QJsonDocument(object).toJson(QJsonDocument::Compact);
-    } else {
-        line = QStringLiteral("%1  %2  %3 ms  %4")
-                   .arg(m_index + 1, 3)
-                   .arg(isDone ? QStringLiteral("ok    ") : QStringLiteral("FAILED"))
-                   .arg(milliseconds, 6)
-                   .arg(step.text)
-                   .toLocal8Bit();
-        if (!isDone)
-            line += QStringLiteral("\n     instead: %1").arg(outcome.seen).toLocal8Bit();
+    QJsonObject object{{QStringLiteral("step"), m_index + 1},
+                       {QStringLiteral("line"), step.line},
+                       {QStringLiteral("text"), step.text},
+                       {QStringLiteral("outcome"), isDone ? QStringLiteral("ok") : QStringLiteral("failed")},
+                       {QStringLiteral("milliseconds"), milliseconds}};
+    QString line = QStringLiteral("%1  %2  %3 ms  %4")
+                       .arg(m_index + 1, 3)
+                       .arg(isDone ? QStringLiteral("ok    ") : QStringLiteral("FAILED"))
+                       .arg(milliseconds, 6)
+                       .arg(step.text);
+    if (!isDone) {
+        object.insert(QStringLiteral("seen"), outcome.seen);
+        line += QStringLiteral("\n     instead: %1").arg(outcome.seen);
     }
-    std::fprintf(stdout, "%s\n", line.constData());
+    report(line, object);
+}
+
+void Robot::report(const QString& line, const QJsonObject& object) const
+{
+    const QByteArray bytes = m_options.json ? QJsonDocument(object).toJson(QJsonDocument::Compact) : line.toLocal8Bit();
+    std::fprintf(stdout, "%s\n", bytes.constData());
     std::fflush(stdout);
 }
 
 Robot::Outcome Robot::attempt(const RobotStep& step)
 {
     static const QHash<QString, Attempt> attempts{
-        {QStringLiteral("answer"), &Robot::answer},      {QStringLiteral("click"), &Robot::click},
-        {QStringLiteral("close"), &Robot::closeWindow},  {QStringLiteral("close-diary"), &Robot::closeDiary},
-        {QStringLiteral("drive"), &Robot::setDrive},     {QStringLiteral("expect"), &Robot::expect},
-        {QStringLiteral("key"), &Robot::pressKey},       {QStringLiteral("open"), &Robot::openDiary},
-        {QStringLiteral("patient"), &Robot::addPatient}, {QStringLiteral("picture"), &Robot::takePicture},
-        {QStringLiteral("quit"), &Robot::quit},          {QStringLiteral("row"), &Robot::selectRow},
-        {QStringLiteral("trigger"), &Robot::trigger},    {QStringLiteral("type"), &Robot::type},
+        {QStringLiteral("answer"), &Robot::answer},
+        {QStringLiteral("ask"), &Robot::ask},
+        {QStringLiteral("click"), &Robot::click},
+        {QStringLiteral("close"), &Robot::closeWindow},
+        {QStringLiteral("close-diary"), &Robot::closeDiary},
+        {QStringLiteral("drive"), &Robot::setDrive},
+        {QStringLiteral("expect"), &Robot::expect},
+        {QStringLiteral("key"), &Robot::pressKey},
+        {QStringLiteral("open"), &Robot::openDiary},
+        {QStringLiteral("patient"), &Robot::addPatient},
+        {QStringLiteral("picture"), &Robot::takePicture},
+        {QStringLiteral("quit"), &Robot::quit},
+        {QStringLiteral("row"), &Robot::selectRow},
+        {QStringLiteral("trigger"), &Robot::trigger},
+        {QStringLiteral("type"), &Robot::type},
         {QStringLiteral("wait"), &Robot::waitFor},
     };
     if (m_isPosted) {
@@ -204,6 +217,32 @@ Robot::Outcome Robot::addPatient(const RobotStep& step)
     else
         m_host.events().publishCreated();
     return {};
+}
+
+Robot::Outcome Robot::ask(const RobotStep& step)
+{
+    if (m_isAsked) {
+        if (!m_answer)
+            return waiting(QStringLiteral("nobody answers on standard input"));
+        m_isAsked = false;
+        const QString answer = *std::exchange(m_answer, std::nullopt);
+        return answer == QLatin1String("ok") ? Outcome() : failed(QStringLiteral("the answer is '%1'").arg(answer));
+    }
+    QString text;
+    if (step.words.size() > 1) {
+        const QWidget* widget = WidgetFinder::widget(step.words.at(1));
+        if (!widget || !widget->isVisible())
+            return waiting(QStringLiteral("'%1' isn't shown; ").arg(step.words.at(1)) +
+                           WidgetFinder::describeWindows());
+        text = WidgetFinder::textOf(widget);
+    }
+    const QString diary = m_host.events().openPatient().puid;
+    report(
+        QStringLiteral("     asks: %1, diary '%2', text '%3'").arg(step.words.at(0), diary, text),
+        {{QStringLiteral("asks"), step.words.at(0)}, {QStringLiteral("diary"), diary}, {QStringLiteral("text"), text}});
+    m_isAsked = true;
+    readAnswer();
+    return waiting({});
 }
 
 Robot::Outcome Robot::openDiary(const RobotStep& step)
@@ -300,14 +339,8 @@ Robot::Outcome Robot::type(const RobotStep& step)
 
 Robot::Outcome Robot::pressKey(const RobotStep& step)
 {
-    QString name = step.words.at(0);
-    if (name.endsWith(QLatin1String("Escape")))
-        name.chop(3); // Qt knows it as "Esc"
-    const QKeySequence sequence = QKeySequence::fromString(name, QKeySequence::PortableText);
-    const int code = sequence.isEmpty() ? int(Qt::Key_unknown) : sequence[0];
+    const int code = *RobotScript::keyCombination(step.words.at(0));
     const int key = code & ~int(Qt::KeyboardModifierMask);
-    if (sequence.count() != 1 || key == Qt::Key_unknown)
-        return failed(QStringLiteral("there is no key '%1'").arg(step.words.at(0)));
     QWidget* target = nullptr;
     if (step.words.size() > 1) {
         target = WidgetFinder::widget(step.words.at(1));
@@ -405,10 +438,12 @@ Robot::Outcome Robot::checkCondition(const QStringList& words)
         return isOpen == (words.at(2) == QLatin1String("open")) ? Outcome() : waiting(WidgetFinder::describeWindows());
     }
     if (subject == QLatin1String("imports")) {
-        const int count = m_host.database().imports(m_host.events().openPatient().puid).size();
+        const QString puid = words.size() > 2 ? words.at(2) : m_host.events().openPatient().puid;
+        const int count = m_host.database().imports(puid).size();
         if (!m_host.database().errorText().isEmpty())
             return failed(m_host.database().errorText());
-        return count == object.toInt() ? Outcome() : waiting(QStringLiteral("the open patient has %1").arg(count));
+        return count == object.toInt() ? Outcome()
+                                       : waiting(QStringLiteral("patient '%1' has %2").arg(puid).arg(count));
     }
     if (subject == QLatin1String("diary")) {
         const QString puid = m_host.events().isOpen() ? m_host.events().openPatient().puid : QStringLiteral("closed");
@@ -437,6 +472,13 @@ Robot::Outcome Robot::checkWidget(const QStringList& words)
             return failed(QStringLiteral("'%1' has no rows").arg(words.at(0)));
         const int rows = view->model() ? view->model()->rowCount(view->rootIndex()) : 0;
         return rows == words.at(2).toInt() ? Outcome() : waiting(QStringLiteral("it has %1 rows").arg(rows));
+    }
+    if (state == QLatin1String("page")) {
+        const auto* pages = qobject_cast<const QStackedWidget*>(widget);
+        if (!pages)
+            return failed(QStringLiteral("'%1' has no pages").arg(words.at(0)));
+        const QString page = pages->currentWidget() ? pages->currentWidget()->objectName() : QString();
+        return page == words.at(2) ? Outcome() : waiting(QStringLiteral("its page is '%1'").arg(page));
     }
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const bool isChecked = button && button->isChecked();
@@ -476,6 +518,16 @@ Robot::Outcome Robot::reachable(QWidget* widget, const QString& name)
     if (modal && widget->window() != modal)
         return waiting(QStringLiteral("'%1' is behind a modal window; ").arg(name) + WidgetFinder::describeWindows());
     return {};
+}
+
+void Robot::readAnswer()
+{
+    // On a thread of its own, since reading blocks. One that never gets its line ends with the process.
+    const auto line = std::make_shared<std::string>();
+    QThread* thread = QThread::create([line] { std::getline(std::cin, *line); });
+    connect(thread, &QThread::finished, this, [this, line] { m_answer = QString::fromStdString(*line).trimmed(); });
+    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+    thread->start();
 }
 
 void Robot::post(const std::function<void()>& action)

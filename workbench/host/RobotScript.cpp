@@ -2,8 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/RobotScript.h"
 
+#include "workbench/host/HostDatabase.h"
+
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
+#include <QKeySequence>
 
 #include <optional>
 
@@ -13,6 +18,7 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds DefaultLimit{10000};
 constexpr double MaxLimitSeconds = 3600;
+constexpr int MaxIncludeDepth = 8;
 
 struct Arity
 {
@@ -22,12 +28,12 @@ struct Arity
 
 /// How many words follow each verb.
 const QHash<QString, Arity> Verbs{
-    {QStringLiteral("answer"), {1, 5}},      {QStringLiteral("click"), {1, 1}},   {QStringLiteral("close"), {1, 1}},
-    {QStringLiteral("close-diary"), {0, 0}}, {QStringLiteral("drive"), {1, 1}},   {QStringLiteral("expect"), {1, 5}},
-    {QStringLiteral("key"), {1, 2}},         {QStringLiteral("limit"), {1, 1}},   {QStringLiteral("open"), {1, 1}},
-    {QStringLiteral("patient"), {2, 5}},     {QStringLiteral("picture"), {1, 2}}, {QStringLiteral("quit"), {0, 0}},
-    {QStringLiteral("row"), {2, 2}},         {QStringLiteral("trigger"), {0, 1}}, {QStringLiteral("type"), {2, 2}},
-    {QStringLiteral("wait"), {1, 5}},
+    {QStringLiteral("answer"), {1, 5}},  {QStringLiteral("ask"), {1, 2}},         {QStringLiteral("click"), {1, 1}},
+    {QStringLiteral("close"), {1, 1}},   {QStringLiteral("close-diary"), {0, 0}}, {QStringLiteral("drive"), {1, 1}},
+    {QStringLiteral("expect"), {1, 5}},  {QStringLiteral("include"), {1, 1}},     {QStringLiteral("key"), {1, 2}},
+    {QStringLiteral("limit"), {1, 1}},   {QStringLiteral("open"), {1, 1}},        {QStringLiteral("patient"), {2, 5}},
+    {QStringLiteral("picture"), {1, 2}}, {QStringLiteral("quit"), {0, 0}},        {QStringLiteral("row"), {2, 2}},
+    {QStringLiteral("trigger"), {0, 1}}, {QStringLiteral("type"), {2, 2}},        {QStringLiteral("wait"), {1, 5}},
 };
 
 const QStringList WidgetStates{QStringLiteral("visible"),  QStringLiteral("hidden"),  QStringLiteral("enabled"),
@@ -111,8 +117,10 @@ QString whatIsWrongWithCondition(const QStringList& words)
             words.size() == 3 && (words.at(2) == QLatin1String("open") || words.at(2) == QLatin1String("closed"));
         return isGood ? QString() : QStringLiteral("dialog takes a name and 'open' or 'closed'");
     }
-    if (subject == QLatin1String("imports"))
-        return words.size() == 2 && isNumber(second) ? QString() : QStringLiteral("imports takes a count");
+    if (subject == QLatin1String("imports")) {
+        const bool isGood = words.size() <= 3 && isNumber(second);
+        return isGood ? QString() : QStringLiteral("imports takes a count and perhaps a patient");
+    }
     if (subject == QLatin1String("diary") || subject == QLatin1String("log"))
         return words.size() == 2 ? QString() : QStringLiteral("%1 takes one word").arg(subject);
     if (second == QLatin1String("text")) {
@@ -122,6 +130,8 @@ QString whatIsWrongWithCondition(const QStringList& words)
     }
     if (second == QLatin1String("rows"))
         return words.size() == 3 && isNumber(words.at(2)) ? QString() : QStringLiteral("rows takes a count");
+    if (second == QLatin1String("page"))
+        return words.size() == 3 ? QString() : QStringLiteral("page takes a name");
     if (words.size() == 2 && WidgetStates.contains(second))
         return {};
     return QStringLiteral("unknown state '%1'").arg(second);
@@ -143,30 +153,63 @@ QString whatIsWrong(const RobotStep& step)
         return QStringLiteral("'answer' takes a button, then 'title T' and 'text T'");
     if (step.verb == QLatin1String("limit") && !limitOf(step.words.at(0)))
         return QStringLiteral("'%1' isn't a limit in seconds, above 0 and up to 3600").arg(step.words.at(0));
+    if (step.verb == QLatin1String("key") && !RobotScript::keyCombination(step.words.at(0)))
+        return QStringLiteral("there is no key '%1'").arg(step.words.at(0));
+    if (step.verb == QLatin1String("patient"))
+        return HostDatabase::whatIsWrongWith({step.words.at(0), step.words.mid(1)});
     return {};
 }
 
 } // namespace
 
+std::optional<int> RobotScript::keyCombination(QString name)
+{
+    if (name.endsWith(QLatin1String("Escape")))
+        name.chop(3); // Qt knows it as "Esc"
+    const QKeySequence sequence = QKeySequence::fromString(name, QKeySequence::PortableText);
+    if (sequence.count() != 1 || (sequence[0] & ~int(Qt::KeyboardModifierMask)) == Qt::Key_unknown)
+        return std::nullopt;
+    return sequence[0];
+}
+
 bool RobotScript::load(const QString& path, QString* error)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = QStringLiteral("%1: %2").arg(path, file.errorString());
-        return false;
-    }
-    return parse(path, QString::fromUtf8(file.readAll()), error);
+    m_name = path;
+    m_steps.clear();
+    return appendFile(path, 0, error) && hasSteps(error);
 }
 
 bool RobotScript::parse(const QString& name, const QString& text, QString* error)
 {
     m_name = name;
     m_steps.clear();
+    return append(name, text, 0, error) && hasSteps(error);
+}
+
+bool RobotScript::hasSteps(QString* error) const
+{
+    if (m_steps.isEmpty())
+        *error = QStringLiteral("%1: there is no step in it").arg(m_name);
+    return !m_steps.isEmpty();
+}
+
+bool RobotScript::appendFile(const QString& path, int depth, QString* error)
+{
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly))
+        return append(path, QString::fromUtf8(file.readAll()), depth, error);
+    *error = QStringLiteral("%1: %2").arg(path, file.errorString());
+    return false;
+}
+
+bool RobotScript::append(const QString& name, const QString& text, int depth, QString* error)
+{
     milliseconds limit = DefaultLimit;
     const QStringList lines = text.split(QLatin1Char('\n'));
     for (int i = 0; i < lines.size(); ++i) {
+        const QString place = QStringLiteral("%1:%2").arg(name).arg(i + 1);
         const auto refuse = [&](const QString& what) {
-            *error = QStringLiteral("%1:%2: %3").arg(name).arg(i + 1).arg(what);
+            *error = QStringLiteral("%1: %2").arg(place, what);
             m_steps.clear();
             return false;
         };
@@ -178,6 +221,7 @@ bool RobotScript::parse(const QString& name, const QString& text, QString* error
             return refuse(QStringLiteral("a quote isn't closed, or touches the word beside it"));
 
         RobotStep step;
+        step.place = place;
         step.line = i + 1;
         step.text = line;
         step.limit = limit;
@@ -193,13 +237,17 @@ bool RobotScript::parse(const QString& name, const QString& text, QString* error
         const QString wrong = whatIsWrong(step);
         if (!wrong.isEmpty())
             return refuse(wrong);
-        if (step.verb == QLatin1String("limit"))
+        if (step.verb == QLatin1String("limit")) {
             limit = *limitOf(step.words.at(0));
-        else
+        } else if (step.verb == QLatin1String("include")) {
+            if (depth == MaxIncludeDepth)
+                return refuse(QStringLiteral("files include each other without an end"));
+            QString inner;
+            if (!appendFile(QFileInfo(name).dir().filePath(step.words.at(0)), depth + 1, &inner))
+                return refuse(inner);
+        } else {
             m_steps.append(step);
+        }
     }
-    if (!m_steps.isEmpty())
-        return true;
-    *error = QStringLiteral("%1: there is no step in it").arg(name);
-    return false;
+    return true;
 }

@@ -9,10 +9,9 @@ namespace {
 constexpr int LookEveryMs = 200;
 }
 
-Watchdog::Watchdog(int exitStatus, const QByteArray& message, QObject* parent)
+Watchdog::Watchdog(int exitStatus, QObject* parent)
     : QThread(parent)
     , m_exitStatus(exitStatus)
-    , m_message(message)
     , m_deadline(std::chrono::steady_clock::time_point::max())
 {}
 
@@ -22,8 +21,9 @@ Watchdog::~Watchdog()
     wait();
 }
 
-void Watchdog::expectBackWithin(std::chrono::milliseconds time)
+void Watchdog::expectBackWithin(std::chrono::milliseconds time, const char* message)
 {
+    m_message = message;
     m_deadline = std::chrono::steady_clock::now() + time;
 }
 
@@ -33,7 +33,7 @@ void Watchdog::run()
     while (!m_stop.tryAcquire(1, LookEveryMs)) {
         if (std::chrono::steady_clock::now() < m_deadline.load())
             continue;
-        std::fprintf(stderr, "%s\n", m_message.constData());
+        std::fprintf(stderr, "%s\n", m_message.load());
         std::fflush(nullptr);
         std::_Exit(m_exitStatus);
     }

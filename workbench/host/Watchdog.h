@@ -15,19 +15,21 @@ class Watchdog final : public QThread
     Q_OBJECT
 
 public:
-    /// @p exitStatus is the process's, @p message a line for standard error.
-    Watchdog(int exitStatus, const QByteArray& message, QObject* parent = nullptr);
+    /// @p exitStatus is the process's.
+    explicit Watchdog(int exitStatus, QObject* parent = nullptr);
     ~Watchdog() override;
 
-    /// GUI thread: from now on it is missed after that time.
-    void expectBackWithin(std::chrono::milliseconds time);
+    /// GUI thread: from now on it is missed after that time. @p message is the line for standard error then; it must
+    /// stay as it is until the watchdog is gone.
+    void expectBackWithin(std::chrono::milliseconds time, const char* message);
 
 protected:
     void run() override;
 
 private:
     const int m_exitStatus;
-    const QByteArray m_message;
     QSemaphore m_stop;
-    std::atomic<std::chrono::steady_clock::time_point> m_deadline; // written by the GUI thread, read by this one
+    // Written by the GUI thread, read by this one.
+    std::atomic<const char*> m_message{""};
+    std::atomic<std::chrono::steady_clock::time_point> m_deadline;
 };
