@@ -2,34 +2,21 @@
 // SPDX-License-Identifier: MIT
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
 #include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QVariant>
+#include <QXmlStreamReader>
 
 namespace {
 
-const QString Serial = QStringLiteral("MV-204817");
-
-/// The steps up to the main dialog with Jane's pump in it.
-const QString ToMainDialog = QStringLiteral("patient P-1 Doe Jane 1970-02-03\n"
-                                            "patient P-2 Roe Richard\n"
-                                            "open P-1\n"
-                                            "trigger\n");
-const QString ToReadDialog = ToMainDialog + QStringLiteral("wait m_readPumpButton enabled within 40\n"
-                                                           "click m_readPumpButton\n"
-                                                           "wait dialog PumpReadDialog open\n");
-const QString RunEnded = QStringLiteral("wait dialog MainDialog closed within 20\n"
-                                        "wait log \"<-- Plugin component execution finished\" within 20\n"
-                                        "quit\n");
-const QString GiveUpReading = QStringLiteral("wait m_ProgressLabel text equals \"Download failed!\" within 30\n"
-                                             "wait PumpReadDialog/m_ReadButton enabled\n"
-                                             "click PumpReadDialog/m_DialogButtonBox/Cancel\n"
-                                             "wait dialog PumpReadDialog closed\n"
-                                             "click MainDialog/m_DialogButtonBox/Close\n") +
-                              RunEnded;
+constexpr int LimitMs = 170000;
 
 QByteArray bytesOf(const QString& path)
 {
@@ -38,47 +25,88 @@ QByteArray bytesOf(const QString& path)
 }
 
 /// A process that doesn't outlive the test.
-class Program final
+class Program final : public QProcess
 {
 public:
-    Program(const QString& path, const QStringList& arguments)
+    ~Program() override { end(); }
+    void end()
     {
-        m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(path, arguments);
-    }
-    ~Program()
-    {
-        m_process.terminate();
-        if (!m_process.waitForFinished(5000))
-            m_process.kill();
-        m_process.waitForFinished();
+        terminate();
+        if (!waitForFinished(5000))
+            kill();
+        waitForFinished();
     }
     bool waitForLine(const QByteArray& text)
     {
-        while (!m_output.contains(text) && m_process.waitForReadyRead(10000))
-            m_output += m_process.readAll();
-        return m_output.contains(text);
+        QByteArray output;
+        while (!output.contains(text) && waitForReadyRead(10000))
+            output += readAll();
+        return output.contains(text);
     }
-    /// The exit status, or -1 if it crashed or took too long.
-    int finish(int limitMs)
-    {
-        const bool isFinished = m_process.waitForFinished(limitMs);
-        m_output += m_process.readAll();
-        return isFinished && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
-    }
-    QByteArray output() const { return m_output; }
-
-private:
-    QProcess m_process;
-    QByteArray m_output;
 };
+
+/// Patients by the serial number of their pump.
+using Pairings = QMap<QString, QString>;
+
+Pairings keptByReader(const QString& drive)
+{
+    Pairings pairings;
+    const QJsonDocument memory = QJsonDocument::fromJson(bytesOf(drive + "/.merivo-reader.json"));
+    const QJsonArray pumps = memory["pumps"].toArray();
+    for (const auto& pump : pumps)
+        if (const QString patient = pump["patientId"].toString(); !patient.isEmpty())
+            pairings.insert(pump["serialNumber"].toString(), patient);
+    return pairings;
+}
+
+Pairings shownByReader(const QString& drive)
+{
+    Pairings pairings;
+    QString serial;
+    QXmlStreamReader xml(bytesOf(drive + "/MISC/DEVLIST.XML"));
+    while (!xml.atEnd()) {
+        xml.readNextStartElement();
+        if (xml.name() == "SERIALNR")
+            serial = xml.readElementText();
+        else if (xml.name() == "PATIENT_ID")
+            if (const QString patient = xml.readElementText(); patient != "0")
+                pairings.insert(serial, patient);
+    }
+    return pairings;
+}
+
+/// The texts behind a mark at the begin of a line.
+QStringList textsBehind(const QString& mark, const QByteArray& steps)
+{
+    QStringList texts;
+    for (const QString& line : QString::fromUtf8(steps).split('\n'))
+        if (line.startsWith(mark))
+            texts << line.mid(mark.size());
+    return texts;
+}
 
 } // namespace
 
-/// Whole runs: the built library in merivo-host, merivo-reader as its reader, a robot as its user.
+/// Whole runs: the built library in merivo-host, merivo-reader as its reader, a robot as its user. The ways lie in
+/// steps/, one in a file. Beside the robot's steps a file tells with what arguments the reader starts ("#reader";
+/// "none" for no reader), what the host's log must hold in this order ("#log"), and how it ends ("#ends"): the pairings
+/// that the reader keeps and, with a plus sign, whose the imports are. The robot asks here for a comparison of reader,
+/// session and database ("ask agree LABEL"), or for a new start of the reader ("ask "reader ARGUMENTS"").
 class SystemTest final : public QObject
 {
     Q_OBJECT
+
+private:
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+    bool startReader(const QString& arguments);
+    QString answerTo(const QJsonObject& question);
+    QString disagreement(const QString& patient, const QString& label);
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    Program m_reader;
+    QSqlDatabase m_database = QSqlDatabase::addDatabase("QSQLITE");
+    QStringList m_comparedPatients;
+    QMap<qlonglong, QString> m_imports; // seen so far, with their patients
 
 private Q_SLOTS:
     void wholeRun_data();
@@ -87,130 +115,112 @@ private Q_SLOTS:
 
 void SystemTest::wholeRun_data()
 {
-    QTest::addColumn<QStringList>("reader"); // arguments; "none": no reader's drive
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<int>("imports");
-    QTest::addColumn<QStringList>("log"); // in this order, among others
-
-    const QString readAndEnd = QStringLiteral("wait m_ProgressLabel text equals \"Download completed!\" within 60\n");
-    QTest::newRow("read") << QStringList() << ToReadDialog + readAndEnd + RunEnded << 1
-                          << QStringList{"<== <BTISPAIRED P-1> submitted.",
-                                         "<== <BTREAD \"MV-204817\"> submitted.",
-                                         "==> [Read Controller] Readout succeeded: status='2'.",
-                                         "MAC verified",
-                                         "--- Plugin component execution finishing",
-                                         "<-- Plugin component execution finished"};
-    QTest::newRow("repeated") << QStringList()
-                              << ToReadDialog + readAndEnd +
-                                     "wait log \"<-- Plugin component execution finished\" within 20\n"
-                                     "trigger\nwait m_readPumpButton enabled within 40\nclick m_readPumpButton\n" +
-                                     readAndEnd +
-                                     "wait dialog MainDialog closed within 20\nwait log \"already\"\nquit\n"
-                              << 1 << QStringList{"MAC verified", "already"};
-    QTest::newRow("slow") << QStringList{"--fault", "slow=1500@BTREAD"} << ToReadDialog + readAndEnd + RunEnded << 1
-                          << QStringList{"Observed operation started.", "Observed operation finished.", "MAC verified"};
-    QTest::newRow("left-running") << QStringList{"--fault", "left-running=BTREAD"}
-                                  << ToReadDialog + readAndEnd + RunEnded << 1
-                                  << QStringList{"<== <ABORT > submitted.",
-                                                 "==> [Main dialog] Prepare (abort old running) succeeded.",
-                                                 "<== <BTISPAIRED P-1> submitted.", "MAC verified"};
-    QTest::newRow("no-pump") << QStringList{"--pair", "MV-204817=P-2"}
-                             << ToMainDialog +
-                                    "wait m_addPumpButton enabled within 40\n"
-                                    "expect m_readPumpButton disabled\n"
-                                    "expect m_pumpAssignLabel text equals \"No pump assigned\"\n"
-                                    "click m_DialogButtonBox/Close\n" +
-                                    RunEnded
-                             << 0 << QStringList{"=== Paired pump query for patient 'P-1' finished: snr=''."};
-    const QString errorBox = QStringLiteral("answer Ok title \"Sanvio Merivo Pump Plugin\" text \"%1\" within 40\n");
-    QTest::newRow("fail-32") << QStringList{"--fault", "fail=32@BTREAD"}
-                             << ToReadDialog + errorBox.arg("Connection lost") + GiveUpReading << 0
-                             << QStringList{"Error message box: code='32'",
-                                            "=!= [Read Controller] Readout failed: error='32'."};
-    QTest::newRow("fail-99") << QStringList{"--fault", "fail=99@BTISPAIRED"}
-                             << ToMainDialog + errorBox.arg("Error Code: 99") + RunEnded << 0
-                             << QStringList{"=!= Paired pump query for patient 'P-1' failed: <99 : ",
-                                            "Error message box: code='99'"};
-    QTest::newRow("no-exchange-file") << QStringList{"--fault", "no-exchange-file"} << ToReadDialog + GiveUpReading << 0
-                                      << QStringList{"=!= [Read Controller] Readout failed: missing exchange file."};
-    QTest::newRow("two-exchange-files")
-        << QStringList{"--fault", "two-exchange-files"} << ToReadDialog + GiveUpReading << 0
-        << QStringList{"=!= [Read Controller] Readout failed: To many (=2) exchange files found."};
-    QTest::newRow("silent-reader") << QStringList{"--fault", "no-start@BTISPAIRED"}
-                                   << ToMainDialog + errorBox.arg("not responding") + RunEnded << 0
-                                   << QStringList{"--- 'Unfinished command' timeout during polling"};
-    QTest::newRow("old-firmware") << QStringList{"--fault", "old-firmware"}
-                                  << ToMainDialog + errorBox.arg("old software version") + "quit\n"
-                                  << 0
-                                  << QStringList{"-!- Plugin component execution failed: unsupported firmware version"};
-    QTest::newRow("no-reader") << QStringList{"none"}
-                               << ToMainDialog + errorBox.arg("No Sanvio Lumo device connected.") + "quit\n"
-                               << 0 << QStringList{"-!- Plugin component execution failed: missing device reader"};
+    QTest::addColumn<QString>("file");
+    for (const QFileInfo& file : QDir(STEPS).entryInfoList({"*.steps"}, QDir::Files))
+        QTest::newRow(qPrintable(file.completeBaseName())) << file.filePath();
 }
 
 void SystemTest::wholeRun()
 {
-    QFETCH(const QStringList, reader);
-    QFETCH(const QString, steps);
-    QFETCH(const int, imports);
-    QFETCH(const QStringList, log);
+    QFETCH(const QString, file);
+    const QByteArray steps = bytesOf(file);
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(startReader(textsBehind("#reader ", steps).value(0)));
 
-    const QTemporaryDir folder;
-    const QDir dir(folder.path());
-    const auto path = [&dir](const char* name) {
-        return dir.filePath(QLatin1String(name));
-    };
-    const bool hasReader = !reader.contains(QStringLiteral("none"));
-
-    std::unique_ptr<Program> simulator;
-    if (hasReader) {
-        dir.mkdir(QStringLiteral("drive"));
-        QStringList arguments{"--instant", "--log", path("reader.log"), path("drive")};
-        if (!reader.contains(QStringLiteral("--pair")))
-            arguments += {"--pair", Serial + QStringLiteral("=P-1")};
-        simulator = std::make_unique<Program>(MERIVO_READER_PROGRAM, arguments + reader);
-        QVERIFY2(simulator->waitForLine("merivo-reader: serving"), simulator->output().constData());
-    }
-
-    QFile script(path("steps"));
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.write(steps.toUtf8());
-    script.close();
-    Program host(MERIVO_HOST_PROGRAM,
-                 {"--plugin", MERIVO_PLUGIN_LIBRARY, "--database", path("db.sqlite"), "--drive", path("drive"), "--log",
-                  path("host.log"), "--robot", path("steps"), "--pictures", folder.path(), "--locale", "de_DE"});
-    const int status = host.finish(110000);
-    QVERIFY2(status == 0, host.output() + bytesOf(path("host.log")) + bytesOf(path("reader.log")));
-
-    const QString records = QString::fromUtf8(bytesOf(path("host.log")));
-    int at = 0;
-    for (const QString& text : log) {
-        at = records.indexOf(text, at);
-        QVERIFY2(at >= 0, qPrintable(text + QStringLiteral(" isn't there, or not in its place, in\n") + records));
-    }
-
-    // What the database holds is what lies on the drive, for the right patient alone.
-    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("check"));
-    database.setDatabaseName(path("db.sqlite"));
-    QVERIFY(database.open());
-    {
-        QSqlQuery query(QStringLiteral("SELECT puid, file_name, bytes FROM imports "
-                                       "JOIN import_files ON import_id = imports.id"),
-                        database);
-        int count = 0;
-        for (; query.next(); ++count) {
-            QCOMPARE(query.value(0).toString(), QStringLiteral("P-1"));
-            const QStringList onDrive = QDir(path("drive/MISC")).entryList({QStringLiteral("I*.xml")});
-            QCOMPARE(onDrive.size(), 1);
-            const QByteArray bytes = bytesOf(path("drive/MISC/") + onDrive.first());
-            QVERIFY(bytes.size() > 10000);
-            QCOMPARE(query.value(2).toByteArray(), bytes);
+    Program host;
+    host.start(MERIVO_HOST_PROGRAM,
+               {"--plugin", MERIVO_PLUGIN_LIBRARY, "--database", path("db"), "--drive", path("drive"), "--log",
+                path("host.log"), "--robot", file, "--pictures", m_folder->path(), "--locale", "de_DE", "--json"});
+    QByteArray told;
+    while (host.state() != QProcess::NotRunning && host.waitForReadyRead(LimitMs))
+        while (host.canReadLine()) {
+            const QByteArray line = host.readLine();
+            told += line;
+            const QJsonObject step = QJsonDocument::fromJson(line).object();
+            if (step.contains("asks"))
+                host.write(answerTo(step).toUtf8() + '\n');
         }
-        QCOMPARE(count, imports);
+    host.waitForFinished(5000);
+    const bool isEnded =
+        host.state() == QProcess::NotRunning && host.exitStatus() == QProcess::NormalExit && host.exitCode() == 0;
+    told += host.readAllStandardError();
+    const QString records = QString::fromUtf8(bytesOf(path("host.log")));
+    QVERIFY2(isEnded, told + records.toUtf8() + bytesOf(path("reader.log")));
+    QVERIFY2(m_comparedPatients.contains("P-1") && m_comparedPatients.contains("P-2"), "not compared at the end");
+
+    QString end;
+    const Pairings kept = keptByReader(path("drive"));
+    for (auto pairing = kept.cbegin(); pairing != kept.cend(); ++pairing)
+        end += ' ' + pairing.key() + '=' + pairing.value();
+    for (const QString& patient : qAsConst(m_imports))
+        end += " +" + patient;
+    QCOMPARE(textsBehind("#ends", steps), QStringList(end));
+
+    int at = 0;
+    for (const QString& text : textsBehind("#log ", steps)) {
+        at = records.indexOf(text, at);
+        QVERIFY2(at >= 0, qPrintable(text + " isn't there, or not in its place, in\n" + records));
     }
-    database.close();
-    database = {};
-    QSqlDatabase::removeDatabase(QStringLiteral("check"));
+}
+
+bool SystemTest::startReader(const QString& arguments)
+{
+    m_reader.end();
+    if (arguments == "none")
+        return !QFile::exists(path("drive")) || QFile::rename(path("drive"), path("unplugged"));
+    if (!QFile::rename(path("unplugged"), path("drive")))
+        QDir(m_folder->path()).mkdir("drive");
+    m_reader.setWorkingDirectory(STEPS);
+    m_reader.start(MERIVO_READER_PROGRAM, arguments.split(' ', Qt::SkipEmptyParts) +
+                                              QStringList{"--instant", "--log", path("reader.log"), path("drive")});
+    return m_reader.waitForLine("merivo-reader: serving");
+}
+
+QString SystemTest::answerTo(const QJsonObject& question)
+{
+    const QString word = question["asks"].toString();
+    if (word.startsWith("reader"))
+        return startReader(word.mid(7)) ? "ok" : m_reader.readAllStandardError();
+    m_comparedPatients << question["diary"].toString();
+    const QString difference = disagreement(m_comparedPatients.last(), question["text"].toString());
+    return difference.isEmpty() ? "ok" : difference;
+}
+
+/// What of reader, session and database doesn't go together; empty if all does. The label shows the session.
+QString SystemTest::disagreement(const QString& patient, const QString& label)
+{
+    const Pairings kept = keptByReader(path("drive"));
+    if (kept != shownByReader(path("drive")))
+        return "the reader's device list isn't what it keeps";
+    QStringList patients = kept.values();
+    if (patients.removeDuplicates() > 0)
+        return "the reader keeps two pumps for a patient";
+    const QString serial = kept.key(patient);
+    if (label != (serial.isEmpty() ? "No pump assigned" : QString("Assigned pump: Serial number '%1'.").arg(serial)))
+        return QString("the session of '%1' has \"%2\", the reader '%3'").arg(patient, label, serial);
+
+    m_database.setDatabaseName(path("db"));
+    if (!m_database.open())
+        return "the database can't be opened";
+    QSqlQuery query("SELECT id, puid, file_name, bytes FROM imports JOIN import_files ON import_id = imports.id");
+    QMap<qlonglong, QString> imports;
+    while (query.next()) {
+        const qlonglong id = query.value(0).toLongLong();
+        const QString name = query.value(2).toString();
+        imports.insert(id, query.value(1).toString());
+        if (m_imports.contains(id))
+            continue;
+        if (kept.value(name.mid(1).section('_', 0, 0)) != imports[id])
+            return QString("'%1' lies under patient '%2', who doesn't have that pump").arg(name, imports[id]);
+        if (query.value(3).toByteArray().size() < 10000 ||
+            query.value(3).toByteArray() != bytesOf(path("drive/MISC/" + name)))
+            return QString("the import of '%1' isn't what lies on the drive").arg(name);
+    }
+    for (auto seen = m_imports.cbegin(); seen != m_imports.cend(); ++seen)
+        if (imports.value(seen.key()) != seen.value())
+            return QString("the import %1 went from patient '%2'").arg(seen.key()).arg(seen.value());
+    m_imports = imports;
+    return {};
 }
 
 QTEST_GUILESS_MAIN(SystemTest)
