@@ -221,16 +221,22 @@ private Q_SLOTS:
             QTest::newRow(name) << "<DEVICELIST><DEVICE>" + inside + "</DEVICE></DEVICELIST>" << devices;
         };
         QTest::newRow("two") << Devices << QStringList({"B1|S1|Sanvio Merivo|P1|paired", "|S2|Second||free"});
-        QTest::newRow("broken in the second") << Devices.left(Devices.indexOf("<NAME>Second") + 3)
-                                              << QStringList({"B1|S1|Sanvio Merivo|P1|paired", "|S2|||free"});
         QTest::newRow("missing") << QByteArray() << QStringList();
         QTest::newRow("other root") << QByteArray("<DEVICES><DEVICE/></DEVICES>") << QStringList();
         row("others in root", "</DEVICE><X><DEVICE/></X><DEVICE>", {"||||free", "||||free"});
         row("zero", "<INTERFACE><PATIENT_ID>0</PATIENT_ID></INTERFACE>", {"||||free"});
         row("two zeros", "<INTERFACE><PATIENT_ID>00</PATIENT_ID></INTERFACE>", {"|||00|paired"});
-        row("later wins", "<INTERFACE><BTADR>a</BTADR><BTADR>b</BTADR></INTERFACE>", {"b||||free"});
+        row("later wins",
+            "<NAME>a</NAME><INTERFACE><BTADR>a</BTADR><PATIENT_ID>1</PATIENT_ID></INTERFACE><SERIALNR>a</SERIALNR>"
+            "<NAME>b</NAME><INTERFACE><BTADR>b</BTADR><PATIENT_ID>0</PATIENT_ID></INTERFACE><SERIALNR>b</SERIALNR>",
+            {"b|b|b||free"});
         row("skipped whole", "<CLASS>1</CLASS><X><SERIALNR>S</SERIALNR></X><BTADR>B</BTADR>", {"||||free"});
         row("skipped inside", "<INTERFACE><X><BTADR>B</BTADR></X></INTERFACE>", {"||||free"});
+        row("stranger in a text ends all", "<NAME>a<X/></NAME><SERIALNR>S</SERIALNR></DEVICE><DEVICE>", {"||a||free"});
+        row("many", QByteArray("</DEVICE><DEVICE>").repeated(9999), QVector<QString>(10000, "||||free").toList());
+        // As deep as no stack is, for a parser that would call itself.
+        const QByteArray deep = QByteArray("<X>").repeated(1000000);
+        row("deep", deep + QByteArray("</X>").repeated(1000000) + "<INTERFACE>" + deep, {"||||free"});
         row("text as it stands", "<SERIALNR> \xC3\x84&amp;1 </SERIALNR>", {QString::fromUtf8("| Ä&1 |||free")});
     }
     void deviceList()
@@ -241,6 +247,21 @@ private Q_SLOTS:
         QCOMPARE(shown(readDeviceList(m_writer->m_path, "DEVLIST.XML")), devices);
         const QString line = "mcp|==> Number of pumps within device reader DB: %1||%2/DEVLIST.XML";
         QCOMPARE(m_host.journal.lines, QStringList(line.arg(devices.size()).arg(m_folder->misc())));
+    }
+
+    void deviceListCutAtEveryByte()
+    {
+        for (int size = 0; size < Devices.size(); ++size) {
+            const QByteArray cut = Devices.left(size);
+            QVERIFY(m_folder->writeFile("DEVLIST.XML", cut));
+            const QStringList devices = shown(readDeviceList(m_writer->m_path, "DEVLIST.XML"));
+            QCOMPARE(devices.size(), cut.count("<DEVICE>"));
+            const QStringList texts = devices.join('|').split('|');
+            for (const QByteArray text : {"B1", "S1", "P1", "S2", "Second"})
+                QCOMPARE(texts.contains(text), cut.contains(text + '<'));
+            for (const QString& text : texts) // whole or not at all
+                QVERIFY(QString("|B1|S1|Sanvio Merivo|P1|paired||S2|Second|free|").contains('|' + text + '|'));
+        }
     }
 
     void errorBox()

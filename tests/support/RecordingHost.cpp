@@ -28,6 +28,8 @@ void RecordingServices::logLine(IPlugin* source, const QString& channel, const Q
                                 const QString& detail2)
 {
     lastSource = source;
+    if (beforeLogLine)
+        beforeLogLine(message);
     m_journal.add(QStringList{channel, message, detail1, detail2}.join(QLatin1Char('|')));
 }
 

@@ -15,6 +15,7 @@
 #include <QHash>
 #include <QThread>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -51,6 +52,7 @@ public:
 
     QHash<int, QString> paths{{DatabasePath, QStringLiteral("/data/open.db")}};
     IPlugin* lastSource = nullptr;
+    std::function<void(const QString& message)> beforeLogLine; ///< called ahead of each record, if set
 
 private:
     Journal& m_journal;
