@@ -234,7 +234,7 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
     {
         const QTemporaryDir folder;
         Scenario scenario = world();
-        scenario.times = {0, 0, 60000, 0, 60000, 1000, 0, 60000, 60000, 0, 60000, 0};
+        scenario.times = {0, 0, 60000, 0, 60000, 400, 0, 60000, 60000, 0, 60000, 0};
         scenario.pumps[1].user = PumpUser::DoesNothing;
         auto bench = std::make_unique<Bench>(folder, scenario, false);
         const QByteArray commands[] = {"SEARCH 00100",     R"(BTPAIR A2 "MV 2" p2)",      "BTPAIRCONFIRM 1",
