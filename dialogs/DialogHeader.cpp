@@ -7,6 +7,7 @@
 
 #include <QLabel>
 #include <QPixmap>
+#include <QTextDocumentFragment>
 #include <QVariant>
 
 namespace {
@@ -46,6 +47,18 @@ void showPatient(QLabel* line1, QLabel* line2)
     const PatientSession* session = PatientSession::instance();
     showIfAny(line1, session->patientName());
     showIfAny(line2, session->patientIdExt());
+}
+
+QString inQuestion(const QString& text)
+{
+    constexpr int LongestReal = 200;
+    const bool isReal = text.size() <= LongestReal;
+    return (isReal ? text : text.left(LongestReal) + QChar(0x2026)).toHtmlEscaped();
+}
+
+QString plainText(const QString& text)
+{
+    return QTextDocumentFragment::fromHtml(text).toPlainText().simplified();
 }
 
 void showScaledToWidth(QLabel* label, const QString& path, int width)

@@ -22,6 +22,13 @@ void showSimulationPath(QLabel* label, const QString& path);
 /// Fills the two lines with name and further data of the open patient and hides a line that has none.
 void showPatient(QLabel* line1, QLabel* line2);
 
+/// A number or name as it goes into a question with markup: shown as it stands, so that one with "<" in it doesn't
+/// change what is asked, and cut where it is longer than any real one, so that the box fits on the screen.
+QString inQuestion(const QString& text);
+
+/// What a screen reader says for a label's text with markup, in one line.
+QString plainText(const QString& text);
+
 /// Shows the image at @p path on @p label, @p width wide, in the shape of the pixmap that the label has. A null label
 /// is ignored.
 void showScaledToWidth(QLabel* label, const QString& path, int width);

@@ -6,12 +6,16 @@
 #include <QSize>
 
 class QDialog;
+class QLabel;
 
 /// Keeps the texts of a dialog whole by a smaller font, down to one of 10 pixels.
 ///
 /// The dialogs have their sizes in pixels while fonts are in points: on a fine screen whose windows aren't scaled, or
 /// with a very long name, a text can need more room than there is. The font is looked at when the dialog shows and
 /// after each change of its texts. It never grows back, so that a dialog doesn't change its looks to and fro.
+///
+/// A plain text that no font could make room for, such as a serial number of thousands of characters, doesn't tear the
+/// dialog apart nor shrink the others: it is cut at the end of its first line, and stands whole in the tool tip.
 class FontFitter final : public QObject
 {
     Q_OBJECT
@@ -26,11 +30,12 @@ public:
 private:
     bool fits() const;
     bool shrink();
+    void layOut();
+    bool isHopeless(const QLabel& label) const;
+    bool cutHopelessTexts();
     void fit();
 
     QDialog* m_dialog;
     const QSize m_room; ///< the size that the form gives the dialog
-    /// Each step asks for a new layout, and that for the next look. A style sheet of the application can hold a font
-    /// where it is, so that no step helps: their number is bounded for the dialog's whole life.
-    int m_stepsLeft = 40;
+    int m_steps = 0;    ///< how far down the fonts have gone
 };

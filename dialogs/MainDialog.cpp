@@ -4,10 +4,12 @@
 
 #include "dialogs/DialogHeader.h"
 #include "dialogs/FontFitter.h"
+#include "dialogs/PumpAddDialog.h"
 #include "dialogs/PumpReadDialog.h"
+#include "dialogs/PumpRemoveDialog.h"
 #include "host/IDatabase.h"
 #include "host/IServices.h"
-#include "plugin/session/Logger.h"
+#include "plugin/session/LogChannels.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
@@ -27,16 +29,6 @@ constexpr QSize StateIconSize{32, 32};
 /// A shorter answer to the paired pump query, such as "0", means that there is no pump.
 constexpr int ShortestSerialNumber = 3;
 
-void trace(const QString& message)
-{
-    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("mcp"), {}, {});
-}
-
-void failure(const QString& message, const QString& detail2 = {})
-{
-    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("err"), {}, detail2);
-}
-
 } // namespace
 
 MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent)
@@ -55,7 +47,7 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
     showSimulationPath(m_SimulationLabel, m_simulationPath);
     // Nothing failed, but a log that shows no real reader must stand out.
     if (!m_simulationPath.isEmpty())
-        failure(QStringLiteral("Device reader simulation used."), m_simulationPath);
+        logFailure(QStringLiteral("Device reader simulation used."), m_simulationPath);
     showPatient(m_PatientLine1, m_PatientLine2);
 
     showScaledToWidth(m_GraphicLabel1, QStringLiteral(":/img/Images/Cygnara.svg"), PictureWidth);
@@ -67,7 +59,9 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
     policy.setRetainSizeWhenHidden(true);
     m_pumpAssignLabel->setSizePolicy(policy);
 
+    connect(m_addPumpButton, &QPushButton::clicked, this, &MainDialog::openAddDialog);
     connect(m_readPumpButton, &QPushButton::clicked, this, &MainDialog::openReadDialog);
+    connect(m_removePumpButton, &QPushButton::clicked, this, &MainDialog::openRemoveDialog);
     connect(m_DialogButtonBox, &QDialogButtonBox::clicked, this, &MainDialog::reject);
     connect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout,
             Qt::QueuedConnection);
@@ -80,7 +74,7 @@ void MainDialog::prepareReader()
 {
     StatusFileParser* parser = StatusFileParser::instance();
     const StatusRecord record = parser->readStatus();
-    trace(QStringLiteral("=?= <%1> status at open.").arg(record.toLogText()));
+    logTrace(QStringLiteral("=?= <%1> status at open.").arg(record.toLogText()));
     if (record.status != CommandStatus::Running) {
         queryPairedPump();
         return;
@@ -98,11 +92,12 @@ void MainDialog::onPrepareFinished(bool success)
 
     const CommandStatus status = parser->m_lastStatus.status;
     if (!success)
-        failure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: not executed."));
+        logFailure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: not executed."));
     else if (status == CommandStatus::Done)
-        trace(QStringLiteral("==> [Main dialog] Prepare (abort old running) succeeded."));
+        logTrace(QStringLiteral("==> [Main dialog] Prepare (abort old running) succeeded."));
     else
-        failure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: status='%1'.").arg(int(status)));
+        logFailure(
+            QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: status='%1'.").arg(int(status)));
 
     // A failed abort doesn't stop the dialog.
     QTimer::singleShot(PauseAfterAbortMs, this, &MainDialog::queryPairedPump);
@@ -110,6 +105,8 @@ void MainDialog::onPrepareFinished(bool success)
 
 void MainDialog::queryPairedPump()
 {
+    if (endedWithSession())
+        return;
     StatusFileParser* parser = StatusFileParser::instance();
     connect(parser, &StatusFileParser::finished, this, &MainDialog::onPairedPumpQueryFinished, Qt::QueuedConnection);
     PatientSession::instance()->setPump({}, {});
@@ -125,6 +122,8 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
     // From the first answer on a silent reader is the business of the pump dialogs.
     disconnect(parser, &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout);
     disconnect(parser, &StatusFileParser::finished, this, &MainDialog::onPairedPumpQueryFinished);
+    if (endedWithSession())
+        return;
     const StatusRecord record = parser->m_lastStatus;
 
     if (!success) {
@@ -134,9 +133,11 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
 
     const QString patientId = PatientSession::instance()->patientId();
     if (record.status == CommandStatus::Failed) {
-        failure(QStringLiteral("=!= Paired pump query for patient '%1' failed: <%2 : %3>.")
-                    .arg(patientId, QString::number(record.error), record.result));
+        logFailure(QStringLiteral("=!= Paired pump query for patient '%1' failed: <%2 : %3>.")
+                       .arg(patientId, QString::number(record.error), record.result));
         ErrorHandler::showError(record.error);
+        if (endedWithSession())
+            return;
         // Past the guard of reject(): the dialog is over, though what follows is carried out.
         QDialog::reject();
     }
@@ -144,14 +145,14 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
     m_pairedPumpKnown = true;
     const QString serialNumber = record.result.size() >= ShortestSerialNumber ? record.result : QString();
     PatientSession::instance()->setPumpSerialNumber(serialNumber);
-    trace(QStringLiteral("=== Paired pump query for patient '%2' finished: snr='%1'.").arg(serialNumber, patientId));
+    logTrace(QStringLiteral("=== Paired pump query for patient '%2' finished: snr='%1'.").arg(serialNumber, patientId));
     refresh();
 }
 
 void MainDialog::onPairedPumpQueryNotExecuted()
 {
-    failure(QStringLiteral("=!= %0. Paired pump query for patient '%1' not executed by device reader.")
-                .arg(QString::number(m_queryCount), PatientSession::instance()->patientId()));
+    logFailure(QStringLiteral("=!= %0. Paired pump query for patient '%1' not executed by device reader.")
+                   .arg(QString::number(m_queryCount), PatientSession::instance()->patientId()));
     if (m_queryCount > 1) {
         const QString text = tr("<b>Request of patient assigned paired pump failed.</b>") + QStringLiteral("<br/>") +
                              tr("Do you want to retry the request?");
@@ -175,20 +176,79 @@ void MainDialog::onDeviceReaderTimeout()
     QDialog::reject();
 }
 
+void MainDialog::openAddDialog()
+{
+    if (endedWithSession())
+        return;
+    PumpAddDialog dialog(m_services, m_database, m_simulationPath, nullptr);
+    const int result = dialog.exec();
+    if (endedWithSession())
+        return;
+    refresh();
+    // A pump just assigned is read without being asked.
+    if (result == QDialog::Accepted)
+        openReadDialog();
+}
+
 void MainDialog::openReadDialog()
 {
+    if (endedWithSession())
+        return;
     PumpReadDialog dialog(m_services, m_database, m_simulationPath, nullptr);
     connect(&dialog, &PumpReadDialog::importDataReady, this, &MainDialog::onImportDataReady);
     connect(&dialog, &PumpReadDialog::deviceReaderCritical, this, &MainDialog::reject, Qt::QueuedConnection);
     dialog.exec();
+    if (!endedWithSession())
+        refresh();
+}
+
+void MainDialog::openRemoveDialog()
+{
+    if (endedWithSession())
+        return;
+    PumpRemoveDialog dialog(m_services, m_database, m_simulationPath, nullptr);
+    const int result = dialog.exec();
+    if (endedWithSession())
+        return;
     refresh();
+    if (result == QDialog::Accepted) {
+        PatientSession::instance()->setPump({}, {});
+        refresh();
+    }
 }
 
 void MainDialog::onImportDataReady()
 {
+    if (endedWithSession())
+        return;
+    // What the host does with its diary on receiving the data is no concern of this run.
+    m_isOver = true;
     const QString guid = m_database->databaseGuid(m_services->path(IServices::DatabasePath));
     Q_EMIT importDataReady(guid);
     reject();
+}
+
+/// Ends the run, once, if the diary that it was opened for is gone; tells whether it is.
+bool MainDialog::endedWithSession()
+{
+    if (m_sessionGuard.holds())
+        return false;
+    if (!m_isOver) {
+        m_isOver = true; // ahead of the box, in whose event loop the reader may still answer
+        // What this run's command brought for its own patient has landed in the session of another.
+        PatientSession::instance()->setPump({}, {});
+        logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));
+        // The catalogue has no such text, so that it stands in one language.
+        LmMessageBox box(QMessageBox::Warning,
+                         tr("Merivo Connections", "Default message box title used within plugin warnings."),
+                         QStringLiteral("The patient's diary was closed or changed. Nothing was imported. Please open "
+                                        "the diary and start the plugin again."),
+                         QMessageBox::Ok, nullptr);
+        box.exec();
+        // Past the guard of reject().
+        QDialog::reject();
+    }
+    return true;
 }
 
 void MainDialog::refresh()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "dialogs/SessionGuard.h"
 #include "ui_MainDialog.h"
 
 #include <QDialog>
@@ -14,7 +15,9 @@ class IServices;
 ///
 /// Only the reader knows that pump, so on opening the dialog aborts a command that an earlier run left behind and then
 /// asks for it. Until the first answer all actions are off and the dialog can't be closed; a reader that stays silent
-/// until then, or answers with an error, ends the dialog. CommandFileWriter and StatusFileParser must outlive it.
+/// until then, or answers with an error, ends the dialog. So does a diary that is closed or changed meanwhile, at the
+/// next step: what lands in PatientSession then isn't that patient's. CommandFileWriter and StatusFileParser must
+/// outlive it.
 class MainDialog final : public QDialog, private Ui::MainDialog
 {
     Q_OBJECT
@@ -39,8 +42,11 @@ private:
     void onPairedPumpQueryFinished(bool success);
     void onPairedPumpQueryNotExecuted();
     void onDeviceReaderTimeout();
+    void openAddDialog();
     void openReadDialog();
+    void openRemoveDialog();
     void onImportDataReady();
+    bool endedWithSession();
     void refresh();
 
     IServices* m_services;
@@ -48,4 +54,6 @@ private:
     QString m_simulationPath;
     int m_queryCount = 0;           ///< paired pump queries started
     bool m_pairedPumpKnown = false; ///< false until a query has had an answer, then true for good
+    SessionGuard m_sessionGuard;
+    bool m_isOver = false; ///< the data were handed over, or the user told that the diary is another
 };

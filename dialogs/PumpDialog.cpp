@@ -40,6 +40,20 @@ void PumpDialog::reject()
         QDialog::reject();
 }
 
+void PumpDialog::accept()
+{
+    if (!endedWithSession())
+        QDialog::accept();
+}
+
+bool PumpDialog::endedWithSession()
+{
+    if (m_sessionGuard.holds())
+        return false;
+    QDialog::reject();
+    return true;
+}
+
 void PumpDialog::fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
                             const QString& simulationPath)
 {

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "dialogs/SessionGuard.h"
+
 #include <QDialog>
 #include <QMovie>
 
@@ -10,7 +12,8 @@ class IServices;
 class QLabel;
 
 /// Base of the dialogs that drive the reader: the host's interfaces, the busy animation, the end of a dialog whose
-/// reader has stopped answering, and the rule that a dialog with its Cancel button off can't be closed by the user.
+/// reader has stopped answering, and the rule that a dialog with its Cancel button off can't be closed by the user. A
+/// dialog whose diary was closed or changed does nothing more for a patient and ends as Rejected.
 class PumpDialog : public QDialog
 {
     Q_OBJECT
@@ -22,6 +25,8 @@ public:
 
     /// Closes the dialog if isCancelEnabled(), otherwise does nothing.
     void reject() override;
+    /// Closes the dialog as Accepted, or as Rejected if endedWithSession().
+    void accept() override;
     /// True if the dialog has a Cancel button and that button is enabled.
     virtual bool isCancelEnabled() const = 0;
 
@@ -35,6 +40,11 @@ protected:
     void fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
                     const QString& simulationPath);
 
+    /// To be asked before each step for a patient, and again behind a question, during which the diary may have
+    /// changed. True if the dialog's diary is gone: then the dialog closes as Rejected, whatever its Cancel button, and
+    /// the step is left out. The user is told by whoever opened the dialog.
+    bool endedWithSession();
+
     /// Shows the image at @p path on @p label, @p width wide, in the shape of the pixmap that the label has. A null
     /// label is ignored.
     void setWidthScaledPixmap(QLabel* label, const QString& path, int width);
@@ -45,4 +55,6 @@ protected:
 
 private:
     void onDeviceReaderTimeout();
+
+    SessionGuard m_sessionGuard;
 };

@@ -53,6 +53,8 @@ bool PumpReadDialog::isCancelEnabled() const
 
 void PumpReadDialog::startRead()
 {
+    if (endedWithSession())
+        return;
     setUpdatesEnabled(false);
     m_busyMovie.start();
     m_ReadButton->setEnabled(false);
@@ -109,8 +111,11 @@ void PumpReadDialog::onButtonClicked(QAbstractButton* button)
 
 void PumpReadDialog::acceptData()
 {
+    if (endedWithSession())
+        return;
     Q_EMIT importDataReady();
-    accept();
+    // The data are handed over: whatever the host does with its diary on receiving them comes too late to matter.
+    QDialog::accept();
 }
 
 void PumpReadDialog::discardData()

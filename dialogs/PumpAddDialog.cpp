@@ -1,0 +1,398 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "dialogs/PumpAddDialog.h"
+
+#include "dialogs/DevicesModel.h"
+#include "dialogs/DialogHeader.h"
+#include "plugin/session/PatientSession.h"
+#include "reader/CommandFileWriter.h"
+#include "reader/StatusFileParser.h"
+#include "toolkit/LmMessageBox.h"
+#include "workflows/AddPumpControl.h"
+
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+constexpr int PictureWidth = 200;
+constexpr int PauseAfterAbortMs = 3000;
+
+} // namespace
+
+PumpAddDialog::PumpAddDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent)
+    : PumpDialog(services, database, parent)
+    , m_control(new AddPumpControl(services, database, this))
+{
+    setupUi(this);
+    fillHeader(m_TitleLabel, m_SimulationLabel, m_PatientLine1, m_PatientLine2, simulationPath);
+    setFonts();
+    setAccessibleNames();
+
+    for (QLabel* label : {m_StartBusyLabel, m_AssignBusyLabel, m_ConfirmBusyLabel})
+        label->setMovie(&m_busyMovie);
+    // Ahead of the first layout, for which all pages count.
+    setWidthScaledPixmap(m_AssignGraphicLabel, QStringLiteral(":/img/Images/ConfirmCode.svg"), PictureWidth);
+    setWidthScaledPixmap(m_ConfirmGraphicLabel, QStringLiteral(":/img/Images/PumpFinger.svg"), PictureWidth);
+    setWidthScaledPixmap(m_ReassignGraphicLabel, QStringLiteral(":/img/Images/CancelOnPump.svg"), PictureWidth);
+    m_OverviewButton->setEnabled(true);
+    for (QPushButton* button : {m_AssignButton, m_ConfirmButton, m_DeclineButton})
+        button->hide();
+    connectAll();
+    setPage(StartPage);
+}
+
+void PumpAddDialog::setFonts()
+{
+    markBigSizeFont(m_AssignPairingCode);
+    for (QLabel* label : {m_AssignPairingCode, m_AssignSubTitle, m_ConfirmSubTitle, m_ReassignSubTitle})
+        markHighlightFont(label);
+}
+
+/// A picture, a movie and the table say to a screen reader what is written beside them.
+void PumpAddDialog::setAccessibleNames()
+{
+    m_StartBusyLabel->setAccessibleName(plainText(m_StartMessage2->text()));
+    m_PumpsOverview->setAccessibleName(plainText(m_OverviewMessage2->text()));
+    m_AssignGraphicLabel->setAccessibleName(m_AssignMessage2->text());
+    m_AssignBusyLabel->setAccessibleName(plainText(m_AssignBusyMessage->text()));
+    m_ConfirmGraphicLabel->setAccessibleName(m_ConfirmMessage->text());
+    m_ConfirmBusyLabel->setAccessibleName(plainText(m_ConfirmBusyMessage->text()));
+    m_ReassignGraphicLabel->setAccessibleName(m_ReassignMessage->text());
+}
+
+void PumpAddDialog::connectAll()
+{
+    connect(m_PumpsOverview, &DevicesTable::clicked, this, &PumpAddDialog::updateAssignButton);
+    connect(m_OverviewButton, &QPushButton::clicked, this, &PumpAddDialog::onOverviewButton);
+    connect(m_AssignButton, &QPushButton::clicked, this, &PumpAddDialog::onAssignButton);
+    connect(m_ConfirmButton, &QPushButton::clicked, this, [this] { setPage(ConfirmPage); });
+    connect(m_DeclineButton, &QPushButton::clicked, this, &PumpAddDialog::onDeclineButton);
+    connect(m_DialogButtonBox, &QDialogButtonBox::clicked, this, &PumpAddDialog::onButtonClicked);
+    connect(m_Pages, &QStackedWidget::currentChanged, this, &PumpAddDialog::onPageEntered);
+
+    connect(m_control, &AddPumpControl::pairingSearchResults, this, &PumpAddDialog::onSearchResults);
+    connect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
+    connect(m_control, &AddPumpControl::pairingCodeReceived, this, &PumpAddDialog::onCodeReceived);
+    connect(m_control, &AddPumpControl::pumpAssigned, this, &PumpAddDialog::onPumpAssigned);
+    connect(m_control, &AddPumpControl::pairingDeclineFinished, this, &PumpAddDialog::onDeclineFinished);
+    for (const auto stopped : {&AddPumpControl::pairingSearchStopped, &AddPumpControl::pairingProcessStopped,
+                               &AddPumpControl::pairingConfirmStopped, &AddPumpControl::reassignStopped})
+        connect(m_control, stopped, this, &PumpAddDialog::onWorkflowStopped);
+}
+
+bool PumpAddDialog::isCancelEnabled() const
+{
+    const QPushButton* cancel = m_DialogButtonBox->button(QDialogButtonBox::Cancel);
+    return cancel && cancel->isEnabled();
+}
+
+/// The one place where pages change.
+void PumpAddDialog::setPage(int index)
+{
+    setUpdatesEnabled(false);
+    m_OverviewButton->setVisible(index == StartPage || index == ReassignPage);
+    m_OverviewButton->setEnabled(true);
+    m_AssignButton->setVisible(index == OverviewPage);
+    m_AssignButton->setEnabled(false);
+    for (QPushButton* button : {m_ConfirmButton, m_DeclineButton}) {
+        button->setVisible(index == AssignPage);
+        button->setEnabled(false);
+    }
+
+    QDialogButtonBox::StandardButtons buttons = QDialogButtonBox::Cancel;
+    switch (index) {
+    case StartPage:
+        m_OverviewButton->setText(
+            tr("Search", "Button description within 'Start' page to search and open the 'Overview' page"));
+        break;
+    case AssignPage:
+        m_busyMovie.stop();
+        m_AssignBusyLabel->show();
+        m_AssignBusyMessage->show();
+        m_AssignPairingCode->hide();
+        m_AssignMessage2->hide();
+        break;
+    case ConfirmPage:
+        m_busyMovie.stop();
+        buttons |= QDialogButtonBox::Ok;
+        break;
+    case ReassignPage:
+        m_OverviewButton->setText(tr("Prev", "Button description within 'Reassign' page to open the 'Overview' page"));
+        buttons |= QDialogButtonBox::Ok;
+        break;
+    default:
+        break;
+    }
+    // Enabled first: a button that is made within a disabled box stays nameless for screen readers.
+    m_DialogButtonBox->setEnabled(true);
+    m_DialogButtonBox->setStandardButtons(buttons);
+    m_DialogButtonBox->show();
+
+    m_Pages->setCurrentIndex(index);
+    setUpdatesEnabled(true);
+}
+
+/// For a page that stays, but whose state begins anew.
+void PumpAddDialog::reloadPage()
+{
+    setPage(m_Pages->currentIndex());
+    onPageEntered(m_Pages->currentIndex());
+}
+
+void PumpAddDialog::onPageEntered(int index)
+{
+    switch (index) {
+    case OverviewPage: {
+        const QModelIndex single = m_PumpsOverview->selectSingleRow();
+        if (single.isValid())
+            updateAssignButton(single);
+        break;
+    }
+    case AssignPage:
+        m_busyMovie.start();
+        m_DialogButtonBox->setEnabled(false);
+        startPairing();
+        break;
+    case ConfirmPage:
+        m_busyMovie.start();
+        m_DialogButtonBox->setEnabled(false);
+        if (!endedWithSession())
+            m_control->startPairingConfirm(true);
+        break;
+    default:
+        break;
+    }
+}
+
+void PumpAddDialog::startPairing()
+{
+    const int row = selectedRow();
+    if (row < 0)
+        leave();
+    else if (!endedWithSession())
+        m_control->startPairing(row);
+}
+
+void PumpAddDialog::onOverviewButton()
+{
+    const int page = m_Pages->currentIndex();
+    if (page == ReassignPage) {
+        setPage(OverviewPage);
+        return;
+    }
+    if (page != StartPage)
+        return;
+
+    // The button follows the polling and not its own text: while a run goes on, be it one that hangs from before this
+    // dialog, it stops; a search would be a second command beside the first.
+    if (StatusFileParser::instance()->m_state != StatusFileParser::Ended) {
+        m_OverviewButton->setEnabled(false);
+        stopSearch();
+        return;
+    }
+    m_busyMovie.start();
+    m_OverviewButton->setEnabled(false);
+    m_DialogButtonBox->setEnabled(false);
+    m_control->startPairingSearch();
+}
+
+void PumpAddDialog::onSearchProgress(const QString&, int percentage)
+{
+    if (percentage == 100) {
+        m_OverviewButton->setEnabled(false);
+    } else if (percentage > 0 && !m_OverviewButton->isEnabled()) {
+        m_OverviewButton->setText(tr("Stop", "Button description within 'Start' page to stop the search"));
+        m_OverviewButton->setEnabled(true);
+    }
+}
+
+void PumpAddDialog::stopSearch()
+{
+    m_DialogButtonBox->setEnabled(false);
+    // A report that is still on its way must not offer "Stop" again.
+    disconnect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
+    StatusFileParser* parser = StatusFileParser::instance();
+    parser->cancel();
+    CommandFileWriter::instance()->abort();
+    QTimer::singleShot(PauseAfterAbortMs, this, [this, parser] {
+        connect(parser, &StatusFileParser::finished, this, &PumpAddDialog::onAbortFinished, Qt::QueuedConnection);
+        parser->start(20, 10, 5);
+    });
+}
+
+void PumpAddDialog::onAbortFinished(bool success)
+{
+    m_busyMovie.stop();
+    disconnect(StatusFileParser::instance(), &StatusFileParser::finished, this, &PumpAddDialog::onAbortFinished);
+    connect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
+    if (!success)
+        warn(tr("Something is wrong with the devicereader. Please reconnect it to the PC."));
+    if (m_Pages->currentIndex() == StartPage)
+        reloadPage();
+    else
+        leave();
+}
+
+void PumpAddDialog::onSearchResults(const QList<DeviceInfo>& devices)
+{
+    m_busyMovie.stop();
+    if (devices.isEmpty()) {
+        warn(tr("No device was found."));
+        reloadPage();
+        return;
+    }
+    m_PumpsOverview->setDevicesModel(new DevicesModel(devices, m_PumpsOverview));
+    setPage(OverviewPage);
+}
+
+/// The row that the user chose, or -1 behind a warning.
+int PumpAddDialog::selectedRow()
+{
+    const QModelIndexList indexes = m_PumpsOverview->selectedIndexes();
+    // Compared with the number of selected cells, not with that of the rows: with one row of three columns only the
+    // first three rows count as selected. This is how the dialog is known to behave, and stays.
+    if (!indexes.isEmpty() && indexes.first().row() < indexes.size())
+        return indexes.first().row();
+    warn(tr("No device selected."));
+    return -1;
+}
+
+void PumpAddDialog::updateAssignButton(const QModelIndex& index)
+{
+    const bool isOthers = m_PumpsOverview->devicesModel()->isAssignedToOther(index.row());
+    m_AssignButton->setText(isOthers ? tr("Reassign") : tr("Assign"));
+    m_AssignButton->setEnabled(true);
+}
+
+void PumpAddDialog::onAssignButton()
+{
+    setPage(m_PumpsOverview->currentIsAssignedToOther() ? ReassignPage : AssignPage);
+}
+
+/// The button box stays off: with the code on both displays, the ways on are "Confirm" and "Decline" alone.
+void PumpAddDialog::onCodeReceived(const QString& confirmCode)
+{
+    setUpdatesEnabled(false);
+    m_AssignPairingCode->setText(confirmCode);
+    m_AssignPairingCode->show();
+    m_AssignMessage2->show();
+    m_AssignBusyLabel->hide();
+    m_AssignBusyMessage->hide();
+    m_ConfirmButton->setEnabled(true);
+    m_DeclineButton->setEnabled(true);
+    setUpdatesEnabled(true);
+}
+
+void PumpAddDialog::onDeclineButton()
+{
+    m_busyMovie.start();
+    m_ConfirmButton->setEnabled(false);
+    m_DeclineButton->setEnabled(false);
+    if (!endedWithSession())
+        m_control->startPairingConfirm(false);
+}
+
+/// A decline ends the dialog whatever the reader made of it; the box is off, so past the guard of reject().
+void PumpAddDialog::onDeclineFinished()
+{
+    if (m_Pages->currentIndex() == AssignPage)
+        QDialog::reject();
+}
+
+void PumpAddDialog::onPumpAssigned()
+{
+    switch (m_Pages->currentIndex()) {
+    case ReassignPage:
+        accept();
+        break;
+    case ConfirmPage:
+        // The user completes the pairing on the pump and presses OK then. The pump is assigned already, also for a user
+        // who cancels now.
+        setUpdatesEnabled(false);
+        m_busyMovie.stop();
+        m_ConfirmBusyLabel->hide();
+        m_ConfirmBusyMessage->hide();
+        m_DialogButtonBox->setEnabled(true);
+        setUpdatesEnabled(true);
+        break;
+    default:
+        break;
+    }
+}
+
+void PumpAddDialog::onWorkflowStopped()
+{
+    leave();
+}
+
+void PumpAddDialog::onButtonClicked(QAbstractButton* button)
+{
+    m_DialogButtonBox->setEnabled(false);
+    switch (m_DialogButtonBox->standardButton(button)) {
+    case QDialogButtonBox::Cancel:
+        leave();
+        break;
+    case QDialogButtonBox::Abort: // no page has this button; "Stop" is the way there
+        stopSearch();
+        break;
+    case QDialogButtonBox::Ok:
+        if (m_Pages->currentIndex() == ReassignPage)
+            onReassignConfirmed();
+        else if (m_Pages->currentIndex() == ConfirmPage)
+            accept();
+        break;
+    default:
+        reject();
+    }
+}
+
+void PumpAddDialog::onReassignConfirmed()
+{
+    const int row = selectedRow();
+    if (row < 0) {
+        leave();
+        return;
+    }
+    if (endedWithSession())
+        return;
+
+    const DeviceInfo device = m_PumpsOverview->devicesModel()->deviceAt(row);
+    LmMessageBox box(QMessageBox::Question,
+                     tr("Merivo Connections", "Default message box title used within plugin questions."),
+                     reassignQuestion(device), QMessageBox::Yes | QMessageBox::No, nullptr);
+    // Behind a No the box stays off, as the click on OK left it: the user thinks again from the list, by "Prev".
+    if (box.exec() == QMessageBox::No || endedWithSession())
+        return;
+
+    m_OverviewButton->setEnabled(false);
+    m_DialogButtonBox->setEnabled(false);
+    m_control->startReassign(row);
+}
+
+QString PumpAddDialog::reassignQuestion(const DeviceInfo& device) const
+{
+    // All at once: a name with "%3" in it must not change what is asked.
+    const QString oldPatient = PatientSession::patientName(PatientSession::patientIdsOf(device.patientId));
+    const QString question =
+        tr("Are you sure to reassign the pump <b>%1</b> from patient <b>'%2'</b> to patient <b>'%3'</b>?")
+            .arg(inQuestion(device.serialNumber), inQuestion(oldPatient),
+                 inQuestion(PatientSession::instance()->patientName()));
+    return question + QStringLiteral("<br/>") +
+           tr("<b>Note:</b><br/><i>The data that was downloaded from the pump remains in the patient record.</b>");
+}
+
+/// Closes the dialog as Rejected, also where its box is off.
+void PumpAddDialog::leave()
+{
+    m_DialogButtonBox->setEnabled(true);
+    reject();
+}
+
+void PumpAddDialog::warn(const QString& text)
+{
+    LmMessageBox box(QMessageBox::Warning,
+                     tr("Merivo Connections", "Default message box title used within plugin warnings."), text,
+                     QMessageBox::Ok, nullptr);
+    box.exec();
+}

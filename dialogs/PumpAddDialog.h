@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "dialogs/PumpDialog.h"
+#include "reader/DeviceList.h"
+#include "ui_PumpAddDialog.h"
+
+class AddPumpControl;
+
+/// Leads through assigning a pump to the open patient, page by page: look for pumps, choose one, compare its code,
+/// confirm on the pump; or take over a pump that the reader has paired to another patient.
+///
+/// The way goes to the right only, but for "Prev" from the reassign page to the list. The dialog can be left while no
+/// command runs. Accepted tells that the pump is assigned and may be read; also a Rejected dialog can leave a pump
+/// assigned, if the user cancels behind the pairing: PatientSession has what holds.
+class PumpAddDialog final : public PumpDialog, private Ui::PumpAddDialog
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(PumpAddDialog)
+
+public:
+    PumpAddDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
+
+    bool isCancelEnabled() const override;
+
+private:
+    enum Page { StartPage, OverviewPage, AssignPage, ConfirmPage, ReassignPage };
+
+    void setFonts();
+    void setAccessibleNames();
+    void connectAll();
+
+    void setPage(int index);
+    void reloadPage();
+    void onPageEntered(int index);
+    void startPairing();
+
+    void onOverviewButton();
+    void onSearchProgress(const QString& serialNumber, int percentage);
+    void stopSearch();
+    void onAbortFinished(bool success);
+    void onSearchResults(const QList<DeviceInfo>& devices);
+
+    int selectedRow();
+    void updateAssignButton(const QModelIndex& index);
+    void onAssignButton();
+    void onCodeReceived(const QString& confirmCode);
+    void onDeclineButton();
+    void onDeclineFinished();
+    void onPumpAssigned();
+    void onWorkflowStopped();
+    void onButtonClicked(QAbstractButton* button);
+    void onReassignConfirmed();
+    QString reassignQuestion(const DeviceInfo& device) const;
+
+    void leave();
+    void warn(const QString& text);
+
+    AddPumpControl* m_control; ///< child of the dialog
+};

@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "dialogs/PumpRemoveDialog.h"
+
+#include "dialogs/DevicesModel.h"
+#include "dialogs/DialogHeader.h"
+#include "plugin/session/PatientSession.h"
+#include "toolkit/LmMessageBox.h"
+#include "workflows/RemovePumpControl.h"
+
+#include <QDebug>
+#include <QPushButton>
+
+PumpRemoveDialog::PumpRemoveDialog(IServices* services, IDatabase* database, const QString& simulationPath,
+                                   QWidget* parent)
+    : PumpDialog(services, database, parent)
+    , m_control(new RemovePumpControl(this))
+{
+    setupUi(this);
+    fillHeader(m_TitleLabel, m_SimulationLabel, m_PatientLine1, m_PatientLine2, simulationPath);
+    m_PumpsOverview->setAccessibleName(plainText(m_PumpsListLabel->text()));
+
+    m_DialogButtonBox->button(QDialogButtonBox::Ok)->setText(tr("Remove", "Description on the dialog accept button"));
+
+    DeviceInfo device;
+    device.serialNumber = PatientSession::instance()->pumpSerialNumber();
+    device.deviceName = PatientSession::instance()->deviceName();
+    m_PumpsOverview->setDevicesModel(new DevicesModel(device, m_PumpsOverview));
+    m_PumpsOverview->setColumnHidden(DevicesModel::AssignedTo, true);
+    onCurrentRowChanged(m_PumpsOverview->selectSingleRow());
+
+    connect(m_PumpsOverview, &DevicesTable::clicked, this, &PumpRemoveDialog::onCurrentRowChanged);
+    connect(m_DialogButtonBox, &QDialogButtonBox::clicked, this, &PumpRemoveDialog::onButtonClicked);
+    connect(m_control, &RemovePumpControl::removingSucceeded, this, &PumpRemoveDialog::onRemovingSucceeded);
+    connect(m_control, &RemovePumpControl::removingFinished, this, &PumpRemoveDialog::onRemovingFailed);
+}
+
+bool PumpRemoveDialog::isCancelEnabled() const
+{
+    const QPushButton* cancel = m_DialogButtonBox->button(QDialogButtonBox::Cancel);
+    return cancel && cancel->isEnabled();
+}
+
+void PumpRemoveDialog::onCurrentRowChanged(const QModelIndex& index)
+{
+    qDebug().noquote() << QStringLiteral("Current row = '%1'").arg(index.row());
+    m_DialogButtonBox->button(QDialogButtonBox::Ok)->setEnabled(index.row() >= 0);
+}
+
+void PumpRemoveDialog::onButtonClicked(QAbstractButton* button)
+{
+    if (m_DialogButtonBox->standardButton(button) == QDialogButtonBox::Ok)
+        askAndRemove();
+    else
+        reject();
+}
+
+void PumpRemoveDialog::askAndRemove()
+{
+    if (endedWithSession())
+        return;
+    const PatientSession* session = PatientSession::instance();
+    const QString question = tr("Are you sure to remove the pump <b>%1</b> from patient <b>%2</b>?")
+                                 .arg(inQuestion(session->pumpSerialNumber()), inQuestion(session->patientName()));
+    LmMessageBox box(
+        QMessageBox::Question, tr("Merivo Connections", "Default message box title used within plugin questions."),
+        question + QStringLiteral("<br/>") + m_NoteLabel->text(), QMessageBox::Yes | QMessageBox::No, nullptr);
+    if (box.exec() != QMessageBox::Yes || endedWithSession())
+        return;
+
+    m_DialogButtonBox->setEnabled(false);
+    m_control->startRemoving();
+}
+
+void PumpRemoveDialog::onRemovingSucceeded()
+{
+    m_DialogButtonBox->setEnabled(true);
+    accept();
+}
+
+void PumpRemoveDialog::onRemovingFailed()
+{
+    m_DialogButtonBox->setEnabled(true);
+    reject();
+}
