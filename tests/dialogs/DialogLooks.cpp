@@ -3,9 +3,11 @@
 #include "dialogs/DialogLooks.h"
 
 #include <QAccessible>
+#include <QHeaderView>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTableView>
 #include <QTest>
 
 #include <algorithm>
@@ -21,6 +23,16 @@ QSize neededRoom(const QWidget& widget)
     }
     if (qobject_cast<const QPushButton*>(&widget) || qobject_cast<const QProgressBar*>(&widget))
         return {widget.minimumSizeHint().width(), widget.fontMetrics().height()};
+    const auto* header = qobject_cast<const QHeaderView*>(&widget);
+    const auto* table = header ? qobject_cast<const QTableView*>(header->parentWidget()) : nullptr;
+    // With large fonts on a screen that isn't scaled the serial number alone must be whole.
+    const int columns = table && header->orientation() == Qt::Horizontal ? header->count() : 0;
+    for (int i = 0; i < (widget.logicalDpiX() > 96 ? qMin(columns, 1) : columns); ++i) {
+        const QAbstractItemView* cells = table; // where the hint is public
+        if (qMax(header->sectionSizeHint(i), cells->sizeHintForColumn(i)) > header->sectionSize(i) &&
+            !table->isColumnHidden(i))
+            return {header->width() + 1, 0};
+    }
     return {0, 0};
 }
 
@@ -65,8 +77,8 @@ QStringList namelessWidgets(const QWidget& window)
     QStringList found;
     const QList<QWidget*> widgets = window.findChildren<QWidget*>();
     for (QWidget* widget : widgets) {
-        const bool needsName =
-            isPicture(widget) || qobject_cast<QPushButton*>(widget) || qobject_cast<QProgressBar*>(widget);
+        const bool needsName = isPicture(widget) || qobject_cast<QPushButton*>(widget) ||
+                               qobject_cast<QProgressBar*>(widget) || qobject_cast<QTableView*>(widget);
         if (needsName && widget->isVisible() &&
             QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name).isEmpty())
             found.append(nameOf(widget));

@@ -20,6 +20,7 @@ public:
         QString text;
         QMessageBox::StandardButtons buttons;
         QWidget* parent;
+        QSize size;
     };
 
     /// Each box gets a line "box|title|text" in @p journal, if given, at the moment when it is seen.
