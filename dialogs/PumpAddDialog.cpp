@@ -297,7 +297,7 @@ void PumpAddDialog::onDeclineButton()
 void PumpAddDialog::onDeclineFinished()
 {
     if (m_Pages->currentIndex() == AssignPage)
-        QDialog::reject();
+        done(Rejected);
 }
 
 void PumpAddDialog::onPumpAssigned()

@@ -115,7 +115,7 @@ void PumpReadDialog::acceptData()
         return;
     Q_EMIT importDataReady();
     // The data are handed over: whatever the host does with its diary on receiving them comes too late to matter.
-    QDialog::accept();
+    done(Accepted);
 }
 
 void PumpReadDialog::discardData()
