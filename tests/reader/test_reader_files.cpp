@@ -230,8 +230,8 @@ private Q_SLOTS:
             "<NAME>a</NAME><INTERFACE><BTADR>a</BTADR><PATIENT_ID>1</PATIENT_ID></INTERFACE><SERIALNR>a</SERIALNR>"
             "<NAME>b</NAME><INTERFACE><BTADR>b</BTADR><PATIENT_ID>0</PATIENT_ID></INTERFACE><SERIALNR>b</SERIALNR>",
             {"b|b|b||free"});
-        row("skipped whole", "<CLASS>1</CLASS><X><SERIALNR>S</SERIALNR></X><BTADR/><NAME>n</NAME>", {"||n||free"});
-        row("skipped inside", "<INTERFACE><X><BTADR>B</BTADR></X></INTERFACE>", {"||||free"});
+        row("skipped whole", "<X><SERIALNR>S</SERIALNR></X><BTADR/><NAME>cygnara</NAME>", {"||cygnara||free"});
+        row("inside", "<INTERFACE><X><BTADR>B</BTADR></X><PATIENT_ID> 0</PATIENT_ID></INTERFACE>", {"||| 0|paired"});
         row("stranger in a text ends all", "<SERIALNR>S<X/></SERIALNR><NAME>n</NAME></DEVICE><DEVICE>", {"|S|||free"});
         row("many", QByteArray("</DEVICE><DEVICE>").repeated(9999), QVector<QString>(10000, "||||free").toList());
         // As deep as no stack is, for a parser that would call itself.

@@ -157,6 +157,7 @@ BTISPAIRED p1 = done MV-1 0; BTISPAIRED  = done 0 0; BTREAD "" = failed  31; BTD
 BTREAD "MV-1" = done IMV-1_0001.xml 0; BTREAD "MV-1" = done IMV-1_0002.xml 0; BTPAIR A2 "" p2 = failed  31
 BTREAD "MV 2" = failed  31; BTREAD "MV-3" = failed  31; BTREAD "MV-4" = failed  32; BTPAIR A2 "MV 2"  = failed  25
 BTPAIRCONFIRM 1 = failed  20; BTPAIR A2 "MV 2" p2 = done 4711 0; ABORT  = done  0; BTPAIRCONFIRM 1 = failed  20
+BTPAIR A2 "MV 2" p2 = done 4711 0; BTISPAIRED p2 = done 0 0; BTPAIRCONFIRM 1 = failed  20
 BTPAIR A2 "MV 2" p2 = done 4711 0; BTPAIRCONFIRM 0 = done  0; BTISPAIRED p2 = done 0 0; BTPAIR A1 "MV 2" p2 = failed  31
 BTPAIR A2 "MV 2" {p 2} = done 4711 0; BTPAIRCONFIRM 1 = done MV 2 0; BTISPAIRED {p 2} = done MV 2 0
 BTPUMPREASSIGN "MV-3" p1 = done MV-3 0; BTISPAIRED p1 = done MV-3 0; BTISPAIRED p3 = done 0 0

@@ -88,6 +88,7 @@ private Q_SLOTS:
         };
         // Where a box comes ahead of the log line and where behind it, and where the session: uneven on purpose.
         row("S-2", "", "err|=!= [Add] Pairing search failed.\nsearch stopped 4");
+        row("S-3", "", "err|=!= [Add] Pairing search failed.\nsearch stopped 4");
         row("S+0", "", "");
         row("S+1", "", "[box]\nerr|=!= [Add] Pairing search failed: status='1'.\nsearch stopped 1");
         row("S+2", "",
@@ -115,6 +116,7 @@ private Q_SLOTS:
         row("S+2 P+2 C+2", "",
             "mcp|==> [Add] Pairing confirm succeeded: status='2'.\npump PU123/Sanvio Merivo\nassigned");
         row("S+2 P+2 C+3", "", "err|=!= [Add] Pairing confirm failed: status='3'.\n[none]\nconfirm stopped 3");
+        row("S+2 P+2 C+4", "", "err|=!= [Add] Pairing confirm failed: status='4'.\n[none]\nconfirm stopped 4");
         row("S+2 P+2 D-1", "", "err|=!= [Add] Pairing decline failed.\ndecline finished 4");
         row("S+2 P+2 D+1", "", "mcp|==> [Add] Pairing decline finished: status='1'.\ndecline finished 1");
         row("S+2 P+2 D+2", "", "mcp|==> [Add] Pairing decline finished: status='2'.\ndecline finished 2");
@@ -122,10 +124,12 @@ private Q_SLOTS:
         row("S+2 A+1", "", "[box]\nerr|=!= [Add] Reassign failed: status='1'.\n[none]\nreassign stopped 1");
         row("S+2 A+2", "", "pump PU2/Sanvio Merivo\nmcp|==> [Add] Reassign succeeded: status='2'.\nassigned");
         row("S+2 A+3", "", "err|=!= [Add] Reassign failed: status='3'.\nreassign stopped 3");
+        row("S+2 A+4", "", "err|=!= [Add] Reassign failed: status='4'.\nreassign stopped 4");
         row("X-2", "", "err|=!= [Remove] Removing failed.\nremoving 4");
         row("X+1", "", "[box]\nerr|=!= [Remove] Removing failed: error='32'.\nremoving 1");
         row("X+2", "", "mcp|==> [Remove] Removing succeeded: status='2'.\nremoved");
         row("X+3", "", "err|=!= [Remove] Removing failed: error='32'.\nremoving 3");
+        row("X+4", "", "err|=!= [Remove] Removing failed: error='32'.\nremoving 4");
 
         const char* success = "progress 'PU123' 100\nfile [misc]/%1\n"
                               "mcp|==> [Read] Readout succeeded: status='2'.||[misc]/%1\nsucceeded";
@@ -217,6 +221,9 @@ private Q_SLOTS:
             end(true, 2, code);
             QCOMPARE(m_host.journal.lines.last(), "code '" + code + '\'');
         }
+        QVERIFY(QDir(m_reader->misc()).removeRecursively()); // a command that can't be written is awaited all the same
+        m_add->startPairing(1);
+        QCOMPARE(m_host.journal.lines.last(), QString("poll 120 0 500"));
     }
 
     void searchThenReadout()
@@ -290,7 +297,9 @@ private:
     {
         StatusFileParser* parser = StatusFileParser::instance();
         parser->m_lastStatus = {"h", "X", CommandStatus(status), result, 32};
+        const QStringList before = m_host.journal.lines;
         Q_EMIT parser->finished(success);
+        QCOMPARE(m_host.journal.lines, before); // the handlers don't run on the thread that emits
         QCoreApplication::sendPostedEvents();
     }
 
