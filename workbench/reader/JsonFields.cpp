@@ -4,6 +4,7 @@
 
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <cmath>
 
 JsonFields::JsonFields(const QJsonValue& value, const QString& path, QStringList* errors)
@@ -48,10 +49,13 @@ void JsonFields::text(const QString& name, QString* target)
     if (!value.isString())
         return fail(name, QStringLiteral("must be a text"));
     const QString text = value.toString();
-    for (const QChar c : text) {
-        if (c.unicode() < 0x20 || c.unicode() == 0x7f)
-            return fail(name, QStringLiteral("must not hold control characters"));
-    }
+    const bool isControl =
+        std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7f; });
+    if (isControl)
+        return fail(name, QStringLiteral("must not hold control characters"));
+    // Half a surrogate pair, say: a device list with it would break off there.
+    if (QString::fromUtf8(text.toUtf8()) != text || text.contains(QChar(0xfffe)) || text.contains(QChar(0xffff)))
+        return fail(name, QStringLiteral("must hold whole characters"));
     *target = text;
 }
 

@@ -10,6 +10,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -18,6 +19,7 @@ const QString Running = QStringLiteral("running");
 const QString Failed = QStringLiteral("failed");
 const QString Done = QStringLiteral("done");
 const QString NoPump = QStringLiteral("0");
+const int LongestSerialInName = 64;
 /// Behind the name of an exchange file that is being written.
 const QString Unfinished = QStringLiteral(".part");
 
@@ -29,7 +31,8 @@ QString memoryFile(const ReaderDrive& drive)
 QString exchangeName(const Pump& pump, int number)
 {
     QString serial;
-    for (const QChar c : pump.serialNumber)
+    // The number tells the files apart; a name has an end, a serial number hasn't.
+    for (const QChar c : pump.serialNumber.left(LongestSerialInName))
         serial += c.unicode() < 0x80 && c.isLetterOrNumber() ? c : QLatin1Char('-');
     return QStringLiteral("I%1_%2.xml").arg(serial).arg(number, 4, 10, QLatin1Char('0'));
 }
@@ -380,7 +383,8 @@ void ReaderSimulator::tie(const QString& serialNumber, const QString& patientId)
     QString error;
     if (!saveMemory(memoryFile(m_drive), m_memory, &error))
         fail(error);
-    writeDeviceList();
+    else
+        writeDeviceList();
 }
 
 void ReaderSimulator::writeDeviceList()
@@ -411,7 +415,8 @@ int ReaderSimulator::duration(int milliseconds)
         return m_behaviour.extraMs;
     const int percent =
         m_scenario.jitterPercent > 0 ? m_random.bounded(-m_scenario.jitterPercent, m_scenario.jitterPercent + 1) : 0;
-    return milliseconds + milliseconds * percent / 100 + m_behaviour.extraMs;
+    const qint64 slowed = qint64(milliseconds) + milliseconds * percent / 100 + m_behaviour.extraMs;
+    return int(std::min<qint64>(slowed, std::numeric_limits<int>::max()));
 }
 
 void ReaderSimulator::fail(const QString& error)
