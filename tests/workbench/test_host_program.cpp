@@ -225,7 +225,8 @@ private Q_SLOTS:
         const QString wrong =
             "jump m_Button = unknown step 'jump'; click = takes 1 words, not 0; quit now = takes 0 words, not 1\n"
             "click \"a = a quote isn't closed; click \"a\"b = touches the word; click a\"b\" = touches the word\n"
-            "wait a shiny = unknown state 'shiny'; limit nan = isn't a limit; wait dialog a shut = 'open' or 'closed'\n"
+            "wait a shiny = unknown state 'shiny'; limit nan = isn't a time; pause 0 = isn't a time; wait dialog a "
+            "shut = 'open' or 'closed'\n"
             "wait a text b = text takes 'equals' or 'contains'; wait box name a = box takes 'title T'\n"
             "expect imports some = imports takes a count; expect a rows -1 = rows takes a count\n"
             "click a within soon = 'within' takes; click a within 0 = 'within' takes; answer Yes title = 'answer' "

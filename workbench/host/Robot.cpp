@@ -191,6 +191,7 @@ Robot::Outcome Robot::attempt(const RobotStep& step)
         {QStringLiteral("key"), &Robot::pressKey},
         {QStringLiteral("open"), &Robot::openDiary},
         {QStringLiteral("patient"), &Robot::addPatient},
+        {QStringLiteral("pause"), &Robot::pause},
         {QStringLiteral("picture"), &Robot::takePicture},
         {QStringLiteral("quit"), &Robot::quit},
         {QStringLiteral("row"), &Robot::selectRow},
@@ -359,6 +360,11 @@ Robot::Outcome Robot::pressKey(const RobotStep& step)
     return waiting({});
 }
 
+Robot::Outcome Robot::pause(const RobotStep& step)
+{
+    return m_clock.hasExpired(qRound64(step.words.at(0).toDouble() * 1000)) ? Outcome() : waiting({});
+}
+
 Robot::Outcome Robot::answer(const RobotStep& step)
 {
     const Outcome outcome = checkBox(step.words, 1);
@@ -391,7 +397,7 @@ Robot::Outcome Robot::takePicture(const RobotStep& step)
     if (!file.endsWith(QLatin1String(".png")))
         file += QLatin1String(".png");
     QDir().mkpath(QFileInfo(file).path());
-    return widget->grab().save(file, "PNG") ? Outcome() : failed(QStringLiteral("'%1' can't be written").arg(file));
+    return widget->grab().save(file, "PNG", 0) ? Outcome() : failed(QStringLiteral("'%1' can't be written").arg(file));
 }
 
 Robot::Outcome Robot::closeWindow(const RobotStep& step)

@@ -73,6 +73,7 @@ private:
     Outcome click(const RobotStep& step);
     Outcome selectRow(const RobotStep& step);
     Outcome type(const RobotStep& step);
+    Outcome pause(const RobotStep& step);
     Outcome pressKey(const RobotStep& step);
     Outcome answer(const RobotStep& step);
     Outcome takePicture(const RobotStep& step);

@@ -28,12 +28,13 @@ struct Arity
 
 /// How many words follow each verb.
 const QHash<QString, Arity> Verbs{
-    {QStringLiteral("answer"), {1, 5}},  {QStringLiteral("ask"), {1, 2}},         {QStringLiteral("click"), {1, 1}},
-    {QStringLiteral("close"), {1, 1}},   {QStringLiteral("close-diary"), {0, 0}}, {QStringLiteral("drive"), {1, 1}},
-    {QStringLiteral("expect"), {1, 5}},  {QStringLiteral("include"), {1, 1}},     {QStringLiteral("key"), {1, 2}},
-    {QStringLiteral("limit"), {1, 1}},   {QStringLiteral("open"), {1, 1}},        {QStringLiteral("patient"), {2, 5}},
-    {QStringLiteral("picture"), {1, 2}}, {QStringLiteral("quit"), {0, 0}},        {QStringLiteral("row"), {2, 2}},
-    {QStringLiteral("trigger"), {0, 1}}, {QStringLiteral("type"), {2, 2}},        {QStringLiteral("wait"), {1, 5}},
+    {QStringLiteral("answer"), {1, 5}}, {QStringLiteral("ask"), {1, 2}},         {QStringLiteral("click"), {1, 1}},
+    {QStringLiteral("close"), {1, 1}},  {QStringLiteral("close-diary"), {0, 0}}, {QStringLiteral("drive"), {1, 1}},
+    {QStringLiteral("expect"), {1, 5}}, {QStringLiteral("include"), {1, 1}},     {QStringLiteral("key"), {1, 2}},
+    {QStringLiteral("limit"), {1, 1}},  {QStringLiteral("open"), {1, 1}},        {QStringLiteral("patient"), {2, 5}},
+    {QStringLiteral("pause"), {1, 1}},  {QStringLiteral("picture"), {1, 2}},     {QStringLiteral("quit"), {0, 0}},
+    {QStringLiteral("row"), {2, 2}},    {QStringLiteral("trigger"), {0, 1}},     {QStringLiteral("type"), {2, 2}},
+    {QStringLiteral("wait"), {1, 5}},
 };
 
 const QStringList WidgetStates{QStringLiteral("visible"),  QStringLiteral("hidden"),  QStringLiteral("enabled"),
@@ -151,8 +152,8 @@ QString whatIsWrong(const RobotStep& step)
         return whatIsWrongWithCondition(step.words);
     if (step.verb == QLatin1String("answer") && !areBoxTexts(step.words, 1))
         return QStringLiteral("'answer' takes a button, then 'title T' and 'text T'");
-    if (step.verb == QLatin1String("limit") && !limitOf(step.words.at(0)))
-        return QStringLiteral("'%1' isn't a limit in seconds, above 0 and up to 3600").arg(step.words.at(0));
+    if ((step.verb == QLatin1String("limit") || step.verb == QLatin1String("pause")) && !limitOf(step.words.at(0)))
+        return QStringLiteral("'%1' isn't a time in seconds, above 0 and up to 3600").arg(step.words.at(0));
     if (step.verb == QLatin1String("key") && !RobotScript::keyCombination(step.words.at(0)))
         return QStringLiteral("there is no key '%1'").arg(step.words.at(0));
     if (step.verb == QLatin1String("patient"))
@@ -237,6 +238,8 @@ bool RobotScript::append(const QString& name, const QString& text, int depth, QS
         const QString wrong = whatIsWrong(step);
         if (!wrong.isEmpty())
             return refuse(wrong);
+        if (step.verb == QLatin1String("pause"))
+            step.limit += *limitOf(step.words.at(0));
         if (step.verb == QLatin1String("limit")) {
             limit = *limitOf(step.words.at(0));
         } else if (step.verb == QLatin1String("include")) {
