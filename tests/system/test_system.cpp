@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
+#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -7,6 +8,7 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -134,18 +136,20 @@ void SystemTest::wholeRun()
     QByteArray told;
     while (host.state() != QProcess::NotRunning && host.waitForReadyRead(LimitMs))
         while (host.canReadLine()) {
-            const QByteArray line = host.readLine();
-            told += line;
-            const QJsonObject step = QJsonDocument::fromJson(line).object();
+            told += host.readLine();
+            const QJsonObject step = QJsonDocument::fromJson(told.mid(told.lastIndexOf('\n', -2) + 1)).object();
             if (step.contains("asks"))
                 host.write(answerTo(step).toUtf8() + '\n');
         }
     host.waitForFinished(5000);
     const bool isEnded =
         host.state() == QProcess::NotRunning && host.exitStatus() == QProcess::NormalExit && host.exitCode() == 0;
-    told += host.readAllStandardError();
     const QString records = QString::fromUtf8(bytesOf(path("host.log")));
-    QVERIFY2(isEnded, told + records.toUtf8() + bytesOf(path("reader.log")));
+    const auto logs = qScopeGuard([&] {
+        if (QTest::currentTestFailed())
+            qInfo().noquote() << told << '\n' << records << '\n' << bytesOf(path("reader.log"));
+    });
+    QVERIFY2(isEnded, host.readAllStandardError());
     QVERIFY2(m_comparedPatients.contains("P-1") && m_comparedPatients.contains("P-2"), "not compared at the end");
 
     QString end;
@@ -159,7 +163,7 @@ void SystemTest::wholeRun()
     int at = 0;
     for (const QString& text : textsBehind("#log ", steps)) {
         at = records.indexOf(text, at);
-        QVERIFY2(at >= 0, qPrintable(text + " isn't there, or not in its place, in\n" + records));
+        QVERIFY2(at >= 0, qPrintable(text + " isn't in the host's log, or not in its place"));
     }
 }
 
@@ -170,9 +174,12 @@ bool SystemTest::startReader(const QString& arguments)
         return !QFile::exists(path("drive")) || QFile::rename(path("drive"), path("unplugged"));
     if (!QFile::rename(path("unplugged"), path("drive")))
         QDir(m_folder->path()).mkdir("drive");
+    QStringList all =
+        arguments.split(' ', Qt::SkipEmptyParts) + QStringList{"--log", path("reader.log"), path("drive")};
+    if (!arguments.contains("--scenario"))
+        all += {"--scenario", "one.json"};
     m_reader.setWorkingDirectory(STEPS);
-    m_reader.start(MERIVO_READER_PROGRAM, arguments.split(' ', Qt::SkipEmptyParts) +
-                                              QStringList{"--instant", "--log", path("reader.log"), path("drive")});
+    m_reader.start(MERIVO_READER_PROGRAM, all);
     return m_reader.waitForLine("merivo-reader: serving");
 }
 
