@@ -51,3 +51,22 @@ build() {
     printf "Checks: '-*,misc-definitions-in-headers'\n" >"build/$preset/.clang-tidy"
     cmake --build --preset "$preset"
 }
+
+# start_reader FOLDER ARGUMENT...: lets a reader of the demo build serve FOLDER/drive, and waits until it does. It ends
+# with the script.
+start_reader() {
+    local folder=$1
+    shift
+    mkdir -p "$folder/drive"
+    say "Starting a reader on $folder/drive"
+    build/demo/workbench/reader/merivo-reader "$@" --log "$folder/reader.log" "$folder/drive" >"$folder/reader.out" 2>&1 &
+    reader=$!
+    trap 'kill "$reader" 2>/dev/null || true' EXIT
+    local i
+    for ((i = 0; i < 100; ++i)); do
+        ! grep -q '^merivo-reader: serving' "$folder/reader.out" || return 0
+        kill -0 "$reader" 2>/dev/null || fail "the reader ended: $(cat "$folder/reader.out")"
+        sleep 0.1
+    done
+    fail "the reader isn't ready; see $folder/reader.log"
+}
