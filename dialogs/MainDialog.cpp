@@ -237,6 +237,7 @@ bool MainDialog::endedWithSession()
         m_isOver = true; // ahead of the box, in whose event loop the reader may still answer
         // What this run's command brought for its own patient has landed in the session of another.
         PatientSession::instance()->setPump({}, {});
+        PatientSession::instance()->setExchangeFilePath({});
         logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));
         // The catalogue has no such text, so that it stands in one language.
         LmMessageBox box(QMessageBox::Warning,

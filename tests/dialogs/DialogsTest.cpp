@@ -217,7 +217,8 @@ void Story::perform(const QString& step)
     if (step == "look")
         lines << look();
     else if (step == "session")
-        lines << "pump " + PatientSession::instance()->pumpSerialNumber();
+        lines << "pump " + PatientSession::instance()->pumpSerialNumber() +
+                     PatientSession::instance()->exchangeFilePath();
     else if (step == "translated")
         lines << front()->windowTitle();
     else if (step == "nopump")
