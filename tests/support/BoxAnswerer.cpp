@@ -17,7 +17,8 @@ void BoxAnswerer::look()
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
     if (!box || !box->isVisible())
         return;
-    seen.append({box->icon(), box->windowTitle(), box->text(), box->standardButtons(), box->parentWidget(), box->size()});
+    seen.append(
+        {box->icon(), box->windowTitle(), box->text(), box->standardButtons(), box->parentWidget(), box->size()});
     if (m_journal)
         m_journal->append(QStringLiteral("box|%1|%2").arg(box->windowTitle(), box->text()));
     QAbstractButton* button = m_answers.isEmpty() ? nullptr : box->button(m_answers.takeFirst());
