@@ -11,7 +11,7 @@
 
 namespace {
 
-std::optional<double> numberIn(const QString& item)
+std::optional<double> numberIn(const QString& item, const QLocale& locale)
 {
     QString probe = item;
     probe.remove(QLatin1Char('%'));
@@ -22,8 +22,21 @@ std::optional<double> numberIn(const QString& item)
         probe = probe.trimmed();
     }
     bool isNumber = false;
-    const double value = QLocale().toDouble(probe, &isNumber);
+    const double value = locale.toDouble(probe, &isNumber);
     return isNumber ? std::make_optional(value) : std::nullopt;
+}
+
+/// Appends @p text without line ends and tabs and with each backslash doubled.
+void appendLine(QString& result, const QString& text)
+{
+    result.reserve(result.size() + text.size() + 1);
+    for (const QChar character : text) {
+        if (character == QLatin1Char('\n') || character == QLatin1Char('\r') || character == QLatin1Char('\t'))
+            continue;
+        result += character;
+        if (character == QLatin1Char('\\'))
+            result += character;
+    }
 }
 
 QString withoutTrailingSpace(const QString& text)
@@ -38,18 +51,18 @@ QString withoutTrailingSpace(const QString& text)
 
 QString lmFixCsvItem(const QString& item)
 {
-    QString result = item;
-    if (numberIn(item)) {
-        const QChar point = QLocale().decimalPoint();
-        // Asking the system is slow, and most numbers of an export are whole.
-        if (result.contains(point))
-            result.replace(point, QLocale::system().decimalPoint());
-        return result.remove(LmBidi::RLM);
+    const QLocale locale;
+    if (numberIn(item, locale)) {
+        QString number = item;
+        const QChar point = locale.decimalPoint();
+        // Asking the system is slow, and many numbers of an export are whole.
+        if (number.contains(point))
+            number.replace(point, QLocale::system().decimalPoint());
+        return number.remove(LmBidi::RLM);
     }
-    for (const char unwanted : {'\n', '\r', '\t'})
-        result.remove(QLatin1Char(unwanted));
-    result.replace(QLatin1String("\\"), QLatin1String("\\\\"));
-    return QLatin1String("=\"") + result + QLatin1Char('"');
+    QString formula = QStringLiteral("=\"");
+    appendLine(formula, item);
+    return formula += QLatin1Char('"');
 }
 
 QString lmFixTextCsvItem(const QString& item, bool blankZero)
@@ -59,17 +72,14 @@ QString lmFixTextCsvItem(const QString& item, bool blankZero)
         qDebug().noquote()
             << QStringLiteral("lmFixTextCsvItem('%1') --> '%2' (trailing spaces removed)").arg(item, result);
     }
-    if (const std::optional<double> number = numberIn(result)) {
+    if (const std::optional<double> number = numberIn(result, QLocale())) {
         if (blankZero && *number == 0)
             return {};
         return result.remove(LmBidi::RLM);
     }
     result.replace(QLatin1String(".\n"), QLatin1String(". "));
     result.replace(QLatin1Char('\n'), QLatin1Char(' '));
-    for (const char unwanted : {'\r', '\t'})
-        result.remove(QLatin1Char(unwanted));
-    result.replace(QLatin1String("\\"), QLatin1String("\\\\"));
-    if (blankZero && result == QLatin1String("-"))
-        return {};
-    return result;
+    QString line;
+    appendLine(line, result);
+    return blankZero && line == QLatin1String("-") ? QString() : line;
 }

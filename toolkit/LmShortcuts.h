@@ -12,7 +12,7 @@ class QObject;
 /// The keys of an application, written as QKeySequence::PortableText. GUI thread only.
 
 /// All actions among the descendants of @p root that have a shortcut, by their (first) shortcut; of two with the same
-/// one the later in the tree of objects. The actions stay their parents' own. Empty for null.
+/// one the later in the tree of objects, depth first. The actions stay their parents' own. Empty for null.
 QMap<QString, QAction*> lmActionShortcuts(QObject* root);
 
 /// What this platform gives for each standard key that it knows, by the name of its QKeySequence::StandardKey.
