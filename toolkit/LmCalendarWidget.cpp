@@ -1,0 +1,259 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "toolkit/LmCalendarWidget.h"
+
+#include "toolkit/LmGuiConfig.h"
+#include "toolkit/LmNumberText.h"
+
+#include <QIcon>
+#include <QPainter>
+#include <QSpinBox>
+#include <QTextCharFormat>
+#include <QToolButton>
+
+namespace {
+
+/// @p side is "left" or "right".
+QIcon arrowIcon(QLatin1String side)
+{
+    QIcon icon;
+    const auto add = [&icon, side](QLatin1String look, QIcon::Mode mode) {
+        const QString path = QStringLiteral(":/img/images/arrow_%0_%1.png").arg(side, look);
+        icon.addFile(path, QSize(), mode, QIcon::On);
+    };
+    add(QLatin1String("default"), QIcon::Normal);
+    add(QLatin1String("pressed"), QIcon::Active);
+    add(QLatin1String("pressed"), QIcon::Selected);
+    add(QLatin1String("disabled"), QIcon::Disabled);
+    return icon;
+}
+
+} // namespace
+
+LmCalendarWidget::LmCalendarWidget(QWidget* parent)
+    : QCalendarWidget(parent)
+{
+    fixYearButtonText();
+    connect(this, &QCalendarWidget::currentPageChanged, this, &LmCalendarWidget::fixYearButtonText);
+}
+
+void LmCalendarWidget::setUp(int firstWeekDay)
+{
+    setFirstDayOfWeek(static_cast<Qt::DayOfWeek>(firstWeekDay >= 7 ? Qt::Monday : firstWeekDay + 1));
+
+    for (int number = Qt::Monday; number <= Qt::Sunday; ++number) {
+        const auto day = static_cast<Qt::DayOfWeek>(number);
+        QTextCharFormat format = weekdayTextFormat(day);
+        format.setForeground(headerForeground());
+        format.setBackground(headerBackground());
+        setWeekdayTextFormat(day, format);
+    }
+
+    const bool rightToLeft = layoutDirection() == Qt::RightToLeft;
+    const QLatin1String left("left");
+    const QLatin1String right("right");
+    auto* const previous = findChild<QToolButton*>(QStringLiteral("qt_calendar_prevmonth"));
+    if (!previous)
+        return;
+    previous->setIcon(arrowIcon(rightToLeft ? right : left));
+    if (auto* const next = findChild<QToolButton*>(QStringLiteral("qt_calendar_nextmonth")))
+        next->setIcon(arrowIcon(rightToLeft ? left : right));
+}
+
+void LmCalendarWidget::setRangeStart(const QDate& date)
+{
+    setDisabled(true); // No signal of the user's input may come in between.
+    m_rangeStart = date;
+    if (date.isValid()) {
+        if (m_rangeEnd.isValid() && m_rangeEnd < date)
+            m_rangeEnd = QDate();
+        if (m_editingStart)
+            setSelectedDate(date);
+    }
+    setEnabled(true);
+}
+
+void LmCalendarWidget::setRangeEnd(const QDate& date)
+{
+    setDisabled(true);
+    m_rangeEnd = date;
+    if (date.isValid()) {
+        if (m_rangeStart.isValid() && m_rangeStart > date)
+            m_rangeStart = QDate();
+        if (!m_editingStart)
+            setSelectedDate(date);
+    }
+    setEnabled(true);
+}
+
+QDate LmCalendarWidget::rangeStart() const
+{
+    return m_rangeStart;
+}
+
+QDate LmCalendarWidget::rangeEnd() const
+{
+    return m_rangeEnd;
+}
+
+void LmCalendarWidget::setEditingStart(bool editingStart)
+{
+    m_editingStart = editingStart;
+    updateCells();
+}
+
+bool LmCalendarWidget::isEditingStart() const
+{
+    return m_editingStart;
+}
+
+LmCalendarWidget::CellState LmCalendarWidget::cellState(const QDate& date) const
+{
+    CellState state;
+    if (date < minimumDate() || date > maximumDate())
+        state = CellDisabled;
+    else if (m_rangeStart.isValid() && m_rangeEnd.isValid() && date >= m_rangeStart && date <= m_rangeEnd)
+        state = CellInRange;
+
+    // The number of the month tells enough, as a page holds no two months of one number.
+    if (date.month() != monthShown()) {
+        state |= CellOtherMonth;
+        state |= date >= QDate(yearShown(), monthShown(), 1) ? CellNextMonth : CellPreviousMonth;
+    }
+    if (LmGuiConfig::instance()->isWeekend(date))
+        state |= CellWeekend;
+    if ((m_rangeStart.isValid() && date == m_rangeStart) || (m_rangeEnd.isValid() && date == m_rangeEnd))
+        state |= CellRangeEnd;
+    if (hasTopLine(date, state))
+        state |= CellTopLine;
+    return state;
+}
+
+bool LmCalendarWidget::hasTopLine(const QDate& date, CellState state) const
+{
+    if (state & CellOtherMonth)
+        return state & CellPreviousMonth;
+
+    // The line runs along the first row of the month, if the month before has a share in that row.
+    const int first = QDate(yearShown(), monthShown(), 1).dayOfWeek();
+    if (first == firstDayOfWeek())
+        return false;
+    const int last = firstDayOfWeek() == Qt::Monday ? int(Qt::Sunday) : firstDayOfWeek() - 1;
+    const int count = last - first + 1;
+    // Where the week begins neither on Monday nor on Sunday, the days from the first to the end of the week may run
+    // over Sunday: the line is then one of six days however many they are.
+    return date.day() <= (count < 0 ? 6 : count);
+}
+
+void LmCalendarWidget::paintCell(QPainter* painter, const QRect& rect, const QDate& date) const
+{
+    const CellState state = cellState(date);
+    painter->save();
+    painter->fillRect(rect, cellBrush());
+    if (state & CellWeekend)
+        painter->setPen(weekendPen());
+    if (state & CellOtherMonth)
+        painter->setPen(otherMonthPen());
+    if (state & CellInRange)
+        painter->fillRect(rect, inRangeBrush());
+    if (state & CellDisabled) {
+        painter->fillRect(rect, disabledBrush());
+        painter->setPen(disabledPen());
+    }
+    if (state & CellRangeEnd) {
+        if (date == (m_editingStart ? m_rangeStart : m_rangeEnd)) {
+            painter->fillRect(rect, activeEndBrush());
+            painter->setPen(activeEndPen());
+        } else {
+            painter->fillRect(rect, otherEndBrush());
+        }
+    }
+    painter->drawText(rect, Qt::AlignCenter, lmLocalizedInt(date.day()));
+    if (state & CellTopLine) {
+        painter->setPen(topLinePen());
+        painter->drawLine(rect.topLeft(), rect.topRight());
+    }
+    painter->restore();
+}
+
+void LmCalendarWidget::fixYearButtonText()
+{
+    // Qt's button keeps the year in the digits of another locale otherwise.
+    const auto* const bar = findChild<QWidget*>(QStringLiteral("qt_calendar_navigationbar"));
+    if (!bar)
+        return;
+    auto* const button = bar->findChild<QToolButton*>(QStringLiteral("qt_calendar_yearbutton"));
+    const auto* const edit = bar->findChild<QSpinBox*>(QStringLiteral("qt_calendar_yearedit"));
+    if (button && edit)
+        button->setText(edit->text());
+}
+
+QBrush LmCalendarWidget::cellBrush()
+{
+    return QColor(255, 255, 255);
+}
+
+QPen LmCalendarWidget::weekendPen()
+{
+    return QColor(72, 68, 68);
+}
+
+QPen LmCalendarWidget::otherMonthPen()
+{
+    return QColor(160, 160, 164);
+}
+
+QBrush LmCalendarWidget::inRangeBrush()
+{
+    return QColor(13, 166, 158, 26);
+}
+
+QBrush LmCalendarWidget::disabledBrush()
+{
+    return QColor(247, 247, 247);
+}
+
+QPen LmCalendarWidget::disabledPen()
+{
+    return QColor(186, 186, 186);
+}
+
+QBrush LmCalendarWidget::activeEndBrush()
+{
+    return QColor(13, 166, 158);
+}
+
+QPen LmCalendarWidget::activeEndPen()
+{
+    return QColor(255, 255, 255);
+}
+
+QBrush LmCalendarWidget::otherEndBrush()
+{
+    return QColor(13, 166, 158, 52);
+}
+
+QPen LmCalendarWidget::topLinePen()
+{
+    return QColor(204, 204, 204);
+}
+
+QBrush LmCalendarWidget::headerForeground()
+{
+    return QColor(72, 68, 68);
+}
+
+QBrush LmCalendarWidget::headerBackground()
+{
+    return QColor(Qt::white);
+}
+
+QBrush LmCalendarWidget::accentBrush()
+{
+    return QColor(244, 239, 229);
+}
+
+QPen LmCalendarWidget::textPen()
+{
+    return weekendPen();
+}

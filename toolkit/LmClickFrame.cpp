@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "toolkit/LmClickFrame.h"
+
+#include <QStyle>
+#include <QVariant>
+
+LmClickFrame::LmClickFrame(QWidget* parent)
+    : QFrame(parent)
+{}
+
+void LmClickFrame::setClickStyle(bool on)
+{
+    const QVariant current = property("ClickStyle");
+    if (current.isValid() && current.toBool() == on)
+        return;
+    setProperty("ClickStyle", on);
+    style()->unpolish(this);
+    style()->polish(this);
+    update();
+}
+
+void LmClickFrame::setId(int id)
+{
+    m_id = id;
+}
+
+int LmClickFrame::id() const
+{
+    return m_id;
+}
+
+// The base class would pass both events on to the parent; here they end.
+void LmClickFrame::mouseReleaseEvent(QMouseEvent*)
+{
+    if (m_id >= 0)
+        Q_EMIT clicked(m_id);
+    else
+        Q_EMIT clicked();
+}
+
+void LmClickFrame::mouseDoubleClickEvent(QMouseEvent*)
+{
+    if (m_id >= 0)
+        Q_EMIT doubleClicked(m_id);
+    else
+        Q_EMIT doubleClicked();
+}

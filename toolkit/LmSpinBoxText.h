@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+/// Takes every occurrence of the special text out of what was typed into @p box, unless the special text is the prefix.
+template <typename SpinBox>
+void lmRemoveSpecialText(const SpinBox& box, QString& input)
+{
+    const QString special = box.specialValueText();
+    if (!special.isEmpty() && special != box.prefix())
+        input.remove(special);
+}

@@ -1,0 +1,15 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QTimer>
+
+/// A QTimer under a name of its own.
+class LmTimer : public QTimer
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(LmTimer)
+
+public:
+    explicit LmTimer(QObject* parent = nullptr);
+};
