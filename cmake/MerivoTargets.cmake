@@ -18,8 +18,9 @@ function(merivo_add_floor name folder)
 
     add_library(${name} STATIC ${arg_SOURCES})
     set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON AUTOMOC ON AUTOUIC ON)
-    target_include_directories(${name} PUBLIC "${view}")
-    target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE merivo_options)
+    target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${view}>")
+    # How we build is nothing that a user of an installed floor takes over.
+    target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:merivo_options>)
 endfunction()
 
 # merivo_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [TIMEOUT seconds])

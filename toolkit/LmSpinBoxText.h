@@ -5,6 +5,7 @@
 #include <QString>
 
 /// Takes every occurrence of the special text out of what was typed into @p box, unless the special text is the prefix.
+/// Private to the toolkit.
 template <typename SpinBox>
 void lmRemoveSpecialText(const SpinBox& box, QString& input)
 {
