@@ -24,7 +24,8 @@ void drawAtEdge(QPainter* painter, QRect rect, bool atRight, int indent, const Q
         rect.setLeft(rect.left() + indent);
     // Absolute: a painter swaps left and right once more where it is right to left itself, as every widget's is in a
     // right-to-left application, and on an image where the text is.
-    painter->drawText(rect, Qt::AlignAbsolute | Qt::AlignVCenter | (atRight ? Qt::AlignRight : Qt::AlignLeft), text);
+    constexpr int Line = int(Qt::AlignAbsolute) | int(Qt::AlignVCenter);
+    painter->drawText(rect, Line | (atRight ? Qt::AlignRight : Qt::AlignLeft), text);
 }
 
 } // namespace
