@@ -9,9 +9,11 @@
 ///
 /// It treats its special text as LmSpinBox does, takes an empty text as a finished entry, and mends decimal separators:
 /// "*", "#", the default locale's decimal point and the field's own group separator each become the field's decimal
-/// point, so that any keypad types one. The first of these that stands in the text, in that order, is replaced at its
-/// first place, one at each keystroke. Prefix and suffix are part of the text that is searched, so none of the four may
-/// stand in them; and a field that shows group separators can't be typed into.
+/// point. The first of these that stands in the text, in that order, is replaced at its first place, one at each
+/// keystroke. A point on the keypad thus does in German or English; "*" and "#" do in every locale.
+///
+/// Prefix and suffix are part of the text that is searched, so none of the four may stand in them; and a field that
+/// shows group separators can't be typed into.
 class LmDoubleSpinBox : public QDoubleSpinBox
 {
     Q_OBJECT

@@ -8,6 +8,8 @@
 #include <QAction>
 #include <QVariant>
 
+#include <utility>
+
 namespace {
 
 /// Between an action's text and its shortcut.
@@ -46,6 +48,8 @@ void LmMenu::connectOpening()
 void LmMenu::onAboutToShow()
 {
     const bool rightToLeft = layoutDirection() == Qt::RightToLeft;
+    if (!m_watcher)
+        m_watcher = std::make_unique<QObject>();
     int icons = 0;
     int checkables = 0;
     int shortcuts = 0;
@@ -72,21 +76,22 @@ void LmMenu::moveShortcutIntoText(QAction* action)
                                                  action->shortcuts().constFirst().toString(QKeySequence::NativeText)));
     m_savedShortcuts.insert(action, action->shortcuts());
     action->setShortcuts(QList<QKeySequence>());
-    // An action may go while the menu is open.
-    connect(action, &QObject::destroyed, this, [this, action] { m_savedShortcuts.remove(action); });
+    // An action may go while the menu is open. QMenu cuts all connections of one to itself before that, so these are
+    // another object's.
+    connect(action, &QObject::destroyed, m_watcher.get(), [this, action] { m_savedShortcuts.remove(action); });
 }
 
 void LmMenu::onAboutToHide()
 {
-    for (auto saved = m_savedShortcuts.cbegin(); saved != m_savedShortcuts.cend(); ++saved) {
-        QAction* const action = saved.key();
-        disconnect(action, &QObject::destroyed, this, nullptr);
-        if (layoutDirection() != Qt::RightToLeft)
-            continue;
+    m_watcher.reset();
+    const auto saved = std::exchange(m_savedShortcuts, {});
+    if (layoutDirection() != Qt::RightToLeft)
+        return;
+    for (auto entry = saved.cbegin(); entry != saved.cend(); ++entry) {
+        QAction* const action = entry.key();
         const QStringList parts = action->text().split(s_shortcutSeparator);
         if (parts.size() > 1)
             action->setText(parts.constFirst());
-        action->setShortcuts(saved.value());
+        action->setShortcuts(entry.value());
     }
-    m_savedShortcuts.clear();
 }

@@ -7,6 +7,8 @@
 #include <QMap>
 #include <QMenu>
 
+#include <memory>
+
 /// A menu that survives a right-to-left layout, where a shortcut would be drawn in the wrong place: while it is open
 /// there, each action's text shows its first shortcut at the end, and the action itself has none. When the menu closes,
 /// before an action picked in it is triggered, texts and shortcuts are as they were. GUI thread only.
@@ -37,4 +39,5 @@ private:
     void moveShortcutIntoText(QAction* action);
 
     QMap<QAction*, QList<QKeySequence>> m_savedShortcuts; ///< Of the actions that are without while the menu is open.
+    std::unique_ptr<QObject> m_watcher;                   ///< Hears of their end; there while the menu is open.
 };

@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "toolkit/LmCalendarWidget.h"
+
+#include <QImage>
+#include <QLocale>
+#include <QPainter>
+#include <QTest>
+#include <QTextCharFormat>
+#include <QToolButton>
+
+#include <tuple>
+#include <utility>
+
+namespace {
+
+constexpr QRect Cell(4, 4, 40, 30);
+const QColor Line(204, 204, 204);
+constexpr QImage::Format Lossless = QImage::Format_ARGB32_Premultiplied; // as a pixmap has it
+
+class Calendar final : public LmCalendarWidget
+{
+public:
+    explicit Calendar(int firstWeekDay = 0) { setUp(firstWeekDay); }
+
+    /// The cell in an image with a margin of 4 around it.
+    QImage painted(const QDate& date) const
+    {
+        QImage image(48, 38, QImage::Format_RGB32);
+        image.fill(Qt::blue);
+        QPainter painter(&image);
+        QFont font;
+        font.setPixelSize(16);
+        font.setStyleStrategy(QFont::NoAntialias);
+        painter.setFont(font);
+        paintCell(&painter, Cell, date);
+        return image;
+    }
+    QColor ground(const QDate& date) const { return painted(date).pixelColor(6, 20); }
+    bool hasLine(const QDate& date) const { return painted(date).pixelColor(Cell.topRight()) == Line; }
+};
+
+QDate march(int day)
+{
+    return QDate(2024, 3, 1).addDays(day - 1);
+}
+
+bool isNear(const QColor& left, const QColor& right)
+{
+    return qAbs(left.red() - right.red()) < 2 && qAbs(left.green() - right.green()) < 2 &&
+           qAbs(left.blue() - right.blue()) < 2;
+}
+
+} // namespace
+
+class ToolkitCalendarTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cellsHaveTheColoursOfTheirState()
+    {
+        Calendar calendar;
+        calendar.setCurrentPage(2024, 3);
+        calendar.setDateRange(march(-1), march(35));
+        calendar.setRangeEnd(march(14));
+        QCOMPARE(calendar.ground(march(12)), QColor(Qt::white)); // An end alone makes no range.
+        calendar.setRangeStart(march(10));
+
+        const QColor other(160, 160, 164);
+        const QColor disabled(186, 186, 186);
+        const std::tuple<int, QColor, QColor, bool> rows[] = {
+            {7, Qt::white, Qt::black, false},             // Thursday
+            {9, Qt::white, {72, 68, 68}, false},          // Saturday
+            {10, {13, 166, 158}, Qt::white, false},       // the end that is being edited, a Sunday
+            {12, {230, 246, 245}, Qt::black, false},      // in the range
+            {14, {186, 230, 227}, Qt::black, false},      // the other end
+            {0, Qt::white, other, true},                  // 29th February
+            {-2, {247, 247, 247}, disabled, true},        // too early
+            {3, Qt::white, {72, 68, 68}, true},           // a Sunday in the first row
+            {33, Qt::white, other, false},                // 2nd April
+            {36, {247, 247, 247}, disabled, false},       // too late
+            {31 + 366, {247, 247, 247}, disabled, false}, // April of another year
+            {1 + 365, {247, 247, 247}, disabled, true},   // the number of the month alone counts
+        };
+        for (const auto& [day, ground, pen, line] : rows) {
+            const QImage image = calendar.painted(march(day));
+            const QByteArray name = march(day).toString(Qt::ISODate).toLatin1();
+            QVERIFY2(isNear(image.pixelColor(6, 20), ground), name);
+            bool hasPen = false;
+            for (int y = Cell.top() + 1; y <= Cell.bottom(); ++y)
+                for (int x = Cell.left(); x <= Cell.right(); ++x)
+                    hasPen = hasPen || image.pixelColor(x, y) == pen;
+            QVERIFY2(hasPen, name);
+            for (const QPoint corner : {Cell.topLeft(), Cell.topRight()})
+                QVERIFY2((image.pixelColor(corner) == Line) == line, name);
+            for (const QPoint outside : {Cell.topLeft() - QPoint(1, 0), Cell.bottomRight() + QPoint(1, 1)})
+                QCOMPARE(image.pixelColor(outside), QColor(Qt::blue));
+        }
+
+        calendar.setEditingStart(false);
+        QVERIFY(isNear(calendar.ground(march(14)), {13, 166, 158}));
+        QVERIFY(isNear(calendar.ground(march(10)), {186, 230, 227}));
+    }
+
+    void lineRunsAlongTheFirstRowOfAMonth()
+    {
+        // A row for each first day of the week; in it, for a month that begins on Monday to Sunday, the days with a
+        // line.
+        const char* const days[] = {"0654321", "1066666", "2106666", "3210666", "4321066", "5432106", "6543210"};
+        for (int firstWeekDay = 0; firstWeekDay < 7; ++firstWeekDay) {
+            Calendar calendar(firstWeekDay);
+            for (QDate month(2023, 1, 1); month.year() < 2024; month = month.addMonths(1)) {
+                calendar.setCurrentPage(month.year(), month.month());
+                const int count = days[firstWeekDay][month.dayOfWeek() - 1] - '0';
+                for (int day = -6; day < 42; ++day) {
+                    const QDate date = month.addDays(day);
+                    const bool line = day < 0 || (date.month() == month.month() && day < count);
+                    QVERIFY2(calendar.hasLine(date) == line, date.toString(Qt::ISODate).toLatin1());
+                }
+            }
+        }
+    }
+
+    void rangeKeepsItsOrder()
+    {
+        // Which end is set to which day, and both ends then; 0 is none. Each row begins with a range from 10 to 14.
+        const std::tuple<bool, int, int, int> rows[] = {
+            {true, 12, 12, 14},  {true, 14, 14, 14},  {true, 15, 15, 0}, {true, 0, 0, 14},
+            {false, 12, 10, 12}, {false, 10, 10, 10}, {false, 9, 0, 9},  {false, 0, 10, 0},
+        };
+        const auto day = [](int number) {
+            return number == 0 ? QDate() : march(number);
+        };
+        for (const bool editingStart : {true, false}) {
+            for (const auto& [setsStart, number, start, end] : rows) {
+                Calendar calendar;
+                calendar.setRangeStart(march(10));
+                calendar.setRangeEnd(march(14));
+                calendar.setEditingStart(editingStart);
+                calendar.setSelectedDate(march(20));
+                setsStart ? calendar.setRangeStart(day(number)) : calendar.setRangeEnd(day(number));
+                QCOMPARE(calendar.rangeStart(), day(start));
+                QCOMPARE(calendar.rangeEnd(), day(end));
+                const bool follows = setsStart == editingStart && number != 0;
+                QCOMPARE(calendar.selectedDate(), march(follows ? number : 20));
+                QVERIFY(calendar.isEnabled());
+            }
+        }
+    }
+
+    void setUpTakesTheFirstDayFromZero()
+    {
+        for (const auto& [number, day] :
+             {std::pair(0, Qt::Monday), {1, Qt::Tuesday}, {6, Qt::Sunday}, {7, Qt::Monday}}) {
+            const Calendar calendar(number);
+            QCOMPARE(calendar.firstDayOfWeek(), day);
+            QCOMPARE(calendar.weekdayTextFormat(Qt::Sunday).foreground().color(), QColor(72, 68, 68));
+            QCOMPARE(calendar.weekdayTextFormat(Qt::Monday).background().color(), QColor(Qt::white));
+        }
+    }
+
+    void arrowsPointAlongTheLayout()
+    {
+        for (const bool rightToLeft : {false, true}) {
+            Calendar calendar;
+            calendar.setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+            calendar.setUp(0);
+            for (const bool next : {false, true}) {
+                const auto* button =
+                    calendar.findChild<QToolButton*>(next ? "qt_calendar_nextmonth" : "qt_calendar_prevmonth");
+                const std::pair<QIcon::Mode, const char*> looks[] = {{QIcon::Normal, "default"},
+                                                                     {QIcon::Active, "pressed"},
+                                                                     {QIcon::Selected, "pressed"},
+                                                                     {QIcon::Disabled, "disabled"}};
+                for (const auto& [mode, look] : looks) {
+                    const QImage wanted(QStringLiteral(":/img/images/arrow_%1_%2.png")
+                                            .arg(next == rightToLeft ? "left" : "right", look));
+                    const QImage image = button->icon().pixmap(wanted.size(), mode, QIcon::On).toImage();
+                    QVERIFY(!wanted.isNull());
+                    QCOMPARE(image.convertToFormat(Lossless), wanted.convertToFormat(Lossless));
+                }
+            }
+        }
+    }
+
+    void numbersHaveTheDigitsOfTheLocale()
+    {
+        const QLocale before;
+        const QImage latin = Calendar().painted(march(7));
+        QLocale::setDefault(QLocale("ar_EG"));
+        Calendar calendar;
+        const auto* year = calendar.findChild<QToolButton*>("qt_calendar_yearbutton");
+        calendar.setCurrentPage(2031, 3);
+        QCOMPARE(year->text(), QString::fromUtf8("٢٠٣١"));
+        QVERIFY(calendar.painted(march(7)) != latin);
+        QLocale::setDefault(before);
+    }
+};
+
+QTEST_MAIN(ToolkitCalendarTest)
+
+#include "test_toolkit_calendar.moc"

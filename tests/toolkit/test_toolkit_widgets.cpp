@@ -1,0 +1,532 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "toolkit/BgDoubleSpinBox.h"
+#include "toolkit/LmButtons.h"
+#include "toolkit/LmCalendarWidget.h"
+#include "toolkit/LmClickFrame.h"
+#include "toolkit/LmDateEdit.h"
+#include "toolkit/LmDoubleSpinBox.h"
+#include "toolkit/LmFileDialog.h"
+#include "toolkit/LmGuiConfig.h"
+#include "toolkit/LmListWidget.h"
+#include "toolkit/LmListWidgetDelegate.h"
+#include "toolkit/LmMenu.h"
+#include "toolkit/LmProgressBar.h"
+#include "toolkit/LmProgressDialog.h"
+#include "toolkit/LmSpinBox.h"
+#include "toolkit/LmTabs.h"
+#include "toolkit/LmTimeEdit.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QPainter>
+#include <QPointer>
+#include <QProxyStyle>
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <climits>
+#include <memory>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+class LocaleChange final
+{
+    Q_DISABLE_COPY_MOVE(LocaleChange)
+
+public:
+    explicit LocaleChange(const char* name) { QLocale::setDefault(QLocale(QLatin1String(name))); }
+    ~LocaleChange() { QLocale::setDefault(m_before); }
+
+private:
+    QLocale m_before;
+};
+
+/// Counts the widgets that let go of it.
+class CountingStyle final : public QProxyStyle
+{
+public:
+    using QProxyStyle::unpolish;
+    void unpolish(QWidget* widget) override
+    {
+        ++unpolished;
+        QProxyStyle::unpolish(widget);
+    }
+
+    int unpolished = 0;
+};
+
+class OtherConfig final : public LmGuiConfig
+{
+public:
+    QString dateFormat() const override { return QStringLiteral("d.M.yy"); }
+    QString timeFormat() const override { return QStringLiteral("h:mm AP"); }
+    int firstWeekDay() const override { return 6; }
+};
+
+QIcon redIcon(int size)
+{
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::red);
+    return QIcon(pixmap);
+}
+
+/// A list in which any rows can be selected, with these of the items "a" to "f" selected.
+std::unique_ptr<LmListWidget> makeList(const QList<int>& selected)
+{
+    auto list = std::make_unique<LmListWidget>();
+    list->setSelectionMode(QAbstractItemView::MultiSelection);
+    list->addItems(QStringList{"a", "b", "c", "d", "e", "f"});
+    for (const int row : selected)
+        list->item(row)->setSelected(true);
+    return list;
+}
+
+/// "abcdef", with the selected ones in capitals.
+QString rows(const QListWidget& list)
+{
+    QString text;
+    for (int row = 0; row < list.count(); ++row)
+        text += list.item(row)->isSelected() ? list.item(row)->text().toUpper() : list.item(row)->text();
+    return text;
+}
+
+} // namespace
+
+class ToolkitWidgetsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fieldsMendWhatIsTyped()
+    {
+        constexpr auto Good = QValidator::Acceptable;
+        constexpr auto Bad = QValidator::Invalid;
+        // Default locale, the field's own one if it is another, what is typed and what becomes of it.
+        const std::tuple<const char*, const char*, const char*, const char*, QValidator::State> cases[] = {
+            {"de_DE", "", "1.5", "1,5", Good},
+            {"de_DE", "", "1*5", "1,5", Good},
+            {"de_DE", "", "1#5", "1,5", Good},
+            {"de_DE", "", "1.5*5", "1.5,5", Bad}, // one at a time, the star ahead of the point
+            {"de_DE", "", "1*5*5", "1,5*5", Bad},
+            {"de_DE", "en_GB", "1,5", "1.5", Good},
+            {"en_GB", "", "1.5", "1.5", Good},
+            {"en_GB", "", "1,5", "1.5", Good},
+            {"en_GB", "fr_CH", "1.5", "1,5", Good}, // the default locale's point, which isn't the field's
+            {"fr_CH", "", "1.5", "1.5", Bad},
+            {"fr_CH", "", "1\u202f5", "1,5", Good},
+            {"ar_EG", "", "١*٥", "١٫٥", Good},
+            {"ar_EG", "", "1#5", "1٫5", Good},
+            {"ar_EG", "", "1٬5", "1٫5", Good},
+            {"de_DE", "", "", "", Good},
+            {"de_DE", "", "off", "", Good}, // the special text
+            {"de_DE", "", "off1.off5", "1,5", Good},
+            {"de_DE", "", "Off1", "Off1", Bad},
+        };
+        for (const auto& [locale, own, typed, mended, state] : cases) {
+            const LocaleChange change(locale);
+            LmDoubleSpinBox box;
+            box.setSpecialValueText(QStringLiteral("off"));
+            if (*own)
+                box.setLocale(QLocale(QLatin1String(own)));
+            QString text = QString::fromUtf8(typed);
+            int position = 0;
+            QVERIFY2(box.validate(text, position) == state, typed);
+            QCOMPARE(text, QString::fromUtf8(mended));
+        }
+
+        const LocaleChange change("de_DE");
+        LmDoubleSpinBox box;
+        box.selectAll();
+        QTest::keyClicks(&box, QStringLiteral("12.5"));
+        QCOMPARE(box.value(), 12.5);
+        {
+            const LocaleChange other("en_GB");
+            box.refreshLocale();
+        }
+        QCOMPARE(box.text(), QStringLiteral("12.50"));
+    }
+
+    void specialTextStandsForTheMinimum()
+    {
+        const LocaleChange change("de_DE");
+        LmSpinBox whole;
+        LmDoubleSpinBox decimal;
+        whole.setRange(1000, 2000);
+        decimal.setRange(0.5, 9);
+        QString text = QStringLiteral("x");
+        whole.fixup(text);
+        decimal.fixup(text);
+        QCOMPARE(text, QStringLiteral("x"));
+        whole.setSpecialValueText(QStringLiteral("low"));
+        decimal.setSpecialValueText(QStringLiteral("low"));
+        whole.fixup(text);
+        QCOMPARE(text, QStringLiteral("1.000"));
+        decimal.fixup(text);
+        QCOMPARE(text, QStringLiteral("0,5"));
+
+        int position = 0;
+        for (const auto& [prefix, left] : {std::pair("", "1500"), {"low", "low1500"}}) {
+            whole.setPrefix(QLatin1String(prefix));
+            text = QStringLiteral("low1500");
+            QCOMPARE(whole.validate(text, position), QValidator::Acceptable);
+            QCOMPARE(text, QString::fromLatin1(left));
+        }
+        text.clear(); // Not a finished entry, other than in a decimal field.
+        QCOMPARE(whole.validate(text, position), QValidator::Intermediate);
+    }
+
+    void bloodGlucoseHasTwoUnits()
+    {
+        BgDoubleSpinBox box;
+        const auto check = [&box](bool isDecimal, double minimum, double maximum, int decimals, double step) {
+            QCOMPARE(box.isDecimalUnit(), isDecimal);
+            QCOMPARE(box.minimum(), minimum);
+            QCOMPARE(box.maximum(), maximum);
+            QCOMPARE(box.decimals(), decimals);
+            QCOMPARE(box.singleStep(), step);
+        };
+        check(false, 0, 999, 0, 5);
+        box.setDecimalUnit(0.6, 33.3);
+        check(true, 0.6, 33.3, 1, 0.5);
+        box.setWholeUnit(10, 600);
+        check(false, 10, 600, 0, 5);
+    }
+
+    void editsFollowTheConfig()
+    {
+        const auto config = std::make_unique<OtherConfig>();
+        const LocaleChange change("en_GB");
+        LmDateEdit date(QDate(2024, 3, 9));
+        QCOMPARE(date.text(), QStringLiteral("9.3.24"));
+        QVERIFY(date.calendarPopup());
+        const auto* calendar = qobject_cast<LmCalendarWidget*>(date.calendarWidget());
+        QVERIFY(calendar && calendar->verticalHeaderFormat() == QCalendarWidget::NoVerticalHeader);
+        QCOMPARE(calendar->firstDayOfWeek(), Qt::Sunday);
+        QCOMPARE(LmTimeEdit(QTime(15, 4)).text(), QStringLiteral("3:04 PM"));
+    }
+
+    void minutesGoInSteps()
+    {
+        LmTimeEdit edit(QTime(10, 20));
+        for (const auto& [asked, step] :
+             {std::pair(7, 1), {15, 15}, {61, 15}, {60, 60}, {-4, 1}, {20, 20}, {0, 1}, {15, 15}}) {
+            edit.setMinuteStep(asked);
+            QCOMPARE(edit.minuteStep(), step);
+        }
+        const std::tuple<QDateTimeEdit::Section, int, QTime> steps[] = {
+            {QDateTimeEdit::MinuteSection, 1, {10, 35}},
+            {QDateTimeEdit::MinuteSection, -1, {10, 20}},
+            {QDateTimeEdit::MinuteSection, 10, {10, 30}},
+            {QDateTimeEdit::HourSection, 1, {11, 30}},
+        };
+        for (const auto& [section, count, time] : steps) {
+            edit.setCurrentSection(section);
+            edit.stepBy(count);
+            QCOMPARE(edit.time(), time);
+        }
+    }
+
+    void selectionMovesAsAWhole()
+    {
+        // The rows selected, the list after a step, and back where that isn't at the edge.
+        const std::tuple<QList<int>, const char*, const char*> moves[] = {
+            {{1, 3}, "BaDcef", "acBeDf"},    {{0, 2}, "AbCdef", "bAdCef"}, {{3, 5}, "abDcFe", "abcDeF"},
+            {{2, 3, 4}, "aCDEbf", "abfCDE"}, {{}, "abcdef", "abcdef"},
+        };
+        for (const auto& [selected, up, down] : moves) {
+            for (const bool upwards : {true, false}) {
+                const auto list = makeList(selected);
+                const QString before = rows(*list);
+                const QString after = QString::fromLatin1(upwards ? up : down);
+                QSignalSpy moved(list.get(), &LmListWidget::itemsMoved);
+                upwards ? list->moveUp() : list->moveDown();
+                QCOMPARE(rows(*list), after);
+                QCOMPARE(moved.size(), after == before ? 0 : 1);
+            }
+        }
+    }
+
+    void listTellsOfItsSelection()
+    {
+        const auto list = makeList({});
+        QStringList told;
+        connect(list.get(), &LmListWidget::selectionChanged, this, [&](bool any) { told << (any ? "any" : "none"); });
+        connect(list.get(), &LmListWidget::blockSelected, this, [&](bool block) { told << (block ? "block" : "gap"); });
+        for (const int row : {3, 1, 2})
+            list->item(row)->setSelected(true);
+        list->clearSelection();
+        QCOMPARE(told.join(' '), QStringLiteral("any block any gap any block none gap"));
+
+        list->item(1)->setSelected(true);
+        list->item(4)->setSelected(true);
+        list->removeSelectedItems();
+        QListWidgetItem own(QStringLiteral("x"));
+        list->addItems(QList<QListWidgetItem*>{&own, list->item(0)});
+        list->addItems(QList<QListWidgetItem*>());
+        QCOMPARE(rows(*list), QStringLiteral("acdfxa"));
+        QVERIFY(!own.listWidget() && list->focusPolicy() == Qt::NoFocus && !list->viewport()->acceptDrops());
+    }
+
+    void rowsHaveTheHouseLook()
+    {
+        for (const bool rightToLeft : {false, true}) {
+            LmListWidget list;
+            list.setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+            list.addItems(QStringList{QString(60, QChar('M')), "i", "i", QString()});
+            list.item(1)->setIcon(redIcon(64));
+            list.item(3)->setIcon(redIcon(8));                            // Drawn at its full 30 pixels all the same.
+            list.item(2)->setData(Qt::DecorationRole, QColor(Qt::green)); // No icon.
+            const LmListWidgetDelegate delegate(&list);
+            constexpr int Width = 200;
+            QStyleOptionViewItem option;
+            const auto paint = [&](int row, QStyle::State state) {
+                const QModelIndex index = list.model()->index(row, 0);
+                option.rect = QRect(10, 10, Width, delegate.sizeHint(option, index).height());
+                option.state = state;
+                QImage image(Width + 20, option.rect.height() + 20, QImage::Format_RGB32);
+                image.fill(Qt::white);
+                QPainter painter(&image);
+                painter.setLayoutDirection(list.layoutDirection());
+                delegate.paint(&painter, option, index);
+                painter.drawPoint(0, 0); // With the pen of before.
+                return image;
+            };
+            /// The columns with black in them, or the first and last of these.
+            const auto ink = [](const QImage& image) {
+                QRect found;
+                for (int y = 10; y < image.height() - 10; ++y)
+                    for (int x = 0; x < image.width(); ++x)
+                        if (qGray(image.pixel(x, y)) < 60 && qRed(image.pixel(x, y)) < 100)
+                            found |= QRect(x, y, 1, 1);
+                return found;
+            };
+
+            // Cut off with an ellipsis, five pixels inside of either edge.
+            const QRect cut = ink(paint(0, QStyle::State_None));
+            QVERIFY(cut.left() >= 15 && cut.left() < 20 && cut.right() > 185 && cut.right() < 205);
+            // At the left in any layout; only an icon at the left pushes it aside.
+            const QRect text = ink(paint(1, QStyle::State_None));
+            const int start = rightToLeft ? 15 : 55;
+            QVERIFY(text.left() >= start && text.right() < start + 10);
+
+            QCOMPARE(delegate.sizeHint(option, list.model()->index(1, 0)), QSize(0, 40));
+            QCOMPARE(delegate.sizeHint(option, list.model()->index(2, 0)), QSize(0, 25));
+            const QRect icon(rightToLeft ? 175 : 15, 15, 30, 30);
+            for (const int row : {1, 3}) {
+                const QImage image = paint(row, QStyle::State_None);
+                for (const QPoint corner : {icon.topLeft(), icon.topRight(), icon.bottomLeft(), icon.bottomRight()}) {
+                    QCOMPARE(image.pixelColor(corner), QColor(Qt::red));
+                    const QPoint outwards(corner.x() == icon.left() ? -1 : 1, corner.y() == icon.top() ? -1 : 1);
+                    QCOMPARE(image.pixelColor(corner + outwards), QColor(Qt::white));
+                }
+            }
+
+            // The veil lies over icon and ground, to the very edge.
+            const QImage selected = paint(1, QStyle::State_Selected);
+            QCOMPARE(selected.pixelColor(icon.center()).red(), 207);
+            for (const QPoint corner : {QPoint(10, 10), QPoint(9 + Width, 49)})
+                QCOMPARE(selected.pixelColor(corner).red(), 207);
+            QCOMPARE(selected.pixelColor(9, 10), QColor(Qt::white));
+        }
+    }
+
+    void framesTellTheirId()
+    {
+        for (const int id : {-1, 0, 7}) {
+            LmClickFrame frame;
+            frame.resize(20, 20);
+            frame.setId(id);
+            QStringList told;
+            connect(&frame, qOverload<>(&LmClickFrame::clicked), this, [&] { told << "click"; });
+            connect(&frame, qOverload<int>(&LmClickFrame::clicked), this,
+                    [&](int n) { told << QString("click %1").arg(n); });
+            connect(&frame, qOverload<>(&LmClickFrame::doubleClicked), this, [&] { told << "double"; });
+            connect(&frame, qOverload<int>(&LmClickFrame::doubleClicked), this,
+                    [&](int n) { told << QString("double %1").arg(n); });
+            QTest::mousePress(&frame, Qt::RightButton);
+            QTest::mouseRelease(&frame, Qt::RightButton, {}, QPoint(900, 900)); // Dragged out.
+            QTest::mouseDClick(&frame, Qt::LeftButton);
+            const QString end = id < 0 ? QString() : QStringLiteral(" %1").arg(id);
+            QCOMPARE(told, QStringList({"click" + end, "double" + end}));
+        }
+    }
+
+    void styleSheetsSeeTheProperties()
+    {
+        qApp->setStyleSheet(QStringLiteral(
+            "LmClickFrame { background: #ff0000; } LmClickFrame[ClickStyle=\"true\"] { background: #00ff00; }"));
+        LmClickFrame frame;
+        frame.ensurePolished();
+        const auto ground = [&frame] {
+            return frame.grab().toImage().pixelColor(5, 5);
+        };
+        QCOMPARE(ground(), QColor(Qt::red));
+        for (const bool on : {true, false, false, true}) {
+            frame.setClickStyle(on);
+            QCOMPARE(ground(), QColor(on ? Qt::green : Qt::red));
+        }
+        qApp->setStyleSheet(QString());
+
+        LmBalticButton button;
+        button.setIconFor("night", redIcon(16));
+        button.setProperty("noon", 12);
+        QVERIFY(button.icon().isNull());
+        for (const char* name : {"night", "day", "noon"}) { // The latter two have no icon.
+            button.setIconStyle(name);
+            QCOMPARE(button.property("IconStyle"), QVariant(QStringLiteral("night")));
+            QVERIFY(!button.icon().isNull());
+        }
+        for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+            QWidget parent;
+            parent.setLayoutDirection(direction);
+            QCOMPARE(LmTabStackedWidget(&parent).property("LayoutDirInverted"), QVariant(direction == Qt::RightToLeft));
+        }
+    }
+
+    void styleIsLetGoOfFirst()
+    {
+        CountingStyle style;
+        const auto check = [&style](QWidget* widget, QWidget* styled) {
+            styled->setStyle(&style);
+            styled->ensurePolished();
+            const int before = style.unpolished;
+            delete widget;
+            return style.unpolished - before;
+        };
+        for (QWidget* widget : {static_cast<QWidget*>(new LmPushButton), static_cast<QWidget*>(new LmCheckButton),
+                                static_cast<QWidget*>(new LmDialogButtonBox)})
+            QCOMPARE(check(widget, widget), 1);
+        auto* const tabs = new LmTabWidget;
+        QCOMPARE(check(tabs, tabs->tabBar()), 1);
+    }
+
+    void progressHasTheDigitsOfTheLocale()
+    {
+        constexpr int Least = INT_MIN;
+        const std::tuple<const char*, int, int, int, const char*> cases[] = {
+            {"%p%", 0, 300, 200, "٦٦%"},
+            {"%L1%", 0, 300, 200, "٦٦%"},
+            {"%L1", 0, 0, 0, ""},
+            {"%L1", 5, 5, 5, "١٠٠"},
+            {"%L1", 10, 20, 9, ""},
+            {"%L1", -100, 100, -1, "٤٩"},
+            {"%L1", Least, 5, Least, ""},
+            {"%L1", -2000000000, 2000000000, 0, "٥٠"},
+            {"%L1 of %1", 0, 8, 2, "٢٥ of %p"},
+            {"only %1", 0, 8, 2, "only %1"},
+        };
+        const LocaleChange change("ar_EG");
+        for (const auto& [format, minimum, maximum, value, text] : cases) {
+            LmProgressBar bar;
+            QCOMPARE(bar.format(), QStringLiteral("%p%"));
+            bar.setRange(minimum, maximum);
+            bar.setValue(value);
+            bar.setFormat(QString::fromLatin1(format));
+            QCOMPARE(bar.text(), QString::fromUtf8(text));
+        }
+        for (const auto& [format, kept] : {std::pair("%L1", "%L1"), {"", "%p%"}}) {
+            LmProgressDialog dialog(QString::fromLatin1(format));
+            QCOMPARE(dialog.findChild<LmProgressBar*>()->format(), QString::fromLatin1(kept));
+            QVERIFY(!(dialog.windowFlags() & Qt::WindowContextHelpButtonHint));
+            dialog.cancel(); // It would show itself after a while.
+        }
+    }
+
+    void folderDialogShowsFoldersAlone()
+    {
+        const QTemporaryDir folder;
+        const LmFileDialog plain;
+        QVERIFY(!plain.testOption(QFileDialog::DontUseNativeDialog));
+        QVERIFY(!(plain.windowFlags() & Qt::WindowContextHelpButtonHint));
+        QFileDialog::Options options;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, this, [&] {
+            if (auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+                options = dialog->options();
+                dialog->reject();
+            }
+        });
+        timer.start(10);
+        QCOMPARE(LmFileDialog::getExistingDirectory(nullptr, QStringLiteral("Title"), folder.path()), QString());
+        QCOMPARE(options, QFileDialog::Options(QFileDialog::ShowDirsOnly | QFileDialog::HideNameFilterDetails));
+    }
+
+    void menuKeepsShortcutsFromRightToLeft()
+    {
+        const QString separator = QString(8, QChar(' ')) + QChar(0x200f);
+        const QList<QKeySequence> keys{QKeySequence("Ctrl+P"), QKeySequence("F5")};
+        for (const bool rightToLeft : {false, true}) {
+            LmMenu menu;
+            menu.setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+            QAction* const print = menu.addAction(QStringLiteral("Print 100%1"));
+            print->setShortcuts(keys);
+            QPointer<QAction> passing = menu.addAction(QStringLiteral("Passing"));
+            passing->setShortcut(QKeySequence("F6"));
+            QList<QKeySequence> keysWhenTriggered;
+            connect(print, &QAction::triggered, this, [&] { keysWhenTriggered = print->shortcuts(); });
+
+            menu.popup({});
+            QCOMPARE(print->shortcuts(), rightToLeft ? QList<QKeySequence>() : keys);
+            QCOMPARE(print->text(), rightToLeft ? "Print 100%1" + separator + "Ctrl+P" : QStringLiteral("Print 100%1"));
+            delete passing;
+            QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(print).center());
+            QCOMPARE(keysWhenTriggered, keys);
+            QCOMPARE(print->text(), QStringLiteral("Print 100%1"));
+        }
+
+        LmMenu menu;
+        menu.setLayoutDirection(Qt::RightToLeft);
+        QAction* const action = menu.addAction(QStringLiteral("Turned"));
+        action->setShortcuts(keys);
+        menu.popup({});
+        menu.setLayoutDirection(Qt::LeftToRight);
+        menu.hide();
+        menu.setLayoutDirection(Qt::RightToLeft);
+        Q_EMIT menu.aboutToHide();
+        QVERIFY(action->shortcuts().isEmpty() && action->text().contains(separator));
+    }
+
+    void menuTellsWhereItNeedsRoom()
+    {
+        // What its one action has, and the paddings at the left and right in either direction.
+        const std::tuple<const char*, const char*, const char*> cases[] = {
+            {"", "-R", "L-"},     {"icon", "-R", "LR"},       {"check", "LR", "LR"},
+            {"keys", "--", "L-"}, {"check keys", "L-", "LR"},
+        };
+        for (const auto& [having, leftToRight, rightToLeft] : cases) {
+            for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+                LmMenu menu;
+                menu.setLayoutDirection(direction);
+                QAction* const action = menu.addAction(QStringLiteral("Action"));
+                const QByteArray parts(having);
+                if (parts.contains("icon"))
+                    action->setIcon(redIcon(16));
+                action->setCheckable(parts.contains("check"));
+                if (parts.contains("keys"))
+                    action->setShortcut(QKeySequence("F5"));
+                Q_EMIT menu.aboutToShow();
+                const QString padding = QString(menu.property("leftPadding").toBool() ? "L" : "-") +
+                                        (menu.property("rightPadding").toBool() ? "R" : "-");
+                QCOMPARE(padding, QString::fromLatin1(direction == Qt::LeftToRight ? leftToRight : rightToLeft));
+            }
+        }
+    }
+
+    void buttonRepeatsWhileHeld()
+    {
+        const LmHoldButton button;
+        QVERIFY(button.autoRepeat());
+        QCOMPARE(button.autoRepeatInterval(), 200);
+        QCOMPARE(button.autoRepeatDelay(), QToolButton().autoRepeatDelay());
+    }
+};
+
+QTEST_MAIN(ToolkitWidgetsTest)
+
+#include "test_toolkit_widgets.moc"
