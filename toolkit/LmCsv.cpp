@@ -77,7 +77,6 @@ QString lmFixTextCsvItem(const QString& item, bool blankZero)
             return {};
         return result.remove(LmBidi::RLM);
     }
-    result.replace(QLatin1String(".\n"), QLatin1String(". "));
     result.replace(QLatin1Char('\n'), QLatin1Char(' '));
     QString line;
     appendLine(line, result);
