@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFontMetricsF>
 #include <QMouseEvent>
+#include <QPalette>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
@@ -157,6 +158,33 @@ private Q_SLOTS:
         QCOMPARE(tooltip.pos(), QPoint(screen.right() - 120, screen.bottom() - 50));
         tooltip.resize(120, screen.height() + 9);
         QCOMPARE(tooltip.pos(), QPoint(screen.right() - 120, screen.top()));
+        tooltip.resize(screen.width() + 9, 50);
+        QCOMPARE(tooltip.pos().x(), screen.left());
+
+        // Showing it again forgets where the mouse took hold, but not that it did.
+        tooltip.resize(100, 30);
+        sendMouse(tooltip, QEvent::MouseButtonPress, {5, 4}, {});
+        tooltip.hide();
+        tooltip.show();
+        sendMouse(tooltip, QEvent::MouseMove, {}, {50, 60});
+        QCOMPARE(tooltip.pos(), QPoint(50, 60));
+    }
+
+    void styleSheetSeesAChangedProperty()
+    {
+        qApp->setStyleSheet(
+            QStringLiteral("[LmTooltip=\"true\"] { color: #ff0000 } [LmTooltip=\"1\"] { color: #00ff00 }"));
+        LmTooltip tooltip(nullptr);
+        const auto color = [&tooltip] {
+            return tooltip.palette().color(QPalette::WindowText);
+        };
+        tooltip.ensurePolished();
+        tooltip.setProperty("LmTooltip", 1);
+        lmRepolish(nullptr);
+        QCOMPARE(color(), QColor(Qt::red));
+        lmRepolish(&tooltip);
+        QCOMPARE(color(), QColor(Qt::green));
+        qApp->setStyleSheet({});
     }
 };
 

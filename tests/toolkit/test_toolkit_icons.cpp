@@ -109,6 +109,19 @@ private Q_SLOTS:
         const QImage image = icon.pixmap(32, 32, QIcon::Selected, QIcon::On).toImage();
         QCOMPARE(image.pixelColor(2, 8), QColor(Qt::green));
         QCOMPARE(image.pixelColor(image.width() - 1, 8).alpha(), 0);
+
+        // Each mode and state keeps its own pixmaps, with their transparency.
+        QIcon raster(file("r.png"));
+        QPixmap half(5, 5);
+        half.fill(QColor(255, 0, 0, 128));
+        raster.addPixmap(half, QIcon::Disabled, QIcon::On);
+        const QIcon green = lmColorizeIcon(raster, Qt::green);
+        QCOMPARE(green.pixmap(5, 5, QIcon::Disabled, QIcon::On).toImage().pixelColor(2, 2), QColor(0, 255, 0, 128));
+        QCOMPARE(green.pixmap(20, 10, QIcon::Normal, QIcon::Off).toImage().pixelColor(2, 2), QColor(Qt::green));
+
+        const MessageCapture log;
+        QVERIFY(lmColorizeIcon(QIcon(), Qt::green).isNull());
+        QCOMPARE(log.texts(QtCriticalMsg), QStringList("icon \"\" (isNull = true) converted to null icon"));
     }
 
 private:
