@@ -6,6 +6,8 @@
 
 /// A time field in the default locale and the format of LmGuiConfig::timeFormat(), both of the moment when it is made,
 /// whose minutes can go in steps. GUI thread only.
+///
+/// In a right-to-left layout QDateTimeEdit turns the order of the sections round, here too: 10:20 reads 20:10.
 class LmTimeEdit : public QTimeEdit
 {
     Q_OBJECT

@@ -112,7 +112,7 @@ private Q_SLOTS:
             {"de_DE", "", "1.5", "1,5", Good},
             {"de_DE", "", "1*5", "1,5", Good},
             {"de_DE", "", "1#5", "1,5", Good},
-            {"de_DE", "", "1.5*5", "1.5,5", Bad}, // one at a time, the star ahead of the point
+            {"en_GB", "fr_CH", "1.5*5", "1.5,5", Bad}, // one at a time, the star ahead of the point
             {"de_DE", "", "1*5*5", "1,5*5", Bad},
             {"de_DE", "en_GB", "1,5", "1.5", Good},
             {"en_GB", "", "1.5", "1.5", Good},
@@ -293,8 +293,9 @@ private Q_SLOTS:
                 image.fill(Qt::white);
                 QPainter painter(&image);
                 painter.setLayoutDirection(list.layoutDirection());
+                painter.setPen(Qt::blue);
                 delegate.paint(&painter, option, index);
-                painter.drawPoint(0, 0); // With the pen of before.
+                painter.drawPoint(0, 0);
                 return image;
             };
             /// The columns with black in them, or the first and last of these.
@@ -329,6 +330,7 @@ private Q_SLOTS:
 
             // The veil lies over icon and ground, to the very edge.
             const QImage selected = paint(1, QStyle::State_Selected);
+            QCOMPARE(selected.pixelColor(0, 0), QColor(Qt::blue)); // The painter is as it was.
             QCOMPARE(selected.pixelColor(icon.center()).red(), 207);
             for (const QPoint corner : {QPoint(10, 10), QPoint(9 + Width, 49)})
                 QCOMPARE(selected.pixelColor(corner).red(), 207);
@@ -424,11 +426,14 @@ private Q_SLOTS:
         const LocaleChange change("ar_EG");
         for (const auto& [format, minimum, maximum, value, text] : cases) {
             LmProgressBar bar;
-            QCOMPARE(bar.format(), QStringLiteral("%p%"));
             bar.setRange(minimum, maximum);
             bar.setValue(value);
             bar.setFormat(QString::fromLatin1(format));
             QCOMPARE(bar.text(), QString::fromUtf8(text));
+        }
+        {
+            const LocaleChange other("fa_IR"); // Qt's own default would have this locale's percent sign.
+            QCOMPARE(LmProgressBar().format(), QStringLiteral("%p%"));
         }
         for (const auto& [format, kept] : {std::pair("%L1", "%L1"), {"", "%p%"}}) {
             LmProgressDialog dialog(QString::fromLatin1(format));

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/Programs.h"
+
+#include <QDir>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <tuple>
+
+class GalleryProgramTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void picturesDifferByLocaleAndDirection()
+    {
+        const QTemporaryDir dir;
+        QVERIFY(write(dir.filePath("red.qss"), "* { background: #ff0000; }"));
+        const QVector<QStringList> runs{{"--locale", "en_GB"},
+                                        {"--locale", "en_GB", "--rtl"},
+                                        {"--locale", "de_DE"},
+                                        {"--locale", "en_GB", "--style-sheet", "red.qss"}};
+        QVector<QImage> pictures;
+        for (const QStringList& options : runs) {
+            const QString folder = QStringLiteral("new/%1").arg(pictures.size());
+            QCOMPARE(Program(MERIVO_GALLERY_PROGRAM, options + QStringList{"--write", folder}, dir.path()).end(),
+                     QString("0 "));
+            QCOMPARE(QDir(dir.filePath(folder)).entryList(QDir::Files).join(' '),
+                     QString("buttons.png dates.png lists.png menus.png messages.png months.png numbers.png "
+                             "pictures.png progress.png"));
+            pictures.append(QImage(dir.filePath(folder + "/numbers.png")));
+            for (int i = 0; i < pictures.size() - 1; ++i)
+                QVERIFY(pictures.at(i) != pictures.constLast());
+        }
+        QCOMPARE(pictures.at(3).pixelColor(20, 20), QColor(Qt::red));
+    }
+
+    void wrongCallsAreTold()
+    {
+        const QTemporaryDir dir;
+        QVERIFY(write(dir.filePath("file"), ""));
+        const std::tuple<QStringList, const char*, const char*> rows[] = {
+            {{"--locale", "xx_YY"}, "2 ", "no locale 'xx_YY'"},
+            {{"--write", ""}, "2 ", "--write needs a value"},
+            {{"more"}, "2 ", "unexpected argument 'more'"},
+            {{"--write", "file/below"}, "1 ", "file/below"},
+            {{"--style-sheet", "none.qss", "--write", "."}, "1 ", "none.qss"},
+        };
+        for (const auto& [options, status, told] : rows) {
+            const QString end = Program(MERIVO_GALLERY_PROGRAM, options, dir.path()).end();
+            QVERIFY2(end.startsWith(status) && end.contains(told), qPrintable(end));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(GalleryProgramTest)
+
+#include "test_gallery_program.moc"

@@ -1,0 +1,209 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/gallery/GalleryPages.h"
+
+#include "toolkit/LmButtons.h"
+#include "toolkit/LmClickFrame.h"
+#include "toolkit/LmFileDialog.h"
+#include "toolkit/LmIcons.h"
+#include "toolkit/LmMessageBox.h"
+#include "toolkit/LmTabs.h"
+#include "toolkit/LmTooltip.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPainter>
+#include <QPen>
+#include <QVBoxLayout>
+#include <QVariant>
+
+namespace {
+
+QString imagePath(const char* name)
+{
+    return QStringLiteral(":/img/images/%1.svg").arg(QLatin1String(name));
+}
+
+LmClickFrame* makeFrame(const QString& text, int id, QLabel* told)
+{
+    auto* const frame = new LmClickFrame;
+    frame->setId(id);
+    frame->setFrameShape(QFrame::StyledPanel);
+    auto* const layout = new QVBoxLayout(frame);
+    layout->addWidget(new QLabel(text));
+    const auto tell = [frame, told](const QString& what) {
+        told->setText(what);
+        frame->setClickStyle(!frame->property("ClickStyle").toBool());
+    };
+    QObject::connect(frame, qOverload<>(&LmClickFrame::clicked), told, [tell] { tell(QStringLiteral("clicked()")); });
+    QObject::connect(frame, qOverload<int>(&LmClickFrame::clicked), told,
+                     [tell](int number) { tell(QStringLiteral("clicked(%1)").arg(number)); });
+    QObject::connect(frame, qOverload<>(&LmClickFrame::doubleClicked), told,
+                     [tell] { tell(QStringLiteral("doubleClicked()")); });
+    QObject::connect(frame, qOverload<int>(&LmClickFrame::doubleClicked), told,
+                     [tell](int number) { tell(QStringLiteral("doubleClicked(%1)").arg(number)); });
+    return frame;
+}
+
+/// Pictures at the edges, corners and the middle of a rectangle, and two hatched areas side by side.
+class Canvas final : public QWidget
+{
+public:
+    Canvas() { setFixedSize(420, 200); }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        const QRectF area(10.5, 10.5, 250, 180);
+        painter.drawRect(area);
+        const bool mirrored = layoutDirection() == Qt::RightToLeft;
+        const QPicture flag = mirrored ? lmMirroredPicture(imagePath("flag")) : lmPicture(imagePath("flag"));
+        const int places[] = {Qt::AlignLeft | Qt::AlignTop, Qt::AlignRight | Qt::AlignTop, Qt::AlignCenter,
+                              Qt::AlignLeft | Qt::AlignBottom, Qt::AlignRight | Qt::AlignBottom};
+        for (const int place : places)
+            lmPaintPicture(&painter, flag, area, place);
+        lmPaintHatched(&painter, {280, 10, 61, 180}, QPen(QColor(13, 166, 158)));
+        lmPaintHatched(&painter, {341, 60, 69, 130}, QPen(QColor(72, 68, 68)));
+    }
+};
+
+QLabel* iconLabel(const QPixmap& pixmap)
+{
+    auto* const label = new QLabel;
+    label->setPixmap(pixmap);
+    return label;
+}
+
+QPixmap picturePixmap(const QPicture& picture)
+{
+    QPixmap pixmap(48, 48);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    lmPaintPicture(&painter, picture, QPointF(0, 0), Qt::AlignLeft | Qt::AlignTop);
+    return pixmap;
+}
+
+} // namespace
+
+GalleryPage buttonsPage()
+{
+    auto* const page = new QWidget;
+    auto* const buttons = new QHBoxLayout;
+    buttons->addWidget(new LmPushButton(lmIcon(imagePath("flag")), QStringLiteral("Push button")));
+    auto* const check = new LmCheckButton(QStringLiteral("Check button"));
+    check->setCheckable(true);
+    check->setChecked(true);
+    buttons->addWidget(check);
+    auto* const tool = new LmToolButton;
+    tool->setText(QStringLiteral("Tool button"));
+    buttons->addWidget(tool);
+    auto* const baltic = new LmBalticButton;
+    baltic->setIconFor("Day", lmIcon(imagePath("sun")));
+    baltic->setIconFor("Night", lmIcon(imagePath("moon")));
+    baltic->setIconStyle("Day");
+    baltic->setIconSize(QSize(24, 24));
+    QObject::connect(baltic, &QAbstractButton::clicked, baltic, [baltic] {
+        const bool isDay = baltic->property("IconStyle").toString() == QLatin1String("Day");
+        baltic->setIconStyle(isDay ? "Night" : "Day");
+    });
+    buttons->addWidget(baltic);
+    buttons->addWidget(new LmBigCheckBox(QStringLiteral("Big check box")));
+    buttons->addStretch();
+
+    auto* const frames = new QHBoxLayout;
+    auto* const told = new QLabel(QStringLiteral("not clicked yet"));
+    LmClickFrame* const marked = makeFrame(QStringLiteral("Frame 7"), 7, told);
+    marked->setClickStyle(true);
+    frames->addWidget(makeFrame(QStringLiteral("Frame without id"), -1, told));
+    frames->addWidget(marked);
+    frames->addWidget(told);
+    frames->addStretch();
+
+    auto* const tabs = new LmTabWidget;
+    auto* const stack = new LmTabStackedWidget;
+    for (int i = 1; i <= 3; ++i) {
+        tabs->addTab(new QLabel(QStringLiteral("Page %1 of the tabs").arg(i)), QStringLiteral("Tab %1").arg(i));
+        stack->addWidget(new QLabel(QStringLiteral("Page %1 of the stack, which follows the tabs").arg(i)));
+    }
+    QObject::connect(tabs, &QTabWidget::currentChanged, stack, &QStackedWidget::setCurrentIndex);
+
+    auto* const column = new QVBoxLayout(page);
+    column->addLayout(buttons);
+    column->addLayout(frames);
+    column->addWidget(tabs);
+    column->addWidget(stack);
+    column->addWidget(new LmDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, Qt::Horizontal));
+    column->addStretch();
+    return {QStringLiteral("buttons"), QStringLiteral("Buttons and frames"), page};
+}
+
+GalleryPage picturesPage()
+{
+    auto* const page = new QWidget;
+    auto* const grid = new QGridLayout;
+    const QString flag = imagePath("flag");
+    const QColor orange(224, 120, 32);
+    const std::pair<const char*, QPixmap> icons[] = {
+        {"lmIcon()", lmIcon(flag).pixmap(48, 48)},
+        {"lmPixmap(), 24", lmPixmap(flag, 24, 24)},
+        {"lmPicture()", picturePixmap(lmPicture(flag))},
+        {"lmMirroredPicture()", picturePixmap(lmMirroredPicture(flag))},
+        {"lmColorizePixmap()", lmColorizePixmap(lmPixmap(flag), orange)},
+        {"lmColorizeIcon()", lmColorizeIcon(lmIcon(flag), orange).pixmap(32, 32)},
+    };
+    int column = 0;
+    for (const auto& [call, pixmap] : icons) {
+        grid->addWidget(iconLabel(pixmap), 0, column, Qt::AlignCenter);
+        grid->addWidget(new QLabel(QLatin1String(call)), 1, column, Qt::AlignCenter);
+        ++column;
+    }
+    auto* const rows = new QVBoxLayout(page);
+    rows->addLayout(grid);
+    rows->addWidget(new Canvas, 0, Qt::AlignLeft);
+    rows->addStretch();
+    return {QStringLiteral("pictures"), QStringLiteral("Icons and pictures"), page};
+}
+
+GalleryPage messagesPage()
+{
+    auto* const page = new QWidget;
+    auto* const column = new QVBoxLayout(page);
+    const auto addButton = [column](const char* text) {
+        auto* const button = new LmPushButton(QLatin1String(text));
+        column->addWidget(button, 0, Qt::AlignLeft);
+        return button;
+    };
+    auto* const warning = new LmMessageBox(QMessageBox::Warning, QStringLiteral("A title that is wider than the text"),
+                                           QStringLiteral("Short."), QMessageBox::Ok, page);
+    QObject::connect(addButton("A warning"), &QAbstractButton::clicked, warning, &QDialog::open);
+    auto* const question = new LmMessageBox(QMessageBox::Question, QStringLiteral("Question"),
+                                            QStringLiteral("The first line of the question.<br/>Shall it be so?"),
+                                            QMessageBox::Yes | QMessageBox::No, page);
+    question->setButtonText(QMessageBox::Yes, QStringLiteral("Yes, with a text of its own"));
+    QObject::connect(addButton("A question"), &QAbstractButton::clicked, question, &QDialog::open);
+
+    auto* const tooltip = new LmTooltip(page);
+    tooltip->setText(QStringLiteral("Drag me: I stay within the width of the screens."));
+    LmPushButton* const toggle = addButton("A tooltip that can be dragged");
+    QObject::connect(toggle, &QAbstractButton::clicked, tooltip, [tooltip, toggle] {
+        tooltip->move(toggle->mapToGlobal(QPoint(0, toggle->height())));
+        tooltip->setVisible(!tooltip->isVisible());
+    });
+
+    auto* const folder = new QLabel(QStringLiteral("no folder chosen"));
+    QObject::connect(addButton("Choose a folder"), &QAbstractButton::clicked, folder, [folder, page] {
+        const QString chosen = LmFileDialog::getExistingDirectory(page, QStringLiteral("Choose a folder"), QString());
+        folder->setText(chosen.isEmpty() ? QStringLiteral("no folder chosen") : chosen);
+    });
+    column->addWidget(folder);
+    column->addStretch();
+    return {QStringLiteral("messages"), QStringLiteral("Messages"), page, {warning, question, tooltip}};
+}
+
+QVector<GalleryPage> galleryPages()
+{
+    return {numbersPage(),  datesPage(),   monthsPage(),   listsPage(),   menusPage(),
+            progressPage(), buttonsPage(), picturesPage(), messagesPage()};
+}

@@ -1,0 +1,172 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/gallery/GalleryPages.h"
+
+#include "toolkit/BgDoubleSpinBox.h"
+#include "toolkit/LmButtons.h"
+#include "toolkit/LmCalendarWidget.h"
+#include "toolkit/LmDateEdit.h"
+#include "toolkit/LmGuiConfig.h"
+#include "toolkit/LmNumberText.h"
+#include "toolkit/LmSpinBox.h"
+#include "toolkit/LmText.h"
+#include "toolkit/LmTimeEdit.h"
+
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLocale>
+
+namespace {
+
+const QDate Sample(2024, 3, 12);
+
+/// QCalendarWidget's own size is too small for some locales' names of days: it would cut "Mo.".
+void widen(QCalendarWidget* calendar)
+{
+    calendar->setMinimumWidth(calendar->sizeHint().width() + 70);
+}
+
+/// The field and, beside it, its value as a program reads it.
+template <typename Box>
+QLayout* withEcho(Box* box, QLabel* echo)
+{
+    const auto show = [echo](auto value) {
+        echo->setText(QStringLiteral("value %1").arg(value));
+    };
+    QObject::connect(box, qOverload<decltype(box->value())>(&Box::valueChanged), echo, show);
+    show(box->value());
+    auto* const row = new QHBoxLayout;
+    row->addWidget(box);
+    row->addWidget(echo, 1);
+    return row;
+}
+
+QLayout* glucoseField()
+{
+    auto* const box = new BgDoubleSpinBox;
+    auto* const unit = new LmCheckButton(QStringLiteral("mmol/l"));
+    unit->setCheckable(true);
+    QObject::connect(unit, &QAbstractButton::toggled, box, [box](bool decimal) {
+        decimal ? box->setDecimalUnit(0.6, 33.3) : box->setWholeUnit(10, 600);
+        box->setSuffix(decimal ? QStringLiteral(" mmol/l") : QStringLiteral(" mg/dl"));
+    });
+    box->setSuffix(QStringLiteral(" mg/dl"));
+    box->setValue(120);
+    QLayout* const row = withEcho(box, new QLabel);
+    row->addWidget(unit);
+    return row;
+}
+
+QGroupBox* textsBox()
+{
+    const std::pair<const char*, QString> rows[] = {
+        {"lmLocalizedInt(1234567)", lmLocalizedInt(1234567)},
+        {"lmLocalizedDouble(-1.5, 1, 0, 'f')", lmLocalizedDouble(-1.5, 1, 0, 'f')},
+        {"lmLocalizedDouble(1.005, 2, 0, 'f')", lmLocalizedDouble(1.005, 2, 0, 'f')},
+        {"lmPlainDouble(-1.5, 1, 0, 'f')", lmPlainDouble(-1.5, 1, 0, 'f')},
+        {"lmDurationText() of 90 minutes", lmDurationText(5400000000000)},
+        {"lmRatioText(2, 3, 2)", lmRatioText(2, 3, 2)},
+        {"lmLocalizedDate(\"d MMMM yyyy\", ...)", lmLocalizedDate(QStringLiteral("d MMMM yyyy"), Sample)},
+        {"lmLocalizedTime(...)", lmLocalizedTime(QTime(15, 4))},
+    };
+    auto* const box = new QGroupBox(QStringLiteral("Texts"));
+    auto* const form = new QFormLayout(box);
+    for (const auto& [call, text] : rows)
+        form->addRow(QLatin1String(call), new QLabel(text));
+    return box;
+}
+
+} // namespace
+
+GalleryPage numbersPage()
+{
+    auto* const page = new QWidget;
+    auto* const fields = new QGroupBox(QStringLiteral("Fields"));
+    auto* const form = new QFormLayout(fields);
+
+    auto* const plain = new LmSpinBox;
+    plain->setRange(-9999, 9999);
+    plain->setValue(-1250);
+    form->addRow(QStringLiteral("Whole numbers"), withEcho(plain, new QLabel));
+
+    auto* const special = new LmSpinBox;
+    special->setSpecialValueText(QStringLiteral("off"));
+    form->addRow(QStringLiteral("0 reads \"off\""), withEcho(special, new QLabel));
+
+    auto* const decimal = new LmDoubleSpinBox;
+    decimal->setRange(-999, 999);
+    decimal->setValue(12.5);
+    form->addRow(QStringLiteral("Decimals: type 1*5 or 1#5"), withEcho(decimal, new QLabel));
+
+    auto* const low = new LmDoubleSpinBox;
+    low->setSpecialValueText(QStringLiteral("low"));
+    low->setRange(0.5, 20);
+    form->addRow(QStringLiteral("The least reads \"low\""), withEcho(low, new QLabel));
+    form->addRow(QStringLiteral("Blood glucose"), glucoseField());
+
+    auto* const column = new QVBoxLayout(page);
+    column->addWidget(fields);
+    column->addWidget(textsBox());
+    column->addStretch();
+    return {QStringLiteral("numbers"), QStringLiteral("Numbers"), page};
+}
+
+GalleryPage datesPage()
+{
+    auto* const page = new QWidget;
+    auto* const date = new LmDateEdit(Sample);
+    auto* const minutes = new LmTimeEdit(QTime(10, 20));
+    auto* const quarters = new LmTimeEdit(QTime(10, 15));
+    quarters->setMinuteStep(15);
+    auto* const edits = new QFormLayout;
+    edits->addRow(QStringLiteral("Date, with the house calendar"), date);
+    edits->addRow(QStringLiteral("Time"), minutes);
+    edits->addRow(QStringLiteral("Time, in quarters of an hour"), quarters);
+
+    auto* const calendar = new LmCalendarWidget;
+    calendar->setUp(LmGuiConfig::instance()->firstWeekDay());
+    calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    calendar->setDateRange(Sample.addDays(-20), Sample.addDays(40));
+    calendar->setRangeEnd(Sample.addDays(2));
+    calendar->setRangeStart(Sample.addDays(-5));
+    widen(calendar);
+    widen(date->calendarWidget());
+    auto* const end = new LmCheckButton(QStringLiteral("Pick the end"));
+    end->setCheckable(true);
+    QObject::connect(end, &QAbstractButton::toggled, calendar,
+                     [calendar](bool picksEnd) { calendar->setEditingStart(!picksEnd); });
+    QObject::connect(calendar, &QCalendarWidget::clicked, calendar, [calendar](const QDate& picked) {
+        calendar->isEditingStart() ? calendar->setRangeStart(picked) : calendar->setRangeEnd(picked);
+    });
+
+    auto* const box = new QGroupBox(QStringLiteral("A range"));
+    auto* const boxColumn = new QVBoxLayout(box);
+    boxColumn->addWidget(calendar);
+    boxColumn->addWidget(end, 0, Qt::AlignLeft);
+    auto* const column = new QVBoxLayout(page);
+    column->addLayout(edits);
+    column->addWidget(box);
+    column->addStretch();
+    return {QStringLiteral("dates"), QStringLiteral("Dates and times"), page, {date->calendarWidget()}};
+}
+
+GalleryPage monthsPage()
+{
+    auto* const page = new QWidget;
+    auto* const grid = new QGridLayout(page);
+    // Months of one year that begin on Monday to Sunday.
+    const int months[] = {1, 10, 5, 2, 3, 6, 9};
+    int place = 0;
+    for (const int month : months) {
+        auto* const calendar = new LmCalendarWidget;
+        calendar->setUp(LmGuiConfig::instance()->firstWeekDay());
+        calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+        calendar->setCurrentPage(2024, month);
+        widen(calendar);
+        grid->addWidget(calendar, place / 4, place % 4);
+        ++place;
+    }
+    return {QStringLiteral("months"), QStringLiteral("Months"), page};
+}

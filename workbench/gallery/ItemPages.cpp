@@ -1,0 +1,169 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/gallery/GalleryPages.h"
+
+#include "toolkit/LmButtons.h"
+#include "toolkit/LmIcons.h"
+#include "toolkit/LmListWidget.h"
+#include "toolkit/LmMenu.h"
+#include "toolkit/LmProgressBar.h"
+#include "toolkit/LmProgressDialog.h"
+#include "toolkit/LmTimer.h"
+
+#include <QFormLayout>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLocale>
+#include <QSlider>
+#include <QVBoxLayout>
+
+namespace {
+
+const QString FlagPath = QStringLiteral(":/img/images/flag.svg");
+
+LmMenu* makeMenu(QLabel* told, QWidget* parent)
+{
+    struct Entry
+    {
+        const char* text;
+        const char* keys;
+        bool hasIcon;
+        bool isCheckable;
+    };
+    const Entry entries[] = {
+        {"Raise the flag", "Ctrl+R", true, false},
+        {"Show the grid", "Ctrl+G", false, true},
+        {"Without keys", "", false, false},
+        {"Print", "Ctrl+Shift+P", false, false},
+    };
+    auto* const menu = new LmMenu(QStringLiteral("Menu"), parent);
+    for (const Entry& entry : entries) {
+        QAction* const action = menu->addAction(QLatin1String(entry.text));
+        action->setShortcut(QKeySequence(QLatin1String(entry.keys)));
+        action->setCheckable(entry.isCheckable);
+        action->setChecked(entry.isCheckable);
+        if (entry.hasIcon)
+            action->setIcon(lmIcon(FlagPath));
+        QObject::connect(action, &QAction::triggered, told, [told, action] { told->setText(action->text()); });
+    }
+    return menu;
+}
+
+} // namespace
+
+GalleryPage listsPage()
+{
+    auto* const page = new QWidget;
+    auto* const list = new LmListWidget(page);
+    list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    for (int day = Qt::Monday; day <= Qt::Sunday; ++day) {
+        auto* const item = new QListWidgetItem(QLocale().dayName(day), list);
+        if (day % 2 == 0)
+            item->setIcon(lmIcon(FlagPath));
+    }
+    list->addItems(
+        QStringList{QStringLiteral("A line that is longer than the list is wide, cut off with an ellipsis")});
+    list->setFixedSize(260, 300);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+
+    auto* const up = new LmPushButton(QStringLiteral("Up"));
+    auto* const down = new LmPushButton(QStringLiteral("Down"));
+    auto* const add = new LmPushButton(QStringLiteral("Copy"));
+    auto* const remove = new LmPushButton(QStringLiteral("Remove"));
+    auto* const told = new QLabel;
+    auto* const buttons = new QVBoxLayout;
+    for (QWidget* widget : {static_cast<QWidget*>(up), static_cast<QWidget*>(down), static_cast<QWidget*>(add),
+                            static_cast<QWidget*>(remove), static_cast<QWidget*>(told)})
+        buttons->addWidget(widget);
+    buttons->addStretch();
+    QObject::connect(up, &QAbstractButton::clicked, list, &LmListWidget::moveUp);
+    QObject::connect(down, &QAbstractButton::clicked, list, &LmListWidget::moveDown);
+    QObject::connect(remove, &QAbstractButton::clicked, list, &LmListWidget::removeSelectedItems);
+    QObject::connect(add, &QAbstractButton::clicked, list, [list] { list->addItems(list->selectedItems()); });
+    QObject::connect(list, &LmListWidget::selectionChanged, remove, &QWidget::setEnabled);
+    QObject::connect(list, &LmListWidget::blockSelected, told, [told](bool isBlock) {
+        told->setText(isBlock ? QStringLiteral("one block") : QStringLiteral("no block"));
+    });
+    list->item(1)->setSelected(true);
+    list->item(2)->setSelected(true);
+
+    auto* const row = new QHBoxLayout(page);
+    row->addWidget(list);
+    row->addLayout(buttons);
+    row->addStretch();
+    return {QStringLiteral("lists"), QStringLiteral("Lists"), page};
+}
+
+GalleryPage menusPage()
+{
+    auto* const page = new QWidget;
+    auto* const told = new QLabel(QStringLiteral("nothing picked"));
+    LmMenu* const menu = makeMenu(told, page);
+    auto* const button = new LmToolButton;
+    button->setText(QStringLiteral("Open the menu"));
+    button->setPopupMode(QToolButton::InstantPopup);
+    button->setMenu(menu);
+    // All of the window, as Qt's styles paint a menu well only in the direction of its application.
+    auto* const turn = new LmPushButton(QStringLiteral("Turn the layout round"));
+    QObject::connect(turn, &QAbstractButton::clicked, page, [] {
+        const bool leftToRight = QGuiApplication::layoutDirection() == Qt::LeftToRight;
+        QGuiApplication::setLayoutDirection(leftToRight ? Qt::RightToLeft : Qt::LeftToRight);
+    });
+
+    auto* const column = new QVBoxLayout(page);
+    column->addWidget(button, 0, Qt::AlignLeft);
+    column->addWidget(turn, 0, Qt::AlignLeft);
+    column->addWidget(told);
+    column->addStretch();
+    return {QStringLiteral("menus"), QStringLiteral("Menus"), page, {menu}};
+}
+
+GalleryPage progressPage()
+{
+    auto* const page = new QWidget;
+    auto* const form = new QFormLayout(page);
+    auto* const slider = new QSlider(Qt::Horizontal);
+    slider->setRange(0, 300);
+    form->addRow(QStringLiteral("Moves them all"), slider);
+    for (const char* const format : {"%p%", "%L1%", "%v of %m"}) {
+        auto* const bar = new LmProgressBar;
+        bar->setRange(slider->minimum(), slider->maximum());
+        bar->setFormat(QLatin1String(format));
+        QObject::connect(slider, &QSlider::valueChanged, bar, &QProgressBar::setValue);
+        form->addRow(QStringLiteral("Format \"%1\"").arg(QLatin1String(format)), bar);
+    }
+
+    auto* const less = new LmHoldButton;
+    auto* const more = new LmHoldButton;
+    less->setText(QStringLiteral("-"));
+    more->setText(QStringLiteral("+"));
+    QObject::connect(less, &QAbstractButton::clicked, slider, [slider] { slider->setValue(slider->value() - 10); });
+    QObject::connect(more, &QAbstractButton::clicked, slider, [slider] { slider->setValue(slider->value() + 10); });
+    auto* const run = new LmCheckButton(QStringLiteral("Run"));
+    run->setCheckable(true);
+    auto* const timer = new LmTimer(page);
+    timer->setInterval(50);
+    QObject::connect(run, &QAbstractButton::toggled, timer, [timer](bool on) { on ? timer->start() : timer->stop(); });
+    QObject::connect(timer, &QTimer::timeout, slider,
+                     [slider] { slider->setValue((slider->value() + 1) % (slider->maximum() + 1)); });
+    auto* const row = new QHBoxLayout;
+    row->addWidget(less);
+    row->addWidget(more);
+    row->addWidget(run);
+    row->addStretch();
+    form->addRow(QStringLiteral("Hold, or let it run"), row);
+
+    auto* const dialog = new LmProgressDialog(QStringLiteral("%L1%"), page);
+    dialog->setMinimumDuration(24 * 60 * 60 * 1000); // It opens by its button, not by itself.
+    dialog->reset();
+    dialog->setAutoClose(false);
+    dialog->setAutoReset(false);
+    dialog->setMaximum(slider->maximum());
+    dialog->setLabelText(QStringLiteral("A dialog with the same progress"));
+    QObject::connect(slider, &QSlider::valueChanged, dialog, &QProgressDialog::setValue);
+    auto* const open = new LmPushButton(QStringLiteral("Open a dialog"));
+    QObject::connect(open, &QAbstractButton::clicked, dialog, &QWidget::show);
+    form->addRow(QString(), open);
+    slider->setValue(126);
+    return {QStringLiteral("progress"), QStringLiteral("Progress"), page, {dialog}};
+}
