@@ -16,7 +16,7 @@ bool lmMakeParentDir(const QString& filePath)
 QByteArray lmReadBytes(const QString& path, QIODevice::OpenMode mode)
 {
     QFile file(path);
-    // Opening could make a file that isn't there, if the mode allows for writing too.
+    // Opening could make a file that isn't there if the mode allows for writing too, and empty one if for that alone.
     return file.exists() && file.open(mode | QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
@@ -42,7 +42,7 @@ bool lmWriteBytes(const QByteArray& data, const QString& path, QIODevice::OpenMo
         return false;
     QFile file(path);
     // A full drive is noticed no sooner than by the flush.
-    return file.open(mode | QIODevice::WriteOnly) && file.write(data) == data.size() && file.flush();
+    return file.open(mode) && file.write(data) == data.size() && file.flush();
 }
 
 QLocale::Country lmSystemCountry()
