@@ -30,10 +30,11 @@ public:
     ~InstanceObserver() override;
 
     /// Begins the watch of the object at @p address, which isn't accessed. The type is what stands before the first
-    /// "::" of @p typeSignature, so that the signature of a member function gives its class. A @p verbose observer
-    /// writes to Qt's debug log when the watch begins and ends.
+    /// "::" of @p typeSignature, so that "Importer::Importer()" gives the class; a return type ahead of it isn't taken
+    /// off. A @p verbose observer writes to Qt's debug log when the watch begins and ends.
     ///
-    /// With a null address or an empty signature nothing is registered. A further call ends the former watch.
+    /// With a null address or an empty signature nothing is registered, and no watch begins; with the latter alone a
+    /// verbose observer still writes its state and its end. A further call ends the former watch.
     void setObject(const void* address, const QString& typeSignature, bool verbose);
 
     /// Writes a line to Qt's debug log if this is verbose and has an address.

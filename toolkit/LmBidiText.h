@@ -30,9 +30,9 @@ constexpr QChar PDF{u'\u202C'}; ///< Pop directional formatting.
 /// call finds no number any more.
 void lmFixNegativeNumberLabel(QObject* label);
 
-/// Draws @p text on one line, vertically centred, at the edge of @p rect where reading begins, @p indent pixels inside
-/// of it. The direction is that of @p widget, or the application's if that is null; the painter's own one, which may
-/// differ, doesn't move the text. The painter must be active; null draws nothing.
+/// Draws @p text in @p rect, vertically centred, at the edge where reading begins, @p indent pixels inside of it. The
+/// direction is that of @p widget, or the application's if that is null; the painter's own one, which may differ,
+/// doesn't move the text. The painter must be active; null draws nothing.
 void lmDrawTextLeading(QPainter* painter, const QRect& rect, int indent, const QString& text, QWidget* widget);
 /// The same at the edge where reading ends.
 void lmDrawTextTrailing(QPainter* painter, const QRect& rect, int indent, const QString& text, QWidget* widget);

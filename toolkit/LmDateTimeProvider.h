@@ -24,8 +24,8 @@ public:
     /// The same as UTC.
     QDateTime nowUtc() const;
 
-    /// The same date and time of day with its offset from UTC as a fixed part of it. A text form that writes the offset
-    /// of such a time, as Qt::ISODate does, says it.
+    /// The same date and time of day, with its offset from UTC fixed in place of a time zone. Qt::ISODate then writes
+    /// the offset, which it leaves out of a local time.
     static QDateTime withLocalOffset(const QDateTime& dateTime);
 
 private:

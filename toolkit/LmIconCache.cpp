@@ -12,9 +12,11 @@ namespace {
 
 constexpr int MaximumImages = 100;
 
-QCache<QString, LmIconItem>& cache()
+using LmIconCache = QCache<QString, LmIconItem>;
+
+LmIconCache& cache()
 {
-    static QCache<QString, LmIconItem> instance(MaximumImages);
+    static LmIconCache instance(MaximumImages);
     return instance;
 }
 

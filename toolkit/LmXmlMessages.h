@@ -16,7 +16,9 @@ public:
     explicit LmXmlMessages(QObject* parent);
     ~LmXmlMessages() override;
 
-    /// Lines like "Error at (line 3;column 7) - description", led by the worst kind seen. The description is rich text.
+    /// Lines like "Error at (line 3;column 7) - description", whose description is rich text. A message with a higher
+    /// QtMsgType than the one before it replaces all lines so far. The label is "Error" for QtDebugMsg and QtWarningMsg
+    /// and "Info" for all others, the QtFatalMsg of a document that fails among them.
     QStringList messages() const { return m_messages; }
     /// Forgets all lines.
     void clear();
