@@ -93,8 +93,13 @@ private Q_SLOTS:
         lmPaintHatched(&painter, {3, 65, 21, 30}, QPen(Qt::black));
         lmPaintHatched(&painter, {24, 65, 29, 30}, QPen(Qt::black));
 
+        QPicture sheet;
+        QPainter other(&sheet);
+        const QRectF bottom = lmPaintPicture(&other, lmPicture(file("v.svg")), rect, Qt::AlignBottom);
+
         // What rounding moves of the left and top edge, the size takes up.
         QCOMPARE(right, QRectF(71, 36, 40.25, 19.75));
+        QCOMPARE(bottom, QRectF(41, 51, 39.75, 20.25));
         const QImage pictures = image.copy(0, 0, 200, 60);
         QCOMPARE(pictures.pixelColor(71, 36), QColor(Qt::red));
         QCOMPARE(pictures.pixelColor(70, 36).alpha() + pictures.pixelColor(91, 36).alpha(), 0);

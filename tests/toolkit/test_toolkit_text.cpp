@@ -95,8 +95,6 @@ private Q_SLOTS:
         }
         QVERIFY(!std::signbit(lmRoundTo(-0.0, 2)) && !std::signbit(lmRoundTo(-0.001, 2)));
         QVERIFY(std::isnan(lmRoundTo(std::nan(""), 2)) && std::isinf(lmRoundTo(-HUGE_VAL, 2)));
-        QCOMPARE(lmRoundToOptional(1.26, -1), 1.26);
-        QCOMPARE(lmRoundToOptional(1.26, 1), 1.3);
     }
 
     void textsReadAsTheLocaleWrites()
@@ -164,15 +162,16 @@ private Q_SLOTS:
             QWidget* const widget = way & 4 ? &mirrored : nullptr;
             const auto application = way & 8 ? Qt::RightToLeft : Qt::LeftToRight;
             QGuiApplication::setLayoutDirection(application);
-            QImage image(200, 30, QImage::Format_RGB32);
+            QImage image(200, 90, QImage::Format_RGB32);
             image.fill(Qt::white);
             QPainter painter(&image);
             painter.setLayoutDirection(application); // As on a widget.
-            (leading ? lmDrawTextLeading : lmDrawTextTrailing)(&painter, {40, 0, 120, 30}, 20, text, widget);
+            (leading ? lmDrawTextLeading : lmDrawTextTrailing)(&painter, {40, 0, 120, 90}, 20, text, widget);
             const auto [first, last] = inkedColumns(image);
             const bool atRight = leading == (widget || application == Qt::RightToLeft);
             QVERIFY2(atRight ? last > 135 && last < 140 : first >= 60 && first < 65, qPrintable(QString::number(way)));
             QVERIFY(last - first > 5 && last - first < 60);
+            QCOMPARE(inkedColumns(image.copy(0, 30, 200, 30)), qMakePair(first, last));
         }
     }
 
