@@ -10,7 +10,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDialog>
 #include <QDir>
 #include <QFontMetricsF>
 #include <QMouseEvent>
@@ -97,14 +96,6 @@ private Q_SLOTS:
             QVERIFY(!QCoreApplication::removeTranslator(&translator));
         }
         QDir::setCurrent(QDir::rootPath());
-    }
-
-    void helpButtonAloneIsRemoved()
-    {
-        QDialog dialog(nullptr, Qt::Dialog | Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
-        const Qt::WindowFlags flags = dialog.windowFlags();
-        lmRemoveHelpButton(&dialog);
-        QCOMPARE(dialog.windowFlags(), flags & ~Qt::WindowContextHelpButtonHint);
     }
 
     void boxHasRoomForItsTexts()

@@ -144,7 +144,6 @@ private Q_SLOTS:
         lmFixNegativeNumberLabel(nullptr);
         for (const QString text : {"3", "-0", "-1,5", "-", "1.5-"})
             QCOMPARE(fixed(text), text);
-        QCOMPARE(log.texts(QtDebugMsg), QStringList());
         QCOMPARE(fixed("-1.5"), QString("1.5-"));
         QCOMPARE(fixed(" -2"), QString(" -2"));
         const QString entry = QStringLiteral("Negative number in R2L-label fixed as '%1'->'%2'");
@@ -170,7 +169,6 @@ private Q_SLOTS:
             const auto [first, last] = inkedColumns(image);
             const bool atRight = leading == (widget || application == Qt::RightToLeft);
             QVERIFY2(atRight ? last > 135 && last < 140 : first >= 60 && first < 65, qPrintable(QString::number(way)));
-            QVERIFY(last - first > 5 && last - first < 60);
             QCOMPARE(inkedColumns(image.copy(0, 30, 200, 30)), qMakePair(first, last));
         }
     }
