@@ -15,7 +15,7 @@ InstanceObserver::~InstanceObserver()
     if (!m_address)
         return;
     if (m_verbose)
-        logEvent("<----- delete");
+        logEvent(QStringLiteral("<----- delete-%1 (%2) / address: %3"));
     ObserverManager::instance().remove(*this);
 }
 
@@ -32,13 +32,13 @@ void InstanceObserver::setObject(const void* address, const QString& typeSignatu
         return;
     ObserverManager::instance().add(*this);
     if (verbose)
-        logEvent("-----> create");
+        logEvent(QStringLiteral("-----> create-%1 (%2) / address: %3"));
 }
 
 void InstanceObserver::logState() const
 {
     if (m_address && m_verbose)
-        logEvent("------ observer");
+        logEvent(QStringLiteral("------ observer-%1 (%2) / address: %3"));
 }
 
 void InstanceObserver::timingStart(RuntimeObserver& timeObserver)
@@ -51,9 +51,8 @@ void InstanceObserver::timingStop(RuntimeItem item)
     m_runtimes[item.name].append(item);
 }
 
-void InstanceObserver::logEvent(const char* event) const
+void InstanceObserver::logEvent(const QString& pattern) const
 {
-    qDebug().noquote() << QStringLiteral("%1-%2 (%3) / address: %4")
-                              .arg(QLatin1String(event), QString::number(m_number), m_typeName,
-                                   QString::number(reinterpret_cast<quintptr>(m_address)));
+    qDebug().noquote() << pattern.arg(QString::number(m_number), m_typeName,
+                                      QString::number(reinterpret_cast<quintptr>(m_address)));
 }

@@ -51,7 +51,8 @@ public Q_SLOTS:
     void timingStop(RuntimeItem item);
 
 private:
-    void logEvent(const char* event) const;
+    /// The pattern takes number, type name and address.
+    void logEvent(const QString& pattern) const;
 
     const void* m_address = nullptr;
     int m_number;

@@ -39,7 +39,7 @@ void InstanceObservers::logSummary() const
 
     for (const RuntimeItem& sum : qAsConst(sums)) {
         const qint64 milliseconds = sum.runtimeNs / 1000000;
-        qDebug().noquote() << QStringLiteral("   ... '%1': calls=%2 / runtime=%3 seconds")
+        qDebug().noquote() << QStringLiteral("   ... '%0': calls=%1 / runtime=%2 seconds")
                                   .arg(sum.name.section(QStringLiteral("::"), -1), QString::number(sum.calls),
                                        QString::number(double(milliseconds) / 1000));
     }

@@ -7,13 +7,13 @@
 
 namespace {
 
-void logSection(const char* title, const QList<InstanceObservers>& types)
+/// Writes @p head with the number of types, the summary of each, and @p foot.
+void logSection(const QString& head, const QList<InstanceObservers>& types, const QString& foot)
 {
-    qDebug().noquote() << QStringLiteral("\n---A--- DUMP %1 objects: number types=%2")
-                              .arg(QLatin1String(title), QString::number(types.size()));
+    qDebug().noquote() << head.arg(types.size());
     for (const InstanceObservers& type : types)
         type.logSummary();
-    qDebug().noquote() << QStringLiteral("===E=== DUMP %1 objects.\n").arg(QLatin1String(title));
+    qDebug().noquote() << foot;
 }
 
 } // namespace
@@ -56,7 +56,10 @@ void ObserverManager::dump() const
     for (const InstanceObservers& observers : *this)
         (observers.isEmpty() ? cleared : running).append(observers);
 
-    if (!running.isEmpty())
-        logSection("running", running);
-    logSection("cleared", cleared);
+    if (!running.isEmpty()) {
+        logSection(QStringLiteral("\n---A--- DUMP running objects: number types=%1"), running,
+                   QStringLiteral("===E=== DUMP running objects.\n"));
+    }
+    logSection(QStringLiteral("\n---A--- DUMP cleared objects: number types=%1"), cleared,
+               QStringLiteral("===E=== DUMP cleared objects.\n"));
 }
