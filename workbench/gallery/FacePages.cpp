@@ -65,7 +65,7 @@ protected:
         for (const int place : places)
             lmPaintPicture(&painter, flag, area, place);
         lmPaintHatched(&painter, {280, 10, 61, 180}, QPen(QColor(13, 166, 158)));
-        lmPaintHatched(&painter, {341, 60, 69, 130}, QPen(QColor(72, 68, 68)));
+        lmPaintHatched(&painter, {341, 58, 69, 132}, QPen(QColor(72, 68, 68)));
     }
 };
 

@@ -165,7 +165,7 @@ GalleryPage monthsPage()
         calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
         calendar->setCurrentPage(2024, month);
         widen(calendar);
-        grid->addWidget(calendar, place / 4, place % 4);
+        grid->addWidget(calendar, place / 3, place % 3);
         ++place;
     }
     return {QStringLiteral("months"), QStringLiteral("Months"), page};
