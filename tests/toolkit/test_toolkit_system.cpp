@@ -12,6 +12,7 @@
 #include <QAbstractEventDispatcher>
 #include <QDir>
 #include <QSourceLocation>
+#include <QStorageInfo>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimeZone>
@@ -100,9 +101,6 @@ private Q_SLOTS:
         QCOMPARE(LmDriveSpace::scaled(1048576, 2), 1.0);
         QCOMPARE(LmDriveSpace::scaled(-1, 3), -1.0);
 
-        const LmDriveSpace drive(m_dir.path());
-        QVERIFY(drive.total(0) > drive.free(0) && drive.free(0) > 0);
-        QVERIFY(qAbs(drive.freePercent() - 100 * drive.free(2) / drive.total(2)) < 1e-9);
         const LmDriveSpace missing(m_dir.filePath("missing"));
         QVERIFY(missing.total(1) < 0 && missing.free(1) < 0 && missing.freePercent() < 0);
 
@@ -114,6 +112,12 @@ private Q_SLOTS:
         QVERIFY(LmDriveSpace::memoryInfo(1).first > LmDriveSpace::memoryInfo(2).first); // Any memory fits in.
         for (const int kind : {-1, 3})
             QCOMPARE(LmDriveSpace::memoryInfo(kind), qMakePair(-1.0, -1.0));
+
+        if (!QStorageInfo(m_dir.path()).isValid())
+            QSKIP("The system names no drive for the temporary folder, as in a chroot.");
+        const LmDriveSpace drive(m_dir.path());
+        QVERIFY(drive.total(0) > drive.free(0) && drive.free(0) > 0);
+        QVERIFY(qAbs(drive.freePercent() - 100 * drive.free(2) / drive.total(2)) < 1e-9);
     }
 
     void changesOfADriveAreTold()
@@ -132,6 +136,9 @@ private Q_SLOTS:
         QCOMPARE(log.texts(QtDebugMsg).mid(4), QStringList({"  path  : \"missing\"", "  usage : -1GiB (-1%) of -1GiB",
                                                             "    -> type  : \"data\"", "    -> drive : \"\""}));
         observer.observe("backup", "missing");
+        QCOMPARE(drives, QStringList({"", ""}));
+        if (!QStorageInfo(m_dir.path()).isValid())
+            QSKIP("The system names no drive for the temporary folder, as in a chroot.");
         observer.observe("data", m_dir.path());
         QCOMPARE(drives, QStringList({"", "", root}));
         const double total = LmDriveSpace(root).total(3);
