@@ -4,6 +4,7 @@
 #include "workbench/gallery/GalleryConfig.h"
 #include "workbench/gallery/GalleryPages.h"
 #include "workbench/gallery/GalleryPictures.h"
+#include "workbench/support/Platform.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -89,14 +90,10 @@ int showText(int& argc, char** argv, bool help)
     return Success;
 }
 
-/// Leaves out what a platform without a display says of itself, which is no news.
 void passMessage(QtMsgType, const QMessageLogContext&, const QString& text)
 {
-    for (const char* const known : {"This plugin does not support", "QStandardPaths: XDG_RUNTIME_DIR not set"}) {
-        if (text.startsWith(QLatin1String(known)))
-            return;
-    }
-    std::fprintf(stderr, "merivo-gallery: %s\n", qPrintable(text));
+    if (!Platform::isKnownNoise(text))
+        std::fprintf(stderr, "merivo-gallery: %s\n", qPrintable(text));
 }
 
 } // namespace
@@ -120,11 +117,8 @@ int main(int argc, char** argv)
             QStringLiteral("can't read the style sheet %1: %2").arg(styleSheet.fileName(), styleSheet.errorString()));
     if (!options.folder.isEmpty())
         qputenv("QT_QPA_PLATFORM", "offscreen"); // So the pictures don't depend on a display, nor need one.
-#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
-    else if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
-             qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    else if (Platform::isWithoutDisplay())
         return report(Failure, QStringLiteral("there is no display for the window; --write needs none"));
-#endif
     if (!options.locale.isEmpty())
         QLocale::setDefault(QLocale(options.locale));
 

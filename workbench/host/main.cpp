@@ -5,6 +5,7 @@
 #include "workbench/host/HostOptions.h"
 #include "workbench/host/Robot.h"
 #include "workbench/host/RobotScript.h"
+#include "workbench/support/Platform.h"
 
 #include <QApplication>
 #include <QLocale>
@@ -23,29 +24,14 @@ int report(ExitStatus status, const QString& sentence)
     return status;
 }
 
-/// True where Qt would end the process for want of a display.
-bool isWithoutDisplay()
-{
-#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
-    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-        if (!qEnvironmentVariableIsEmpty(variable))
-            return false;
-    return true;
-#else
-    return false;
-#endif
-}
-
 HostLog* hostLog = nullptr; // set once, before the plug-in is loaded
 QStringList earlyMessages;  // those before that, of this thread alone
 
 /// Qt's own messages go into the host's log: standard error is for what the caller must know. Any thread.
 void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    // What the plug-in writes to Qt's log comes to the host's by itself; the rest of the debug output is no news. That
-    // a platform without a display has no size hints isn't either.
-    if (type == QtDebugMsg || QByteArray(context.category).startsWith("plugin.") ||
-        text.contains(QLatin1String("propagateSizeHints")))
+    // What the plug-in writes to Qt's log comes to the host's by itself; the rest of the debug output is no news.
+    if (type == QtDebugMsg || QByteArray(context.category).startsWith("plugin.") || Platform::isKnownNoise(text))
         return;
     if (type == QtFatalMsg) {
         std::fprintf(stderr, "merivo-host: %s\n", qPrintable(text));
@@ -88,7 +74,7 @@ int main(int argc, char** argv)
     RobotScript script;
     if (!options.robot.isEmpty() && !script.load(options.robot, &error))
         return report(Failure, error);
-    if (isWithoutDisplay()) {
+    if (Platform::isWithoutDisplay()) {
         if (options.robot.isEmpty())
             return report(Failure, QStringLiteral("there is no display for the window"));
         qputenv("QT_QPA_PLATFORM", "offscreen");

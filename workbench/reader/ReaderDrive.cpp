@@ -3,6 +3,7 @@
 #include "workbench/reader/ReaderDrive.h"
 
 #include "workbench/reader/ReaderCommand.h"
+#include "workbench/support/Platform.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -19,15 +20,6 @@ const int LookEveryMs = 10;
 /// the time that a busy writer may need between the two.
 const int LooksForGood = 2;
 const int LooksForBad = 10;
-
-std::filesystem::path native(const QString& path)
-{
-#ifdef Q_OS_WIN
-    return std::filesystem::path(path.toStdWString());
-#else
-    return std::filesystem::path(QFile::encodeName(path).toStdString());
-#endif
-}
 
 } // namespace
 
@@ -108,7 +100,7 @@ bool ReaderDrive::replaceFile(const QString& name, const QByteArray& bytes)
 bool ReaderDrive::moveInto(const QString& from, const QString& name)
 {
     std::error_code error;
-    std::filesystem::rename(native(from), native(filePath(name)), error);
+    std::filesystem::rename(Platform::nativePath(from), Platform::nativePath(filePath(name)), error);
     return !error || fail(QStringLiteral("%1: %2").arg(filePath(name), QString::fromStdString(error.message())));
 }
 

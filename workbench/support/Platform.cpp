@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/support/Platform.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <array>
+
+bool Platform::isWithoutDisplay()
+{
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    constexpr std::array variables{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+    return std::all_of(variables.begin(), variables.end(), qEnvironmentVariableIsEmpty);
+#else
+    return false;
+#endif
+}
+
+bool Platform::isKnownNoise(const QString& message)
+{
+    constexpr std::array known{"This plugin does not support", "QStandardPaths: XDG_RUNTIME_DIR not set"};
+    return std::any_of(known.begin(), known.end(),
+                       [&message](const char* start) { return message.startsWith(QLatin1String(start)); });
+}
+
+std::filesystem::path Platform::nativePath(const QString& path)
+{
+#ifdef Q_OS_WIN
+    return std::filesystem::path(path.toStdWString());
+#else
+    return std::filesystem::path(QFile::encodeName(path).toStdString());
+#endif
+}
