@@ -13,6 +13,8 @@
 
 namespace {
 
+/// What the host takes at most.
+constexpr int LargestFiller = 256 * 1024 * 1024;
 const QString InFolder = ReaderNames::Folder + QLatin1Char('/');
 
 TrafficEntry entryFrom(const QJsonValue& value, qint64 earliest, QStringList* errors)
@@ -47,15 +49,32 @@ TrafficEntry entryFrom(const QJsonValue& value, qint64 earliest, QStringList* er
         else
             fields.fail(bytesField, QStringLiteral("isn't base 64"));
     }
+    TrafficFiller filler;
+    filler.size = -1;
+    fields.number(QStringLiteral("filler"), 0, LargestFiller, &filler.size);
+    fields.number(QStringLiteral("number"), 0, std::numeric_limits<int>::max(), &filler.number);
+    if (filler.size >= 0)
+        entry.filler = filler;
     bool isGone = false;
     fields.flag(QStringLiteral("gone"), &isGone);
-    if (errors->isEmpty() && isGone == entry.bytes.has_value())
-        fields.fail(QStringLiteral("text"), QStringLiteral("exactly one of text, base64 and gone expected"));
+    if (errors->isEmpty() && int(isGone) + int(entry.bytes.has_value()) + int(entry.filler.has_value()) != 1)
+        fields.fail(QStringLiteral("text"), QStringLiteral("exactly one of text, base64, filler and gone expected"));
     fields.refuseOthers();
     return entry;
 }
 
 } // namespace
+
+QByteArray TrafficFiller::bytes() const
+{
+    const QByteArray line = QByteArrayLiteral("filler ") + QByteArray::number(number) + '\n';
+    return line.repeated(size / line.size() + 1).left(size);
+}
+
+std::optional<QByteArray> TrafficEntry::content() const
+{
+    return filler ? std::make_optional(filler->bytes()) : bytes;
+}
 
 QString TrafficEntry::name() const
 {
@@ -89,7 +108,10 @@ bool isTrafficFile(const QString& name)
 QByteArray trafficLine(const TrafficEntry& entry)
 {
     QJsonObject object{{QStringLiteral("ms"), entry.ms}, {QStringLiteral("file"), entry.file}};
-    if (!entry.bytes) {
+    if (entry.filler) {
+        object.insert(QStringLiteral("filler"), entry.filler->size);
+        object.insert(QStringLiteral("number"), entry.filler->number);
+    } else if (!entry.bytes) {
         object.insert(QStringLiteral("gone"), true);
     } else if (const QString text = QString::fromUtf8(*entry.bytes); text.toUtf8() == *entry.bytes) {
         object.insert(QStringLiteral("text"), text);
@@ -109,7 +131,10 @@ std::optional<QVector<TrafficEntry>> loadTraffic(const QString& fileName, QStrin
     QVector<TrafficEntry> entries;
     for (int line = 1; !file.atEnd(); ++line) {
         QStringList faults;
-        const QJsonValue root = parseJson(file.readLine(), &faults);
+        const QByteArray text = file.readLine();
+        const QJsonValue root = parseJson(text, &faults);
+        if (!faults.isEmpty() && !text.endsWith('\n'))
+            break;
         if (faults.isEmpty())
             entries.append(entryFrom(root, entries.isEmpty() ? 0 : entries.constLast().ms, &faults));
         for (const QString& fault : qAsConst(faults))

@@ -9,6 +9,15 @@
 
 #include <optional>
 
+/// Stands for the content of a file that isn't kept.
+struct TrafficFiller
+{
+    int size = 0;   ///< bytes
+    int number = 0; ///< two contents that differed have different ones
+
+    QByteArray bytes() const;
+};
+
 /// One thing that happened to a file of a reader's drive.
 struct TrafficEntry
 {
@@ -16,8 +25,12 @@ struct TrafficEntry
     qint64 ms = 0;
     /// Relative to the drive's root, such as "MISC/STATUS.TXT".
     QString file;
-    /// The file's content from then on; nothing if it went away.
+    /// The file's content from then on; with neither of them it went away.
     std::optional<QByteArray> bytes;
+    std::optional<TrafficFiller> filler;
+
+    /// The content, or what stands in its place.
+    std::optional<QByteArray> content() const;
 
     bool isCommand() const;
     bool isStatus() const;
@@ -33,5 +46,5 @@ bool isTrafficFile(const QString& name);
 QByteArray trafficLine(const TrafficEntry& entry);
 
 /// Reads a whole recording. Nothing, with one error for each line that doesn't fit ("FILE: line 3: ms: ..."), unless
-/// all of it is sound.
+/// all of it is sound. A last line that breaks off, as a recorder leaves it that is killed, is no fault and left out.
 std::optional<QVector<TrafficEntry>> loadTraffic(const QString& fileName, QStringList* errors);

@@ -2,17 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "workbench/reader/ReaderDrive.h"
+#include "workbench/reader/TrafficWatcher.h"
 
-#include <QElapsedTimer>
 #include <QFile>
-#include <QHash>
-#include <QObject>
-#include <QTimer>
-
-#include <optional>
-
-struct TrafficEntry;
 
 /// Writes down what happens on a reader's drive, whoever serves it, without touching the drive: the content of each of
 /// the reader's files as it changes, and each writing of the trigger file. What lies there at the begin comes first.
@@ -26,7 +18,7 @@ public:
     /// Writes down what has changed since the last look.
     ~TrafficRecorder() override;
 
-    /// Begins to record into @p fileName, which is replaced. False with a sentence that names the file.
+    /// Begins to record into @p fileName, which mustn't exist. False with a sentence that names the file.
     bool start(const QString& fileName, QString* error);
 
 Q_SIGNALS:
@@ -34,22 +26,8 @@ Q_SIGNALS:
     void failed(const QString& error);
 
 private:
-    struct Seen
-    {
-        FileStamp stamp;
-        QByteArray bytes;
-        bool isWritten = false;
-    };
+    void write(const TrafficEntry& entry);
 
-    void look();
-    void lookAtTrigger();
-    void lookAtFile(const QString& name);
-    void write(const QString& file, const std::optional<QByteArray>& bytes);
-
-    const QString m_drivePath;
+    TrafficWatcher m_watcher;
     QFile m_file;
-    QTimer m_timer;
-    QElapsedTimer m_clock;
-    FileStamp m_trigger;
-    QHash<QString, Seen> m_seen;
 };

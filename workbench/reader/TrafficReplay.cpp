@@ -28,6 +28,16 @@ void TrafficReplay::start()
         playNext();
     m_drive.showStatus();
     m_drive.listen();
+    // The plug-in's commands hold its patient's key, so whoever plays the recording has to know it.
+    const QByteArray query = QByteArrayLiteral("Command=BTISPAIRED ");
+    for (const TrafficEntry& entry : m_entries) {
+        const int at = entry.isCommand() && entry.bytes ? entry.bytes->indexOf(query) : -1;
+        if (at < 0)
+            continue;
+        Q_EMIT logged(
+            QStringLiteral("the patient is \"%1\"").arg(QString::fromUtf8(entry.bytes->mid(at + query.size()))));
+        break;
+    }
 }
 
 bool TrafficReplay::atAnswer() const
@@ -69,10 +79,11 @@ void TrafficReplay::playNext()
     const TrafficEntry& entry = m_entries.at(m_next++);
     if (entry.isTrigger() || entry.isCommand())
         return;
-    if (entry.isStatus() && entry.bytes)
-        m_drive.setStatus(*entry.bytes);
-    else if (entry.bytes)
-        m_drive.replaceFile(entry.name(), *entry.bytes);
+    const std::optional<QByteArray> content = entry.content();
+    if (entry.isStatus() && content)
+        m_drive.setStatus(*content);
+    else if (content)
+        m_drive.replaceFile(entry.name(), *content);
     else
         m_drive.removeFile(entry.name());
 }

@@ -5,6 +5,7 @@
 #include "workbench/reader/ReaderSimulator.h"
 #include "workbench/reader/Scenario.h"
 #include "workbench/reader/StopSignals.h"
+#include "workbench/reader/TrafficAnonymiser.h"
 #include "workbench/reader/TrafficRecorder.h"
 #include "workbench/reader/TrafficReplay.h"
 
@@ -72,6 +73,11 @@ const QCommandLineOption WatchOption(QStringLiteral("watch-only"),
 const QCommandLineOption ReplayOption(QStringLiteral("replay"),
                                       QStringLiteral("Answer as the reader did whose traffic FILE recorded."),
                                       QStringLiteral("FILE"));
+const QCommandLineOption
+    AnonymiseOption(QStringLiteral("anonymise"),
+                    QStringLiteral("Write the recording FILE without personal data to a second one, named in place of "
+                                   "DRIVE, and end."),
+                    QStringLiteral("FILE"));
 const QCommandLineOption LogOption(QStringLiteral("log"),
                                    QStringLiteral("Append what happens to FILE instead of standard error."),
                                    QStringLiteral("FILE"));
@@ -143,6 +149,12 @@ int checkCall(const QCommandLineParser& parser)
         return complain(WrongCall,
                         QStringLiteral("--replay: plays what was recorded, so no scenario, fault, pair or seed "
                                        "goes with it"));
+    if (parser.isSet(AnonymiseOption) && isPlaying({ScenarioOption, CheckOption, FaultOption, PairOption, InstantOption,
+                                                    SeedOption, RecordOption, ReplayOption, LogOption}))
+        return complain(WrongCall,
+                        QStringLiteral("--anonymise: converts a recording, and no other option goes with it"));
+    if (parser.isSet(AnonymiseOption) && parser.positionalArguments().size() != 1)
+        return complain(WrongCall, QStringLiteral("--anonymise: exactly one file to write to expected; see --help"));
     if (parser.positionalArguments().size() != (parser.isSet(CheckOption) ? 0 : 1))
         return complain(WrongCall, parser.isSet(CheckOption)
                                        ? QStringLiteral("--check-scenario: takes no DRIVE")
@@ -204,6 +216,12 @@ int run(const QCommandLineParser& parser)
     }
     if (const int status = checkCall(parser))
         return status;
+    if (parser.isSet(AnonymiseOption)) {
+        QStringList errors;
+        const bool isWritten =
+            anonymiseRecording(parser.value(AnonymiseOption), parser.positionalArguments().constFirst(), &errors);
+        return isWritten ? Success : complain(Failure, errors);
+    }
     Scenario scenario = defaultScenario();
     if (const int status = scenarioFor(parser, &scenario))
         return status;
@@ -247,7 +265,7 @@ int main(int argc, char** argv)
     parser.addPositionalArgument(QStringLiteral("DRIVE"),
                                  QStringLiteral("The root of the reader's drive; it must exist."));
     parser.addOptions({ScenarioOption, CheckOption, FaultOption, ListFaultsOption, PairOption, InstantOption,
-                       SeedOption, RecordOption, WatchOption, ReplayOption, LogOption});
+                       SeedOption, RecordOption, WatchOption, ReplayOption, AnonymiseOption, LogOption});
     // Not addHelpOption(): that brings --help-all along, for options that this program doesn't have.
     const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
                                         QStringLiteral("Show this summary and end."));

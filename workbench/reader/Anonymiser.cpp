@@ -1,0 +1,215 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/reader/Anonymiser.h"
+
+#include <QRandomGenerator>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+/// What plug-in, host and reader write of themselves: the words of their log records, the marks of the reader's files.
+/// No word that is also a person's name, and none of a single letter but the first one of an exchange file's name.
+const char* const Words =
+    "abort aborted about adapter add after again all already an and another answer answers app application are as "
+    "assigned at away base battery be been before begin being birthday boot btadr btdeleteaddr btispaired btpair "
+    "btpairconfirm btpumpreassign btread bus busy but by byte bytes can cancel canceled canceling changed check class "
+    "cleared closed cmd code command commandfile component confirm connect connected connection connections "
+    "continued controller count created cygnara damaged data database db decline deprecated detected device devicelist "
+    "devicereader devices devlist diagnostics dialog diary directory disabled disk dispose done drive dropped due "
+    "during empty enabled encoding end ended err error exchange executed execution exists extension failed failure "
+    "file files finished finishing firmware folder for found free from full further gone guid had handed hardware "
+    "has have held hold holds host id if import imported in info information initialized inside installed instance "
+    "interface into is isn it its known larger left length library limit line linear list loaded loader lock locked "
+    "log lost lumo mac main many mcp menu merivo merivoconnections message messages mib misc misccommand "
+    "miscnocommand misconnected missing modelnr module msec must name names network new newer no nocommand none not "
+    "note nothing notified number observed observer of off old on one only open opened operation or original "
+    "out over pair paired pairing parser path patient pc percent permission pid plug plugged plugin polling prepare "
+    "process program progress puid pump pumps qd17 qt query radio read reader reading readout reassign record "
+    "recording refused remotecontrol remote remove removed removing report requested responding result revision "
+    "root running sanvio saved schema search searching sec secs serial serialnr serves session set settings simulation "
+    "size snapshot snr so some source space sqlite start started state status stop stopped stored submitted succeeded "
+    "such support system takes temporary than that the them then there this time timeout timeouts to too took trace "
+    "trigger true txt type unable unfinished unknown unplugged unstarted unsupported up update usb utf value verified "
+    "version waiting warning was when which while window with within word write written wrong xml cdata doctype I C";
+
+constexpr int HeadLength = 4;
+constexpr int LongestNumber = 3;
+
+const QSet<QString>& vocabulary()
+{
+    static const QSet<QString> words = [] {
+        const QStringList list = QString::fromLatin1(Words).split(QLatin1Char(' '));
+        return QSet<QString>(list.cbegin(), list.cend());
+    }();
+    return words;
+}
+
+/// Also halves of characters that don't fit into one, so that no script passes for punctuation.
+bool isOfWord(QChar c)
+{
+    return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c.category() == QChar::Other_PrivateUse;
+}
+
+/// Of the same length, unlike that of QString::toCaseFolded().
+QString folded(QString text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](QChar c) { return c.toCaseFolded(); });
+    return text;
+}
+
+bool isKept(const QString& word, Anonymiser::Numbers numbers)
+{
+    const bool isNumber =
+        std::all_of(word.cbegin(), word.cend(), [](QChar c) { return c.unicode() < 0x80 && c.isDigit(); });
+    if (isNumber)
+        return numbers == Anonymiser::Numbers::KeepShort && word.size() <= LongestNumber;
+    return vocabulary().contains(word) || vocabulary().contains(word.toLower());
+}
+
+/// Addresses, GUIDs, MACs and keys: twelve hexadecimal digits or more, in pairs or not.
+const QRegularExpression& hexadecimal()
+{
+    static const QRegularExpression expression(QStringLiteral("[0-9A-Fa-f]{2}(?:[:-]?[0-9A-Fa-f]{2}){5,}"));
+    return expression;
+}
+
+int hexadecimalAt(const QString& text, int at)
+{
+    if (at > 0 && isOfWord(text.at(at - 1)))
+        return 0;
+    const int length = hexadecimal()
+                           .match(text, at, QRegularExpression::NormalMatch, QRegularExpression::AnchoredMatchOption)
+                           .capturedLength();
+    const int end = at + length;
+    return end < text.size() && isOfWord(text.at(end)) ? 0 : length;
+}
+
+int wordAt(const QString& text, int at)
+{
+    int end = at;
+    while (end < text.size() && isOfWord(text.at(end)))
+        ++end;
+    return end - at;
+}
+
+} // namespace
+
+void Anonymiser::know(const QString& value)
+{
+    const QString known = folded(value.trimmed());
+    // Zero stands for nobody and for no pump.
+    if (known.isEmpty() || known == QLatin1String("0"))
+        return;
+    QVector<QString>& sameHead = m_known[known.left(HeadLength)];
+    if (sameHead.contains(known))
+        return;
+    const auto isShorter = [&known](const QString& other) {
+        return other.size() < known.size();
+    };
+    sameHead.insert(std::find_if(sameHead.begin(), sameHead.end(), isShorter), known);
+    m_taken.insert(known);
+    for (int at = 0; at < known.size(); ++at) {
+        const int length = wordAt(known, at);
+        m_taken.insert(known.mid(at, length));
+        at += length;
+    }
+}
+
+bool Anonymiser::isPlain(const QString& text)
+{
+    for (int at = 0; at < text.size(); ++at) {
+        const int length = wordAt(text, at);
+        if (length > 0 && !isKept(text.mid(at, length), Numbers::Hide))
+            return false;
+        at += length;
+    }
+    return true;
+}
+
+/// The length of the known value that begins there; 0: none.
+int Anonymiser::knownAt(const QString& text, int at) const
+{
+    const bool isAtBegin = at == 0 || !isOfWord(text.at(at - 1));
+    for (int head = std::min(HeadLength, text.size() - at); head > 0; --head) {
+        if (head < HeadLength && !isAtBegin)
+            break;
+        const auto found = m_known.constFind(folded(text.mid(at, head)));
+        if (found == m_known.constEnd())
+            continue;
+        for (const QString& known : *found) {
+            const int end = at + known.size();
+            const bool isAtEnd = end >= text.size() || !isOfWord(text.at(end));
+            if (folded(text.mid(at, known.size())) == known && (known.size() >= HeadLength || isAtEnd))
+                return known.size();
+        }
+    }
+    return 0;
+}
+
+QString Anonymiser::replace(const QString& text, Numbers numbers, bool keepVocabulary)
+{
+    QString result;
+    for (int at = 0; at < text.size();) {
+        if (!isOfWord(text.at(at))) {
+            result += text.at(at++);
+            continue;
+        }
+        // A word ends where a known value begins in its middle.
+        int end = at + 1;
+        int length = std::max(knownAt(text, at), hexadecimalAt(text, at));
+        const bool isKnown = length > 0;
+        if (!isKnown) {
+            while (end < text.size() && isOfWord(text.at(end)) && knownAt(text, end) == 0)
+                ++end;
+            length = end - at;
+        }
+        const QString word = text.mid(at, length);
+        at += length;
+        if (!isKnown && keepVocabulary && isKept(word, numbers)) {
+            result += word;
+            continue;
+        }
+        // Piece by piece, so that a piece on its own gets what it got inside the whole.
+        for (int piece = 0; piece < word.size();) {
+            const int hex = hexadecimalAt(word, piece);
+            const int size = hex > 0 ? hex : wordAt(word, piece);
+            result += size > 0 ? replacementOf(word.mid(piece, size)) : QString(word.at(piece));
+            piece += std::max(size, 1);
+        }
+    }
+    return result;
+}
+
+QString Anonymiser::replacementOf(const QString& word)
+{
+    // Neither case nor the marks between the pairs of an address make another value.
+    QString key = folded(word);
+    key.remove(QLatin1Char(':')).remove(QLatin1Char('-'));
+    const bool isHexadecimal = hexadecimalAt(key, 0) == key.size();
+    QString& replacement = m_replacements[key];
+    for (int tries = 0; replacement.isEmpty(); ++tries) {
+        QString drawn;
+        for (const QChar c : qAsConst(key)) {
+            const ushort least = QLatin1Char(c.isDigit() ? '0' : 'a').unicode();
+            const int count = c.isDigit() ? 10 : isHexadecimal ? 6 : 26;
+            drawn += QChar(least + QRandomGenerator::system()->bounded(count));
+        }
+        // There are few words of a letter or two. Where they run out a replacement may be a word that means something,
+        // and then a longer one, but never that of another word.
+        drawn += QString(tries / 10000, QLatin1Char('x'));
+        const bool isGood = drawn != key && !m_taken.contains(drawn) && !vocabulary().contains(drawn);
+        if (!m_drawn.contains(drawn) && (isGood || tries > 1000))
+            replacement = drawn;
+    }
+    m_drawn.insert(replacement);
+    QString result;
+    int next = 0;
+    for (const QChar c : word) {
+        const bool isMark = c == QLatin1Char(':') || c == QLatin1Char('-');
+        const QChar drawn = isMark ? c : replacement.at(next++);
+        result += c.isUpper() ? drawn.toUpper() : drawn;
+    }
+    return result + replacement.mid(next);
+}

@@ -1,0 +1,263 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/reader/TrafficAnonymiser.h"
+
+#include "workbench/reader/ReaderCommand.h"
+#include "workbench/reader/ReaderDrive.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QXmlStreamReader>
+
+#include <algorithm>
+#include <functional>
+
+namespace {
+
+using Numbers = Anonymiser::Numbers;
+
+constexpr int CommandLabel = 4;
+constexpr int ValueLabel = 10;
+constexpr int VersionLine = 4;
+const QString PairedQuery = QStringLiteral("BTISPAIRED");
+/// The one pump name that isn't somebody's choice: the plug-in goes by it.
+const QString ProductName = QStringLiteral("Cygnara");
+
+/// The computer writes in the codec of its locale. Every Latin-1 text has the same letters where it is ASCII.
+QString decoded(const QByteArray& bytes, bool* isUtf8)
+{
+    // With the size given, since a zero byte ends the text otherwise.
+    const QString text = QString::fromUtf8(bytes.constData(), bytes.size());
+    *isUtf8 = text.toUtf8() == bytes;
+    return *isUtf8 ? text : QString::fromLatin1(bytes.constData(), bytes.size());
+}
+
+bool isExchangeName(const QString& name)
+{
+    return QDir::match(ReaderNames::ExchangeFilter, name);
+}
+
+QString commandWordOf(const QStringList& statusLines)
+{
+    return statusLines.value(1).mid(CommandLabel).trimmed().toUpper();
+}
+
+/// What stands between two tags, with its entities resolved.
+QString plainText(const QString& content)
+{
+    if (!content.contains(QLatin1Char('&')))
+        return content;
+    QXmlStreamReader xml(QLatin1String("<a>") + content + QLatin1String("</a>"));
+    return xml.readNextStartElement() ? xml.readElementText() : QString();
+}
+
+/// Calls @p part for each piece of a device list, tag by tag: the name of the start tag ahead of it, empty for a tag
+/// itself and for what stands elsewhere; the piece.
+void eachPart(const QString& list, const std::function<void(const QString&, const QString&)>& part)
+{
+    static const QRegularExpression Tag(QStringLiteral("<[^<>]*>"));
+    QString element;
+    int at = 0;
+    for (auto tags = Tag.globalMatch(list); tags.hasNext();) {
+        const QRegularExpressionMatch tag = tags.next();
+        part(element, list.mid(at, tag.capturedStart() - at));
+        part({}, tag.captured());
+        element = tag.captured().mid(1).section(QRegularExpression(QStringLiteral("[\\s/>]")), 0, 0);
+        at = tag.capturedEnd();
+    }
+    part({}, list.mid(at));
+}
+
+bool isIdentity(const QString& element)
+{
+    return element == QLatin1String("NAME") || element == QLatin1String("SERIALNR") ||
+           element == QLatin1String("BTADR") || element == QLatin1String("PATIENT_ID");
+}
+
+/// True for what says that there is nobody, or that isn't anybody's.
+bool isNobodys(const QString& value)
+{
+    return value.isEmpty() || value == QLatin1String("0") || value == ProductName;
+}
+
+} // namespace
+
+void TrafficAnonymiser::learn(const QVector<TrafficEntry>& entries)
+{
+    const auto know = [this](const QString& value) {
+        if (!isNobodys(value))
+            m_words.know(value);
+    };
+    for (const TrafficEntry& entry : entries) {
+        bool isUtf8 = false;
+        const QString text = decoded(entry.bytes.value_or(QByteArray()), &isUtf8);
+        if (entry.isCommand()) {
+            QString fault;
+            const ReaderCommand given = parseCommandFile(text.toUtf8(), &fault).value_or(ReaderCommand());
+            for (const QString& value : {given.serialNumber, given.address, given.patientId})
+                know(value);
+        } else if (entry.isStatus()) {
+            const QStringList lines = text.split(QLatin1Char('\n'));
+            if (commandWordOf(lines) == PairedQuery)
+                know(lines.value(3).mid(ValueLabel).trimmed());
+        } else if (entry.name() == ReaderNames::DeviceList) {
+            eachPart(text, [&know](const QString& element, const QString& content) {
+                if (isIdentity(element))
+                    know(plainText(content));
+            });
+        }
+    }
+}
+
+TrafficEntry TrafficAnonymiser::anonymised(const TrafficEntry& entry)
+{
+    TrafficEntry result = entry;
+    if (!entry.name().isEmpty())
+        result.file = ReaderNames::Folder + QLatin1Char('/') + nameOf(entry.name());
+    if (isExchangeName(entry.name()) && (entry.bytes || entry.filler)) {
+        const QByteArray content = entry.content().value_or(QByteArray());
+        const QByteArray hash = QCryptographicHash::hash(content, QCryptographicHash::Sha256);
+        result.filler = TrafficFiller{content.size(), m_fillers.value(hash, m_fillers.size() + 1)};
+        m_fillers.insert(hash, result.filler->number);
+        result.bytes.reset();
+    } else if (entry.bytes) {
+        bool isUtf8 = false;
+        const QString text = contentOf(entry, decoded(*entry.bytes, &isUtf8));
+        result.bytes = isUtf8 ? text.toUtf8() : text.toLatin1();
+    }
+    return result;
+}
+
+/// What a file is made of, labels, words and tags, stays as it is, also if somebody's name is among it.
+QString TrafficAnonymiser::marksOf(const QString& text)
+{
+    return Anonymiser::isPlain(text) ? text : m_words.scrub(text);
+}
+
+QString TrafficAnonymiser::nameOf(const QString& name)
+{
+    if (isExchangeName(name))
+        return exchangeName(name);
+    if (Anonymiser::isPlain(name))
+        return name;
+    // A firmware log: what makes it one stays.
+    const QString ending = QStringLiteral(".log");
+    const int at = name.indexOf(ending, 1, Qt::CaseInsensitive);
+    return name.left(1) + m_words.scrub(name.mid(1, at - 1)) + name.mid(at, ending.size()) +
+           m_words.scrub(name.mid(at + ending.size()));
+}
+
+QString TrafficAnonymiser::exchangeName(const QString& name)
+{
+    constexpr int Ending = 4;
+    return name.left(1) + m_words.scrub(name.mid(1, name.size() - 1 - Ending)) + name.right(Ending);
+}
+
+QString TrafficAnonymiser::contentOf(const TrafficEntry& entry, const QString& text)
+{
+    // Letters with zero bytes between them make no words that could be told apart.
+    if (text.contains(QChar(0)))
+        return m_words.hide(text);
+    if (entry.isCommand())
+        return command(text);
+    if (entry.isStatus())
+        return status(text);
+    return entry.name() == ReaderNames::DeviceList ? deviceList(text) : firmwareLog(text);
+}
+
+QString TrafficAnonymiser::command(const QString& text)
+{
+    const QString mark = QStringLiteral("Command=");
+    const int at = text.indexOf(mark);
+    if (at < 0)
+        return m_words.scrub(text, Numbers::Hide);
+    const QString given = text.mid(at + mark.size());
+    const QString word = given.section(QLatin1Char(' '), 0, 0);
+    const QString rest = given.mid(word.size());
+    const bool hasConstant = word == QLatin1String("SEARCH") || word == QLatin1String("BTPAIRCONFIRM");
+    return marksOf(text.left(at)) + mark + marksOf(word) + (hasConstant ? rest : m_words.hide(rest));
+}
+
+QString TrafficAnonymiser::status(const QString& text)
+{
+    QStringList lines = text.split(QLatin1Char('\n'));
+    const QString command = commandWordOf(lines);
+    for (int i = 0; i < lines.size(); ++i) {
+        QString& line = lines[i];
+        const QString lineEnd = line.endsWith(QLatin1Char('\r')) ? QStringLiteral("\r") : QString();
+        line.chop(lineEnd.size());
+        const int label = i == 1 ? CommandLabel : ValueLabel;
+        const QString value = line.mid(label);
+        if (i == 0 || i > 4) {
+            line = m_words.scrub(line, Numbers::Hide);
+        } else if (i == 3) {
+            const QString result = value.trimmed();
+            const bool isId = command == PairedQuery || command == QLatin1String("BTPAIR");
+            line = marksOf(line.left(label)) + (isNobodys(result)        ? value
+                                                : isExchangeName(result) ? exchangeName(value)
+                                                : isId                   ? m_words.hide(value)
+                                                                         : m_words.scrub(value));
+        } else if (i == 4) {
+            // The code stands between the last hyphen and one last character.
+            const int code = line.lastIndexOf(QLatin1Char('-')) + 1;
+            bool isNumber = false;
+            line.midRef(code).chopped(std::min(1, line.size() - code)).toInt(&isNumber);
+            line =
+                marksOf(line.left(code)) + (isNumber ? line.mid(code) : m_words.scrub(line.mid(code), Numbers::Hide));
+        } else {
+            line = marksOf(line.left(label)) + marksOf(value);
+        }
+        line += lineEnd;
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+QString TrafficAnonymiser::deviceList(const QString& text)
+{
+    QString result;
+    eachPart(text, [&](const QString& element, const QString& part) {
+        if (element.isEmpty())
+            result += marksOf(part);
+        else if (isIdentity(element))
+            result += isNobodys(part) ? part : m_words.hide(plainText(part)).toHtmlEscaped();
+        else
+            result += m_words.scrub(part, Numbers::Hide);
+    });
+    return result;
+}
+
+QString TrafficAnonymiser::firmwareLog(const QString& text)
+{
+    static const QRegularExpression Version(QStringLiteral("(?<= )\\d{1,3}(\\.\\d{1,3}){0,3}(?=\\r?$)"));
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (int i = 0; i < lines.size(); ++i) {
+        const int version = i == VersionLine ? lines.at(i).indexOf(Version) : -1;
+        const int end = version < 0 ? lines.at(i).size() : version;
+        lines[i] = m_words.scrub(lines.at(i).left(end)) + lines.at(i).mid(end);
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+bool anonymiseRecording(const QString& from, const QString& to, QStringList* errors)
+{
+    const std::optional<QVector<TrafficEntry>> entries = loadTraffic(from, errors);
+    if (!entries)
+        return false;
+    TrafficAnonymiser anonymiser;
+    anonymiser.learn(*entries);
+    QFile file(to);
+    bool isWhole = file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+    const bool isOurs = isWhole;
+    for (auto entry = entries->cbegin(); isWhole && entry != entries->cend(); ++entry) {
+        const QByteArray line = trafficLine(anonymiser.anonymised(*entry));
+        isWhole = file.write(line) == line.size();
+    }
+    if (isWhole && file.flush())
+        return true;
+    errors->append(QStringLiteral("%1: %2").arg(to, file.errorString()));
+    if (isOurs)
+        file.remove();
+    return false;
+}
