@@ -12,6 +12,25 @@ else()
     target_compile_options(merivo_options INTERFACE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -fvisibility=hidden -fvisibility-inlines-hidden
         $<$<BOOL:${MERIVO_WARNINGS_AS_ERRORS}>:-Werror>)
+    # A release doesn't tell where it was built, so that it is the same to the byte wherever that is. Other builds do: a
+    # debugger and a coverage report look for the sources there.
+    foreach(folder IN ITEMS "${PROJECT_BINARY_DIR}" "${PROJECT_SOURCE_DIR}") # the last that fits counts
+        target_compile_options(merivo_options INTERFACE $<$<CONFIG:Release>:-ffile-prefix-map=${folder}=.>)
+    endforeach()
+endif()
+
+if(MERIVO_HARDENED AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    # Debian's own compilers make programs that can lie anywhere in memory; others have to be told.
+    include(CheckPIESupported)
+    check_pie_supported()
+    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+    target_compile_options(merivo_options INTERFACE
+        -fstack-protector-strong -fstack-clash-protection -Wformat -Werror=format-security
+        $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+        target_compile_options(merivo_options INTERFACE -fcf-protection)
+    endif()
+    target_link_options(merivo_options INTERFACE LINKER:-z,relro,-z,now)
 endif()
 
 if(MERIVO_SANITIZE)

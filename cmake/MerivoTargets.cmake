@@ -23,6 +23,15 @@ function(merivo_add_floor name folder)
     target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:merivo_options>)
 endfunction()
 
+# merivo_add_resources(OUTPUT QRC [OPTIONS ...]): qt5_add_resources(), whose result doesn't depend on when the sources were
+# written. rcc stores a time with each file; it takes the one that it is told here, or SOURCE_DATE_EPOCH's, if that is set.
+function(merivo_add_resources output qrc)
+    set(Qt5Core_RCC_EXECUTABLE
+        "${CMAKE_COMMAND}" -E env QT_RCC_SOURCE_DATE_OVERRIDE=1 "$<TARGET_FILE:Qt5::rcc>")
+    qt5_add_resources(files "${qrc}" ${ARGN})
+    set(${output} "${files}" PARENT_SCOPE)
+endfunction()
+
 # merivo_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [TIMEOUT seconds])
 #
 # A QtTest executable that runs without a display. The label "polling" puts it into the target polling_tests, which is
