@@ -54,6 +54,12 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
     showScaledToWidth(m_GraphicLabel3, QStringLiteral(":/img/Images/DeviceReader.svg"), PictureWidth);
     m_GraphicLabel2->setPixmap(lmIcon(QStringLiteral(":/img/Images/icon_help_grey_dark.svg")).pixmap(StateIconSize));
 
+    // Not by the form, which would make new icons for each run: Qt's pixmap cache, which is the host's too, would fill
+    // up with pictures of icons that are gone.
+    m_addPumpButton->setIcon(lmIcon(QStringLiteral(":/img/Images/icon_plus_grey_dark.svg")));
+    m_readPumpButton->setIcon(lmIcon(QStringLiteral(":/img/Images/icon_data_download_grey_dark.svg")));
+    m_removePumpButton->setIcon(lmIcon(QStringLiteral(":/img/Images/icon_minus_grey_dark.svg")));
+
     // The pictures don't move when the answer comes.
     QSizePolicy policy = m_pumpAssignLabel->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
