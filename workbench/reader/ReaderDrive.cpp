@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -20,13 +21,33 @@ const int LookEveryMs = 10;
 /// the time that a busy writer may need between the two.
 const int LooksForGood = 2;
 const int LooksForBad = 10;
+/// A few ticks of whoever polls the status.
+const int HalfStatusMs = 250;
+
+/// Gives a file or folder its new name in one step; what went wrong, or nothing.
+QString rename(const QString& from, const QString& to)
+{
+    std::error_code error;
+    std::filesystem::rename(Platform::nativePath(from), Platform::nativePath(to), error);
+    return error ? QString::fromStdString(error.message()) : QString();
+}
+
+QString awayOf(const QString& path)
+{
+    return path + QStringLiteral(".away");
+}
+
+QString folderAway(const QString& drivePath)
+{
+    return awayOf(drivePath + QStringLiteral("/.") + ReaderNames::Folder);
+}
 
 } // namespace
 
 FileStamp FileStamp::of(const QString& path)
 {
     const QFileInfo info(path);
-    return info.exists() ? FileStamp{info.lastModified().toMSecsSinceEpoch(), info.size()} : FileStamp();
+    return info.isFile() ? FileStamp{info.lastModified().toMSecsSinceEpoch(), info.size()} : FileStamp();
 }
 
 ReaderDrive::ReaderDrive(const QString& path, QObject* parent)
@@ -36,6 +57,9 @@ ReaderDrive::ReaderDrive(const QString& path, QObject* parent)
     m_timer.setInterval(LookEveryMs);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &ReaderDrive::look);
+    m_rest.setInterval(HalfStatusMs);
+    m_rest.setSingleShot(true);
+    connect(&m_rest, &QTimer::timeout, this, [this] { writeInPlace(filePath(ReaderNames::Status), m_halfStatus); });
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &ReaderDrive::onFileChanged);
 }
 
@@ -47,6 +71,8 @@ QString ReaderDrive::filePath(const QString& name) const
 
 bool ReaderDrive::open(QString* error)
 {
+    if (!comeBack(error))
+        return false;
     if (!QFileInfo(m_path).isDir()) {
         *error = QStringLiteral("%1: there is no such folder").arg(m_path);
         return false;
@@ -68,21 +94,54 @@ bool ReaderDrive::open(QString* error)
 
 void ReaderDrive::listen()
 {
-    m_triggerStamp = FileStamp::of(m_path + QLatin1Char('/') + ReaderNames::Trigger);
-    m_commandStamp = FileStamp::of(filePath(ReaderNames::Command));
+    m_triggerStamp = FileStamp::of(triggerPath());
+    m_commandStamp = FileStamp::of(commandPath());
     m_commandTaken = true;
     m_timer.start();
 }
 
-void ReaderDrive::setStatus(const QByteArray& bytes)
+void ReaderDrive::setStatus(const QByteArray& bytes, const StatusManner& manner)
 {
-    m_status = bytes;
+    // An older one that isn't seen earlier is never seen.
+    while (!m_statuses.isEmpty() && m_statuses.last().manner.triggers >= manner.triggers)
+        m_statuses.removeLast();
+    m_statuses.append({bytes, manner});
 }
 
 void ReaderDrive::showStatus()
 {
-    if (m_status != m_shownStatus && replaceFile(ReaderNames::Status, m_status))
-        m_shownStatus = m_status;
+    if (m_statuses.isEmpty())
+        return;
+    const Status newest = m_statuses.takeLast();
+    m_statuses.clear();
+    show(newest);
+}
+
+void ReaderDrive::show(const Status& status)
+{
+    const QString path = filePath(ReaderNames::Status);
+    m_rest.stop();
+    if (status.manner.isFolder) {
+        QFile::remove(path);
+        QDir().mkpath(path);
+        return;
+    }
+    if (QFileInfo(path).isDir())
+        QDir().rmdir(path);
+    if (status.manner.firstBytes > 0) {
+        m_halfStatus = status.bytes;
+        if (writeInPlace(path, status.bytes.left(status.manner.firstBytes)))
+            m_rest.start();
+    } else {
+        replaceFile(ReaderNames::Status, status.bytes);
+    }
+}
+
+bool ReaderDrive::writeInPlace(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()) ||
+           fail(QStringLiteral("%1: %2").arg(path, file.errorString()));
 }
 
 bool ReaderDrive::replaceFile(const QString& name, const QByteArray& bytes)
@@ -90,23 +149,77 @@ bool ReaderDrive::replaceFile(const QString& name, const QByteArray& bytes)
     // QSaveFile would do the same, but it waits until the bytes are on the disk, which on a stick takes several ticks
     // of whoever polls the status.
     const QString beside = filePath(name) + QStringLiteral(".new");
-    QFile file(beside);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
-        return fail(QStringLiteral("%1: %2").arg(beside, file.errorString()));
-    file.close();
-    return moveInto(beside, name);
+    return writeInPlace(beside, bytes) && moveInto(beside, name);
 }
 
 bool ReaderDrive::moveInto(const QString& from, const QString& name)
 {
-    std::error_code error;
-    std::filesystem::rename(Platform::nativePath(from), Platform::nativePath(filePath(name)), error);
-    return !error || fail(QStringLiteral("%1: %2").arg(filePath(name), QString::fromStdString(error.message())));
+    const QString trouble = rename(from, filePath(name));
+    return trouble.isEmpty() || fail(QStringLiteral("%1: %2").arg(filePath(name), trouble));
 }
 
 void ReaderDrive::removeFile(const QString& name)
 {
-    QFile::remove(filePath(name));
+    if (!QFile::remove(filePath(name)))
+        QDir().rmdir(filePath(name));
+}
+
+void ReaderDrive::block(const QString& path, int ms)
+{
+    m_blocked.insert(path, ms > 0 ? QDeadlineTimer(ms) : QDeadlineTimer(QDeadlineTimer::Forever));
+    keepBlocked();
+}
+
+void ReaderDrive::keepBlocked()
+{
+    for (auto it = m_blocked.begin(); it != m_blocked.end();) {
+        if (it->hasExpired()) {
+            QDir().rmdir(it.key());
+            it = m_blocked.erase(it);
+            continue;
+        }
+        // Someone who writes the file at this moment can be the quicker; the next look tries again.
+        if (!QFileInfo(it.key()).isDir()) {
+            QFile::remove(it.key());
+            QDir().mkdir(it.key());
+        }
+        ++it;
+    }
+}
+
+bool ReaderDrive::goAway(bool wholeDrive)
+{
+    m_timer.stop();
+    m_rest.stop();
+    m_statuses.clear();
+    // Its file goes along, where no one could remove it any more.
+    m_lock->unlock();
+    const QString from = wholeDrive ? m_path : filePath();
+    const QString trouble = rename(from, wholeDrive ? awayOf(m_path) : folderAway(m_path));
+    return trouble.isEmpty() || fail(QStringLiteral("%1: can't be taken away: %2").arg(from, trouble));
+}
+
+/// Undoes goAway() and block(), also those of an earlier run.
+bool ReaderDrive::comeBack(QString* error)
+{
+    const std::pair<QString, QString> places[] = {{awayOf(m_path), m_path}, {folderAway(m_path), filePath()}};
+    for (const auto& [away, place] : places) {
+        if (!QFileInfo(away).isDir())
+            continue;
+        // Someone may have made the folder anew, but then nothing is in it.
+        QDir().rmdir(place);
+        const QString trouble = rename(away, place);
+        if (!trouble.isEmpty()) {
+            *error = QStringLiteral("%1: can't be brought back as %2: %3").arg(away, place, trouble);
+            return false;
+        }
+    }
+    m_blocked.clear();
+    for (const QString& path : {triggerPath(), commandPath(), filePath(ReaderNames::Status)}) {
+        if (QFileInfo(path).isDir())
+            QDir().rmdir(path);
+    }
+    return true;
 }
 
 bool ReaderDrive::fail(const QString& what)
@@ -135,8 +248,9 @@ void ReaderDrive::look()
         fail(QStringLiteral("%1: the folder has gone").arg(filePath()));
         return;
     }
+    keepBlocked();
     // The watcher follows a file only while it exists, and loses it when someone replaces it.
-    const QString paths[] = {m_path + QLatin1Char('/') + ReaderNames::Trigger, filePath(ReaderNames::Command)};
+    const QString paths[] = {triggerPath(), commandPath()};
     for (const QString& path : paths) {
         if (!m_watcher.files().contains(path) && QFileInfo::exists(path))
             m_watcher.addPath(path);
@@ -147,20 +261,27 @@ void ReaderDrive::look()
 
 void ReaderDrive::lookAtTrigger()
 {
-    const FileStamp stamp = FileStamp::of(m_path + QLatin1Char('/') + ReaderNames::Trigger);
+    const FileStamp stamp = FileStamp::of(triggerPath());
     if (!m_triggered && stamp == m_triggerStamp)
         return;
     m_triggerStamp = stamp;
     m_triggered = false;
     if (!stamp.exists())
         return;
-    showStatus();
+    int ripe = 0;
+    for (Status& status : m_statuses)
+        ripe += --status.manner.triggers <= 0;
+    if (ripe > 0) {
+        const Status newest = m_statuses.at(ripe - 1);
+        m_statuses.remove(0, ripe);
+        show(newest);
+    }
     Q_EMIT triggered();
 }
 
 void ReaderDrive::lookAtCommand()
 {
-    const QString path = filePath(ReaderNames::Command);
+    const QString path = commandPath();
     const FileStamp stamp = FileStamp::of(path);
     if (stamp != m_commandStamp) {
         m_commandStamp = stamp;

@@ -7,7 +7,8 @@
 QByteArray statusText(const ReaderStatus& status)
 {
     return QStringLiteral("%1\nCmd=%2\nStatus  = %3\nResult  = %4\nError code -%5.\n")
-        .arg(status.header, status.command, status.word, status.result, QString::number(status.error))
+        .arg(status.header, status.command, status.word, status.result,
+             status.error == NoErrorCode ? QString() : QString::number(status.error))
         .toUtf8();
 }
 

@@ -7,6 +7,9 @@
 #include <QByteArray>
 #include <QString>
 
+/// An error code that leaves no number in the status.
+inline constexpr int NoErrorCode = -1;
+
 /// What the reader shows in STATUS.TXT.
 struct ReaderStatus
 {

@@ -22,6 +22,11 @@ const QString NoPump = QStringLiteral("0");
 const int LongestSerialInName = 64;
 /// Behind the name of an exchange file that is being written.
 const QString Unfinished = QStringLiteral(".part");
+const QString SecondLog = ReaderNames::FirmwareLog + QStringLiteral(".1");
+/// Longer than the pause between two reads of the status, so one of them has seen what a trigger brought to light.
+const int SeenAfterMs = 300;
+const int GrowEveryMs = 100;
+const int GrowingPieces = 10;
 
 QString memoryFile(const ReaderDrive& drive)
 {
@@ -39,7 +44,7 @@ QString exchangeName(const Pump& pump, int number)
 
 void removeFiles(ReaderDrive& drive, const QString& filter)
 {
-    const QStringList names = QDir(drive.filePath()).entryList({filter}, QDir::Files);
+    const QStringList names = QDir(drive.filePath()).entryList({filter}, QDir::Files | QDir::Dirs);
     for (const QString& name : names)
         drive.removeFile(name);
 }
@@ -61,12 +66,23 @@ ReaderSimulator::ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, b
     , m_drive(drive)
     , m_scenario(scenario)
     , m_instant(instant)
+    , m_faults(scenario.faults)
     , m_random(scenario.seed)
 {
     m_step.setSingleShot(true);
     m_step.setTimerType(Qt::PreciseTimer);
     connect(&m_step, &QTimer::timeout, this, [this] { std::exchange(m_next, nullptr)(); });
     connect(&m_progress, &QTimer::timeout, this, &ReaderSimulator::onProgress);
+    m_return.setSingleShot(true);
+    connect(&m_return, &QTimer::timeout, this, &ReaderSimulator::comeBack);
+    m_growth.setInterval(GrowEveryMs);
+    connect(&m_growth, &QTimer::timeout, this, &ReaderSimulator::growExchangeFile);
+    connect(&m_drive, &ReaderDrive::triggered, this, [this] {
+        if (!m_whenSeen || !m_drive.isStatusShown())
+            return;
+        m_next = std::exchange(m_whenSeen, nullptr);
+        m_step.start(SeenAfterMs);
+    });
     connect(&m_drive, &ReaderDrive::commandWritten, this, &ReaderSimulator::onCommandWritten);
     connect(&m_drive, &ReaderDrive::failed, this, &ReaderSimulator::fail);
 }
@@ -89,13 +105,16 @@ bool ReaderSimulator::start(QString* error)
         }
         tie(it.key(), it.value());
     }
+    m_pairedBeforehand.clear();
+    m_statusCount = 0;
     ++m_memory.starts;
     if (!saveMemory(memoryFile(m_drive), m_memory, error))
         return false;
 
-    const Behaviour behaviour = m_scenario.faults.behaviourFor({});
+    m_behaviour = {};
+    const Behaviour behaviour = m_faults.strike({});
     const QString version = behaviour.firmware.isEmpty() ? m_scenario.firmware : behaviour.firmware;
-    m_drive.replaceFile(ReaderNames::FirmwareLog, firmwareLogText(version));
+    writeFirmwareLogs(version, behaviour);
     writeDeviceList();
 
     removeFiles(m_drive, ReaderNames::ExchangeFilter + Unfinished);
@@ -108,13 +127,27 @@ bool ReaderSimulator::start(QString* error)
 void ReaderSimulator::showFirstStatus(const QString& leftRunning)
 {
     QFile shown(m_drive.filePath(ReaderNames::Status));
-    if (leftRunning.isEmpty() && shown.open(QIODevice::ReadOnly) && isRunning(shown.readAll())) {
+    if (shown.open(QIODevice::ReadOnly))
+        m_status = shown.readAll();
+    if (leftRunning.isEmpty() && isRunning(m_status)) {
         // The reader has forgotten the command, but as long as nobody asks it for more, nothing rewrites the file.
         Q_EMIT logged(QStringLiteral("left the status of a command that an earlier run didn't end"));
         return;
     }
-    m_active = leftRunning.isEmpty() ? QStringLiteral("NONE") : leftRunning;
-    setStatus(leftRunning.isEmpty() ? Done : Running, {}, 0);
+    if (leftRunning.isEmpty()) {
+        showNoCommand();
+        return;
+    }
+    m_active = leftRunning;
+    setStatus(Running, {}, 0);
+    m_drive.showStatus();
+    m_active.clear();
+}
+
+void ReaderSimulator::showNoCommand()
+{
+    m_active = QStringLiteral("NONE");
+    setStatus(Done, {}, 0);
     m_drive.showStatus();
     m_active.clear();
 }
@@ -132,12 +165,31 @@ void ReaderSimulator::onCommandWritten(const QByteArray& bytes)
 void ReaderSimulator::begin(const ReaderCommand& command)
 {
     Q_EMIT logged(QStringLiteral("took %1").arg(command.word));
+    const bool isLeaving = m_isLeaving;
     dropCommand();
+    if (isLeaving) {
+        leave();
+        return;
+    }
+    m_behaviour = {};
+    if (std::exchange(m_isStatusSpoilt, false))
+        showNoCommand();
+    if (std::exchange(m_isListSpoilt, false))
+        writeDeviceList();
     // A code that the user hasn't answered is given up by whatever else comes.
     if (command.kind != ReaderCommand::Kind::ConfirmPairing)
         m_toConfirm.reset();
     m_active = command.word;
-    m_behaviour = m_scenario.faults.behaviourFor(command.word);
+    m_behaviour = m_faults.strike(command.word);
+    m_oldStatus = m_status;
+    if (m_behaviour.triggerBlockedMs)
+        m_drive.block(m_drive.triggerPath(), *m_behaviour.triggerBlockedMs);
+    if (m_behaviour.commandBlockedMs)
+        m_drive.block(m_drive.commandPath(), *m_behaviour.commandBlockedMs);
+    if (m_behaviour.leavesAt == LeavingMoment::Command) {
+        leave();
+        return;
+    }
     if (!m_behaviour.answers) {
         Q_EMIT logged(QStringLiteral("leaves %1 unanswered, as the fault no-start says").arg(command.word));
         return;
@@ -163,6 +215,8 @@ void ReaderSimulator::dropCommand()
 {
     m_step.stop();
     m_progress.stop();
+    m_whenSeen = nullptr;
+    m_isLeaving = false;
     m_exchange.reset();
     if (!m_active.isEmpty())
         Q_EMIT logged(QStringLiteral("dropped %1, which hadn't ended").arg(m_active));
@@ -171,12 +225,17 @@ void ReaderSimulator::dropCommand()
 
 void ReaderSimulator::showRunning()
 {
-    setStatus(Running, {}, 0);
+    if (m_behaviour.showsRunning)
+        setStatus(Running, {}, 0);
     m_running.start();
     m_plan.durationMs = duration(m_plan.durationMs);
     if (m_scenario.times.progress > 0 && m_plan.durationMs > 0)
         m_progress.start(m_scenario.times.progress);
-    if (!m_behaviour.ends)
+    if (m_behaviour.leavesAt == LeavingMoment::Running)
+        leaveWhenSeen();
+    else if (m_behaviour.abortsItself)
+        whenSeen([this] { giveUpAsAborted(); });
+    if (m_whenSeen || !m_behaviour.ends)
         return;
     m_next = [this] {
         finish();
@@ -189,7 +248,8 @@ void ReaderSimulator::onProgress()
     const double part = std::min(1.0, double(m_running.elapsed()) / m_plan.durationMs);
     if (m_exchange)
         m_exchange->writeUpTo(part);
-    setStatus(Running, QStringLiteral("%1%").arg(static_cast<int>(100 * part)), 0);
+    if (m_behaviour.showsRunning)
+        setStatus(Running, QStringLiteral("%1%").arg(static_cast<int>(100 * part)), 0);
 }
 
 void ReaderSimulator::finish()
@@ -202,8 +262,53 @@ void ReaderSimulator::finish()
     // What couldn't be kept isn't told as done.
     if (m_hasFailed)
         return;
+    spoilDeviceList();
     setStatus(m_plan.failCode == 0 ? Done : Failed, result, m_plan.failCode);
     m_active.clear();
+    if (m_behaviour.leavesAt == LeavingMoment::Done)
+        leaveWhenSeen();
+}
+
+void ReaderSimulator::giveUpAsAborted()
+{
+    dropCommand();
+    m_active = QStringLiteral("ABORT");
+    setStatus(Done, {}, 0);
+    m_active.clear();
+}
+
+void ReaderSimulator::whenSeen(std::function<void()> next)
+{
+    m_whenSeen = std::move(next);
+}
+
+void ReaderSimulator::leaveWhenSeen()
+{
+    m_isLeaving = true;
+    whenSeen([this] { leave(); });
+}
+
+/// Unplugged, the reader loses what it was at, and keeps its memory.
+void ReaderSimulator::leave()
+{
+    dropCommand();
+    m_growth.stop();
+    m_toConfirm.reset();
+    m_seen.clear();
+    m_isStatusSpoilt = false;
+    m_isListSpoilt = false;
+    if (!m_drive.goAway(m_behaviour.leavesWhole))
+        return;
+    Q_EMIT logged(QStringLiteral("took the drive away"));
+    if (m_behaviour.awayMs > 0)
+        m_return.start(m_behaviour.awayMs);
+}
+
+void ReaderSimulator::comeBack()
+{
+    QString error;
+    if (!m_drive.open(&error) || !start(&error))
+        fail(error);
 }
 
 /// The plan, unless the link to the pump breaks before it is through.
@@ -322,20 +427,53 @@ QString ReaderSimulator::publishExchangeFile(const Pump& pump)
         fail(QStringLiteral("%1: %2").arg(m_exchange->path(), m_exchange->errorString()));
         return {};
     }
+    m_growth.stop();
     removeFiles(m_drive, ReaderNames::ExchangeFilter);
 
-    QString name;
-    for (int i = 0; i < m_behaviour.exchangeFiles; ++i) {
-        name = exchangeName(pump, ++m_memory.readouts);
-        if (i + 1 < m_behaviour.exchangeFiles)
-            QFile::copy(m_exchange->path(), m_drive.filePath(name));
-        else
-            m_drive.moveInto(m_exchange->path(), name);
+    const ExchangeForm form = m_behaviour.exchange;
+    if (form == ExchangeForm::NoFile)
+        return {};
+    if (form == ExchangeForm::TwoFiles)
+        QFile::copy(m_exchange->path(), m_drive.filePath(exchangeName(pump, ++m_memory.readouts)));
+    const QString name = exchangeName(pump, ++m_memory.readouts);
+    const QString path = m_drive.filePath(name);
+    if (form == ExchangeForm::Folder) {
+        QDir().mkdir(path);
+    } else if (form == ExchangeForm::GrowingFile) {
+        beginToGrow(path);
+    } else {
+        m_drive.moveInto(m_exchange->path(), name);
     }
     QString error;
     if (!saveMemory(memoryFile(m_drive), m_memory, &error))
         fail(error);
     return name;
+}
+
+/// Gives the exchange file's bytes to the file @p path, a piece now and the others one by one.
+void ReaderSimulator::beginToGrow(const QString& path)
+{
+    QFile whole(m_exchange->path());
+    if (!whole.open(QIODevice::ReadOnly)) {
+        fail(QStringLiteral("%1: %2").arg(whole.fileName(), whole.errorString()));
+        return;
+    }
+    m_growingRest = whole.readAll();
+    m_growingPiece = m_growingRest.size() / GrowingPieces + 1;
+    m_growingFile = path;
+    m_growth.start();
+    growExchangeFile();
+}
+
+void ReaderSimulator::growExchangeFile()
+{
+    QFile file(m_growingFile);
+    const QByteArray piece = m_growingRest.left(m_growingPiece);
+    m_growingRest.remove(0, m_growingPiece);
+    if (!file.open(QIODevice::Append) || file.write(piece) != piece.size() || !file.flush())
+        fail(QStringLiteral("%1: %2").arg(m_growingFile, file.errorString()));
+    if (m_growingRest.isEmpty())
+        m_growth.stop();
 }
 
 ReaderSimulator::Plan ReaderSimulator::planReassign(const ReaderCommand& command)
@@ -389,10 +527,52 @@ void ReaderSimulator::tie(const QString& serialNumber, const QString& patientId)
 
 void ReaderSimulator::writeDeviceList()
 {
+    m_drive.replaceFile(ReaderNames::DeviceList, deviceListXml(listedPumps()));
+}
+
+QVector<Pump> ReaderSimulator::listedPumps(int leastCount) const
+{
     QVector<Pump> listed;
     std::copy_if(m_memory.pumps.cbegin(), m_memory.pumps.cend(), std::back_inserter(listed),
                  [this](const Pump& pump) { return !pump.patientId.isEmpty() || m_seen.contains(pump.serialNumber); });
-    m_drive.replaceFile(ReaderNames::DeviceList, deviceListXml(listed));
+    while (listed.size() < leastCount) {
+        Pump pump;
+        pump.serialNumber = QStringLiteral("FILL-%1").arg(listed.size(), 6, 10, QLatin1Char('0'));
+        pump.address = QStringLiteral("00:00:%1").arg(listed.size(), 8, 10, QLatin1Char('0'));
+        listed.append(pump);
+    }
+    return listed;
+}
+
+/// What the fault in force makes of the list; the next command writes it anew.
+void ReaderSimulator::spoilDeviceList()
+{
+    const int pumps = m_behaviour.listDevices;
+    m_isListSpoilt = !m_behaviour.hasDeviceList || m_behaviour.listBytes || pumps > 0;
+    if (pumps > 0)
+        m_drive.replaceFile(ReaderNames::DeviceList, deviceListXml(listedPumps(pumps)));
+    if (m_behaviour.listBytes)
+        m_drive.replaceFile(ReaderNames::DeviceList, deviceListXml(listedPumps(pumps)).left(*m_behaviour.listBytes));
+    if (!m_behaviour.hasDeviceList)
+        m_drive.removeFile(ReaderNames::DeviceList);
+}
+
+void ReaderSimulator::writeFirmwareLogs(const QString& version, const Behaviour& behaviour)
+{
+    QByteArray text = firmwareLogText(version);
+    if (behaviour.hasBinaryLog) {
+        QRandomGenerator random(m_scenario.seed);
+        text.resize(4096);
+        std::generate(text.begin(), text.end(), [&random] { return static_cast<char>(random.bounded(256)); });
+    }
+    if (behaviour.hasFirmwareLog)
+        m_drive.replaceFile(ReaderNames::FirmwareLog, text);
+    else
+        m_drive.removeFile(ReaderNames::FirmwareLog);
+    if (behaviour.secondFirmware.isEmpty())
+        m_drive.removeFile(SecondLog);
+    else
+        m_drive.replaceFile(SecondLog, firmwareLogText(behaviour.secondFirmware));
 }
 
 void ReaderSimulator::setStatus(const QString& word, const QString& result, int error)
@@ -403,9 +583,21 @@ void ReaderSimulator::setStatus(const QString& word, const QString& result, int 
     const QString header = QStringLiteral("QD17-C RemoteControl File %1-%2")
                                .arg(m_memory.starts, 4, 10, QLatin1Char('0'))
                                .arg(m_statusCount, 6, 10, QLatin1Char('0'));
+    const QString command = m_behaviour.commandWord.isEmpty() ? m_active : m_behaviour.commandWord;
     const QString shown = m_behaviour.statusWord.isEmpty() ? word : m_behaviour.statusWord;
-    if (m_behaviour.refreshesStatus)
-        m_drive.setStatus(statusText({header, m_active, shown, result, error}));
+    QByteArray text =
+        statusText({header, m_behaviour.hasLowerCaseWord ? command.toLower() : command, shown, result, error});
+    if (m_behaviour.changesHeaderAlone)
+        text = header.toUtf8() + m_oldStatus.mid(m_oldStatus.indexOf('\n'));
+    if (m_behaviour.endsWithOldStatus && word != Running)
+        text = m_oldStatus;
+    if (m_behaviour.emptiesStatus)
+        text.clear();
+    if (m_behaviour.refreshesStatus) {
+        m_isStatusSpoilt = m_behaviour.emptiesStatus || m_behaviour.manner.isFolder;
+        m_status = text;
+        m_drive.setStatus(text, m_behaviour.manner);
+    }
     Q_EMIT logged(QStringLiteral("%1 %2, result \"%3\", error %4").arg(m_active, shown, result).arg(error));
 }
 
@@ -424,5 +616,6 @@ void ReaderSimulator::fail(const QString& error)
     m_hasFailed = true;
     m_step.stop();
     m_progress.stop();
+    m_growth.stop();
     Q_EMIT failed(error);
 }

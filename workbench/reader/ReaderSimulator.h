@@ -73,6 +73,13 @@ private:
     void showRunning();
     void onProgress();
     void finish();
+    void giveUpAsAborted();
+
+    /// Does @p next a while after the status that waits was seen, so that whoever polls has read it.
+    void whenSeen(std::function<void()> next);
+    void leaveWhenSeen();
+    void leave();
+    void comeBack();
 
     static Plan overLink(const Pump& pump, const Plan& plan);
     Plan planFor(const ReaderCommand& command);
@@ -83,11 +90,18 @@ private:
     Plan planReassign(const ReaderCommand& command);
     Plan planDelete(const ReaderCommand& command);
     QString publishExchangeFile(const Pump& pump);
+    void beginToGrow(const QString& path);
+    void growExchangeFile();
 
     Pump* find(const QString& serialNumber);
     void tie(const QString& serialNumber, const QString& patientId);
     void writeDeviceList();
+    /// The pumps of the device list, and so many more that it has @p leastCount.
+    QVector<Pump> listedPumps(int leastCount = 0) const;
+    void spoilDeviceList();
+    void writeFirmwareLogs(const QString& version, const Behaviour& behaviour);
     void showFirstStatus(const QString& leftRunning);
+    void showNoCommand();
     void setStatus(const QString& word, const QString& result, int error);
     int duration(int milliseconds);
     void fail(const QString& error);
@@ -95,6 +109,7 @@ private:
     ReaderDrive& m_drive;
     const Scenario m_scenario;
     const bool m_instant;
+    FaultSet m_faults;
     ReaderMemory m_memory;
     QHash<QString, QString> m_pairedBeforehand;
     QRandomGenerator m_random;
@@ -109,6 +124,18 @@ private:
     QTimer m_progress;
     QElapsedTimer m_running;
     std::function<void()> m_next;
+    std::function<void()> m_whenSeen;
     std::unique_ptr<ExchangeFile> m_exchange;
     std::optional<ReaderCommand> m_toConfirm;
+    /// The bytes of the latest status, and of the one ahead of the command at work.
+    QByteArray m_status;
+    QByteArray m_oldStatus;
+    bool m_isStatusSpoilt = false;
+    bool m_isListSpoilt = false;
+    bool m_isLeaving = false;
+    QTimer m_return;
+    QTimer m_growth;
+    QString m_growingFile;
+    QByteArray m_growingRest;
+    int m_growingPiece = 0;
 };

@@ -52,10 +52,9 @@ const QCommandLineOption ScenarioOption(QStringLiteral("scenario"),
                                         QStringLiteral("Play the world that FILE describes."), QStringLiteral("FILE"));
 const QCommandLineOption CheckOption(QStringLiteral("check-scenario"),
                                      QStringLiteral("Check the scenario file and end. Needs no DRIVE."));
-const QCommandLineOption
-    FaultOption(QStringLiteral("fault"),
-                QStringLiteral("Misbehave: NAME, NAME=VALUE, or either with @COMMAND. Repeatable."),
-                QStringLiteral("FAULT"));
+const QCommandLineOption FaultOption(QStringLiteral("fault"),
+                                     QStringLiteral("Misbehave: NAME[=VALUE][@COMMAND][:once]. Repeatable."),
+                                     QStringLiteral("FAULT"));
 const QCommandLineOption ListFaultsOption(QStringLiteral("list-faults"), QStringLiteral("Name all faults and end."));
 const QCommandLineOption PairOption(QStringLiteral("pair"),
                                     QStringLiteral("Begin with this pump paired with this patient. Repeatable."),
