@@ -97,7 +97,7 @@ int Report::print() const
         for (const Row& row : m_rows) {
             put(QStringLiteral("%1  %2  %3  %4")
                     .arg(row.figure, 14)
-                    .arg(row.what, -58)
+                    .arg(row.what, -78)
                     .arg(row.wanted, -20)
                     .arg(row.verdict));
         }

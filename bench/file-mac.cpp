@@ -3,6 +3,7 @@
 
 // The MAC of an exchange file against a bare loop over the same bytes, and the memory that it takes.
 
+#include "bench/Machine.h"
 #include "bench/Report.h"
 #include "commands/ImportDataCommand.h"
 #include "host/SharedKey.h"
@@ -18,7 +19,6 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
-#include <random>
 
 namespace {
 
@@ -29,24 +29,7 @@ struct Size
 };
 
 constexpr std::array<Size, 3> Sizes{{{1, 10}, {8, 4}, {64, 1}}};
-constexpr int Mebibyte = 1024 * 1024;
 const QString DatabaseGuid = QStringLiteral("{d2f7a4a0-0001-4c1e-9a55-000000000001}");
-
-bool writeFile(const QString& path, int mebibytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    std::mt19937 random(1); // NOLINT(cert-msc51-cpp): the same bytes at each call
-    QByteArray bytes(Mebibyte, Qt::Uninitialized);
-    for (int i = 0; i < mebibytes; ++i) {
-        for (char& byte : bytes)
-            byte = static_cast<char>(random());
-        if (file.write(bytes) != bytes.size())
-            return false;
-    }
-    return true;
-}
 
 /// Qt's code over the file by hand: the least that a file MAC can be.
 QString bareMac(const QString& path)
@@ -71,18 +54,6 @@ QString commandMac(const QString& path)
     ImportDataCommand command(nullptr);
     command.m_databaseGuid = DatabaseGuid;
     return command.fileMac();
-}
-
-/// The most memory that this process has had resident so far, in KiB; 0 where the system doesn't tell. Unlike
-/// getrusage() this isn't inherited from the process that started this one.
-long peakMemory()
-{
-    QFile file(QStringLiteral("/proc/self/status"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    const QByteArray text = file.readAll();
-    const int place = text.indexOf("VmHWM:");
-    return place < 0 ? 0 : text.mid(place + 6, 32).simplified().split(' ').constFirst().toLong();
 }
 
 /// Runs this program once more, as a process whose only work is one MAC, and returns by how many KiB that raised its
@@ -127,7 +98,7 @@ int main(int argc, char** argv)
     for (const auto [mebibytes, roundsFactor] : Sizes) {
         const int rounds = roundsFactor * report.number(QStringLiteral("rounds"));
         const QString path = folder.filePath(QStringLiteral("I%1.xml").arg(mebibytes));
-        if (!writeFile(path, mebibytes))
+        if (!writeRandomFile(path, mebibytes))
             return benchmarkFailed(QStringLiteral("can't write %1").arg(path));
         if (commandMac(path) != bareMac(path))
             return benchmarkFailed(QStringLiteral("the two MACs of %1 differ").arg(path));

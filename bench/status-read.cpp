@@ -3,6 +3,7 @@
 
 // One forced read of the status file against the same two file operations by bare system calls.
 
+#include "bench/Machine.h"
 #include "bench/Report.h"
 #include "plugin/session/Logger.h"
 #include "reader/StatusFileParser.h"
@@ -11,7 +12,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -76,10 +76,9 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     Report report(QStringLiteral("Forced read of the status file, against bare system calls"));
     const QString folderOption = QStringLiteral("folder");
-    const QString memory = QStringLiteral("/dev/shm");
     report.addNumber(QStringLiteral("rounds"), QStringLiteral("Rounds of 20 reads each way."), 2000);
     report.parser.addOption({folderOption, QStringLiteral("Where to put the drive; it should lie in memory."),
-                             QStringLiteral("FOLDER"), QFileInfo(memory).isDir() ? memory : QDir::tempPath()});
+                             QStringLiteral("FOLDER"), memoryFolder()});
     report.parse();
     const int rounds = report.number(QStringLiteral("rounds"));
 

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "bench/Machine.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <chrono>
+#include <random>
+
+#ifdef Q_OS_UNIX
+#include <ctime>
+#endif
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+long peakMemory()
+{
+    QFile file(QStringLiteral("/proc/self/status"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray text = file.readAll();
+    const int place = text.indexOf("VmHWM:");
+    return place < 0 ? 0 : text.mid(place + 6, 32).simplified().split(' ').constFirst().toLong();
+}
+
+double threadMilliseconds()
+{
+#ifdef Q_OS_UNIX
+    timespec time{};
+    if (::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time) == 0)
+        return 1e3 * static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_nsec);
+#endif
+    return -1;
+}
+
+double workMilliseconds()
+{
+    const double time = threadMilliseconds();
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return time >= 0 ? time : std::chrono::duration<double, std::milli>(now).count();
+}
+
+void keepFreedMemory()
+{
+#ifdef __GLIBC__
+    constexpr int Never = 1 << 30; // bytes
+    ::mallopt(M_MMAP_THRESHOLD, Never);
+    ::mallopt(M_TRIM_THRESHOLD, Never);
+    ::mallopt(M_TOP_PAD, 64 << 20);
+#endif
+}
+
+QString memoryFolder()
+{
+    const QString memory = QStringLiteral("/dev/shm");
+    return QFileInfo(memory).isDir() ? memory : QDir::tempPath();
+}
+
+bool writeRandomFile(const QString& path, int mebibytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    std::mt19937 random(1); // NOLINT(cert-msc51-cpp): the same bytes at each call
+    QByteArray bytes(1024 * 1024, Qt::Uninitialized);
+    for (int i = 0; i < mebibytes; ++i) {
+        for (char& byte : bytes)
+            byte = static_cast<char>(random());
+        if (file.write(bytes) != bytes.size())
+            return false;
+    }
+    return true;
+}
