@@ -43,6 +43,14 @@ QPicture recordPicture(const QString& path)
     return picture;
 }
 
+/// A file may change or vanish, so that its picture is recorded together with the image. What is compiled in stays as
+/// it is, and can wait until somebody asks: recording a raster image encodes it anew, which takes longer than all the
+/// rest.
+bool isCompiledIn(const QString& path)
+{
+    return path.startsWith(QLatin1String(":/"));
+}
+
 } // namespace
 
 void LmIconReturn::operator()(LmIconItem* item) const
@@ -60,5 +68,15 @@ LmIconHandle lmTakeIconItem(const QString& path)
         qCritical().noquote() << QStringLiteral("icon \"%1\" cannot be loaded").arg(path);
         return nullptr;
     }
-    return LmIconHandle(new LmIconItem{path, recordPicture(path), QPicture(), image, QIcon(path), image.size()});
+    LmIconHandle item(new LmIconItem{path, std::nullopt, QPicture(), image, QIcon(path), image.size()});
+    if (!isCompiledIn(path))
+        item->picture = recordPicture(path);
+    return item;
+}
+
+QPicture lmPictureOf(LmIconItem& item)
+{
+    if (!item.picture)
+        item.picture = recordPicture(item.path);
+    return *item.picture;
 }

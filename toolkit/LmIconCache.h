@@ -9,16 +9,17 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 /// One image in all the forms in which it is handed out. Private to the toolkit.
 struct LmIconItem
 {
-    QString path;             ///< The key.
-    QPicture picture;         ///< Null if the image is an SVG that can't be rendered.
-    QPicture mirroredPicture; ///< Made on demand; null before.
-    QImage image;             ///< At natural size.
-    QIcon icon;               ///< Made from the path, and given further pixmaps as sizes are asked for.
-    QSize size;               ///< Natural size of the image.
+    QString path;                    ///< The key.
+    std::optional<QPicture> picture; ///< See lmPictureOf().
+    QPicture mirroredPicture;        ///< Made on demand; null before.
+    QImage image;                    ///< At natural size.
+    QIcon icon;                      ///< Made from the path, and given further pixmaps as sizes are asked for.
+    QSize size;                      ///< Natural size of the image.
 };
 
 /// Puts an item back into the cache, in place of any other item of its path.
@@ -33,3 +34,6 @@ using LmIconHandle = std::unique_ptr<LmIconItem, LmIconReturn>;
 /// Takes the item of @p path out of the cache, or loads it. Null, with a critical entry in Qt's log, if there is no
 /// readable image.
 LmIconHandle lmTakeIconItem(const QString& path);
+
+/// The image recorded as paint commands; null if it is an SVG that can't be rendered.
+QPicture lmPictureOf(LmIconItem& item);

@@ -26,8 +26,12 @@ QIcon iconOfSize(const QString& path, QSize* size)
         return QIcon();
     }
 
-    if (size->width() < 0 || size->height() < 0)
+    if (size->width() < 0 || size->height() < 0) {
         *size = item->size;
+        // An icon made from the path has that size. Asking it would draw an SVG at a size that may never be shown.
+        if (!item->icon.isNull())
+            return item->icon;
+    }
     if (item->icon.actualSize(*size, QIcon::Normal, QIcon::Off) == *size)
         return item->icon;
 
@@ -106,7 +110,7 @@ QPicture lmPicture(const QString& path)
     if (path.isEmpty())
         return QPicture();
     const LmIconHandle item = lmTakeIconItem(path);
-    return item ? item->picture : QPicture();
+    return item ? lmPictureOf(*item) : QPicture();
 }
 
 QPicture lmMirroredPicture(const QString& path)
@@ -114,7 +118,7 @@ QPicture lmMirroredPicture(const QString& path)
     if (path.isEmpty())
         return QPicture();
     const LmIconHandle item = lmTakeIconItem(path);
-    if (!item || item->picture.isNull())
+    if (!item || lmPictureOf(*item).isNull())
         return QPicture();
     if (item->mirroredPicture.isNull())
         item->mirroredPicture = recordMirrored(path);

@@ -29,7 +29,7 @@ private Q_SLOTS:
         QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true);
         QImage raster(20, 10, QImage::Format_ARGB32);
         raster.fill(Qt::blue);
-        QVERIFY(raster.save(file("r.png")));
+        QVERIFY(raster.save(file("r.png")) && QFile::copy(file("r.png"), file("r.svg")));
         QFile svg(file("v.svg"));
         QVERIFY(svg.open(QIODevice::WriteOnly) && svg.write(LeftSquare) > 0);
     }
@@ -38,10 +38,12 @@ private Q_SLOTS:
     {
         const QString r = file("r.png");
         const QString v = file("v.svg");
+        const QString n = file("r.svg"); // no SVG: the icon has nothing but what is drawn from the image
         // Path, size asked for and given, pixmaps that the cached icon gets for it. A row finds what those above left.
         const std::tuple<QString, QSize, QSize, int> rows[] = {
             {r, {-1, -1}, {20, 10}, 0}, {r, {10, 5}, {10, 5}, 0},  {r, {50, 50}, {50, 50}, 1},
             {r, {10, 20}, {10, 20}, 1}, {v, {7, -1}, {20, 10}, 0}, {v, {30, 30}, {30, 30}, 0},
+            {n, {-1, -1}, {20, 10}, 0},
         };
         for (const auto& [path, asked, given, added] : rows) {
             const int before = lmIcon(path).availableSizes().size();
