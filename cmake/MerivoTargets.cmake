@@ -24,10 +24,10 @@ function(merivo_add_floor name folder)
 endfunction()
 
 # merivo_add_resources(OUTPUT QRC [OPTIONS ...]): qt5_add_resources(), whose result doesn't depend on when the sources were
-# written. rcc stores a time with each file; it takes the one that it is told here, or SOURCE_DATE_EPOCH's, if that is set.
+# written. rcc stores a time with each file, which nobody here asks for; this one, whatever the environment says.
 function(merivo_add_resources output qrc)
     set(Qt5Core_RCC_EXECUTABLE
-        "${CMAKE_COMMAND}" -E env QT_RCC_SOURCE_DATE_OVERRIDE=1 "$<TARGET_FILE:Qt5::rcc>")
+        "${CMAKE_COMMAND}" -E env --unset=SOURCE_DATE_EPOCH QT_RCC_SOURCE_DATE_OVERRIDE=1 "$<TARGET_FILE:Qt5::rcc>")
     qt5_add_resources(files "${qrc}" ${ARGN})
     set(${output} "${files}" PARENT_SCOPE)
 endfunction()

@@ -8,6 +8,7 @@ set(MERIVO_PACKAGE_CONTACT "The Merivo Connections developers <merivo-connection
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME merivo-connections)
+set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}") # all four parts of it
 set(CPACK_PACKAGE_CONTACT "${MERIVO_PACKAGE_CONTACT}")
 set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
 set(CPACK_STRIP_FILES ON)
@@ -43,7 +44,6 @@ widgets.")
 
 set(CPACK_DEBIAN_LMTOOLKIT_PACKAGE_NAME liblmtoolkit-dev)
 set(CPACK_DEBIAN_LMTOOLKIT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_LMTOOLKIT_PACKAGE_MULTIARCH same)
 set(CPACK_DEBIAN_LMTOOLKIT_PACKAGE_DEPENDS
     "libqt5svg5-dev (>= 5.15), libqt5xmlpatterns5-dev (>= 5.15), qtbase5-dev (>= 5.15)")
 set(CPACK_COMPONENT_LMTOOLKIT_DESCRIPTION
