@@ -19,6 +19,10 @@ void parseInterface(QXmlStreamReader& xml, DeviceInfo& device)
             device.btAddress = xml.readElementText();
         } else if (xml.name() == QLatin1String("PATIENT_ID")) {
             const QString id = xml.readElementText();
+            // What was read ahead of a fault may be another patient's id. Without one the pump counts as assigned to
+            // nobody, which a user can put right.
+            if (xml.hasError())
+                return;
             // The reader's word for "none" is exactly one zero.
             device.patientId = id == QLatin1String("0") ? QString() : id;
             device.paired = !device.patientId.isEmpty();

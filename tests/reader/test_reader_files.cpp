@@ -237,6 +237,10 @@ private Q_SLOTS:
         // As deep as no stack is, for a parser that would call itself.
         const QByteArray deep = QByteArray("<X>").repeated(1000000);
         row("deep", deep + QByteArray("</X>").repeated(1000000) + "<INTERFACE>" + deep, {"||||free"});
+        const QByteArray id = "<INTERFACE><BTADR>B</BTADR><PATIENT_ID>P"; // shortened, it may be another patient's
+        for (const char* fault : {"&bogus;", "\x01", "<X/>", "</"})
+            row(fault, id + fault + "1</PATIENT_ID>", {"B||||free"});
+        row("id of zeros", id + QByteArray(9, '\0') + "1</PATIENT_ID>", {"B||||free"});
         row("text as it stands", "<SERIALNR> \xC3\x84&amp;1 </SERIALNR>", {QString::fromUtf8("| Ä&1 |||free")});
     }
     void deviceList()
@@ -258,7 +262,7 @@ private Q_SLOTS:
             QCOMPARE(devices.size(), cut.count("<DEVICE>"));
             const QStringList texts = devices.join('|').split('|');
             for (const QByteArray text : {"B1", "S1", "P1", "S2", "Second"})
-                QCOMPARE(texts.contains(text), cut.contains(text + '<'));
+                QCOMPARE(texts.contains(text), cut.contains(text + (text == "P1" ? "</PATIENT_ID>" : "<")));
             for (const QString& text : texts) // whole or not at all
                 QVERIFY(QString("|B1|S1|Sanvio Merivo|P1|paired||S2|Second|free|").contains('|' + text + '|'));
         }
