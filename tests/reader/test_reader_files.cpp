@@ -241,6 +241,16 @@ private Q_SLOTS:
         for (const char* fault : {"&bogus;", "\x01", "<X/>", "</"})
             row(fault, id + fault + "1</PATIENT_ID>", {"B||||free"});
         row("id of zeros", id + QByteArray(9, '\0') + "1</PATIENT_ID>", {"B||||free"});
+        // What would keep the XML reader busy for minutes ends the list.
+        const QByteArray next = "<NAME>n</NAME></DEVICE><DEVICE";
+        QByteArray attributes;
+        for (int i = 0; i < 200; ++i)
+            attributes += " a" + QByteArray::number(i) + "=''";
+        row("attributes", next + attributes + '>', {"||n||free"});
+        row("name spaces", next + '>' + QByteArray("<a xmlns='c'/>").repeated(20) + "<NAME>m",
+            {"||n||free", "||||free"});
+        row("too long", next + "><!--" + QByteArray(8 << 20, ' ') + "--></DEVICE><DEVICE>", {"||n||free", "||||free"});
+        QTest::newRow("declarations") << "<!DOCTYPE D [<!ENTITY a 'b'>]>" + Devices.mid(21) << QStringList();
         row("text as it stands", "<SERIALNR> \xC3\x84&amp;1 </SERIALNR>", {QString::fromUtf8("| Ä&1 |||free")});
     }
     void deviceList()
