@@ -1,0 +1,102 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+
+// A recording of a reader's traffic: the file's bytes. A sound one is played on a drive.
+
+#include "fuzz/Drive.h"
+#include "workbench/reader/ReaderDrive.h"
+#include "workbench/reader/Traffic.h"
+#include "workbench/reader/TrafficReplay.h"
+
+#include <QCoreApplication>
+#include <QHash>
+
+#include <algorithm>
+
+namespace {
+
+const QDir::Filters Everything = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+
+std::optional<QVector<TrafficEntry>> load(const QByteArray& bytes, QStringList* errors)
+{
+    static const Drive folder;
+    return loadTraffic(folder.write(QStringLiteral("recording"), bytes), errors);
+}
+
+bool areEqual(const TrafficEntry& one, const TrafficEntry& other)
+{
+    return one.ms == other.ms && one.file == other.file && one.bytes == other.bytes;
+}
+
+/// What is written down again reads as it was.
+void checkAgain(const QVector<TrafficEntry>& entries)
+{
+    QByteArray lines;
+    for (const TrafficEntry& entry : entries)
+        lines += trafficLine(entry);
+    require(lines.count('\n') == entries.size(), "an entry is a line");
+    QStringList errors;
+    const auto again = load(lines, &errors);
+    require(again && std::equal(again->cbegin(), again->cend(), entries.cbegin(), entries.cend(), areEqual),
+            "a recording that is written again is the same");
+}
+
+/// Lays out the drive as it was ahead of the first command.
+void checkPlayed(const QVector<TrafficEntry>& entries)
+{
+    const QTemporaryDir folder;
+    ReaderDrive drive(folder.path());
+    QString error;
+    require(drive.open(&error), "a drive can be opened");
+    bool hasFailed = false;
+    TrafficReplay replay(drive, entries, true);
+    QObject::connect(&replay, &TrafficReplay::failed, [&hasFailed](const QString&) { hasFailed = true; });
+    replay.start();
+
+    QHash<QString, QByteArray> expected;
+    for (const TrafficEntry& entry : entries) {
+        if (entry.isCommand())
+            break;
+        if (entry.bytes && !entry.isTrigger() && !(entry.isStatus() && entry.bytes->isEmpty()))
+            expected.insert(entry.name(), *entry.bytes);
+        else if (!entry.bytes)
+            expected.remove(entry.name());
+    }
+    const QStringList names = QDir(drive.filePath()).entryList(Everything);
+    for (const QString& name : names)
+        require(hasFailed || expected.contains(name), "the drive has no file that it hadn't");
+    for (auto it = expected.cbegin(); it != expected.cend() && !hasFailed; ++it) {
+        QFile file(drive.filePath(it.key()));
+        require(file.open(QIODevice::ReadOnly) && file.readAll() == it.value(), "the drive is as it was");
+    }
+    const QStringList roots = QDir(folder.path()).entryList(Everything);
+    require(roots == QStringList({QStringLiteral(".merivo-reader.lock"), QStringLiteral("MISC")}),
+            "nothing is written beside MISC");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    silenceLog();
+    static int argc = 1;
+    static char name[] = "recording";
+    static char* argv[] = {name, nullptr};
+    static QCoreApplication application(argc, argv);
+
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    QStringList errors;
+    const auto entries = load(bytes, &errors);
+    require(entries.has_value() == errors.isEmpty(), "a recording is sound or has faults told");
+    for (const QString& error : qAsConst(errors))
+        require(error.contains(QLatin1String(": line ")), "a fault is told with its line");
+    if (!entries)
+        return 0;
+
+    require(entries->size() <= bytes.count('\n') + 1, "an entry for a line at most");
+    for (int i = 1; i < entries->size(); ++i)
+        require(entries->at(i - 1).ms <= entries->at(i).ms, "time goes on");
+    checkAgain(*entries);
+    checkPlayed(*entries);
+    return 0;
+}
