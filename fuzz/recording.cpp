@@ -17,6 +17,8 @@ namespace {
 
 const QDir::Filters Everything = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
 
+const qint64 LargestFiller = 65536;
+
 std::optional<QVector<TrafficEntry>> load(const QByteArray& bytes, QStringList* errors)
 {
     static const Drive folder;
@@ -25,7 +27,7 @@ std::optional<QVector<TrafficEntry>> load(const QByteArray& bytes, QStringList* 
 
 bool areEqual(const TrafficEntry& one, const TrafficEntry& other)
 {
-    return one.ms == other.ms && one.file == other.file && one.bytes == other.bytes;
+    return one.ms == other.ms && one.file == other.file && one.content() == other.content();
 }
 
 /// What is written down again reads as it was.
@@ -57,14 +59,18 @@ void checkPlayed(const QVector<TrafficEntry>& entries)
     for (const TrafficEntry& entry : entries) {
         if (entry.isCommand())
             break;
-        if (entry.bytes && !entry.isTrigger() && !(entry.isStatus() && entry.bytes->isEmpty()))
-            expected.insert(entry.name(), *entry.bytes);
-        else if (!entry.bytes)
+        const std::optional<QByteArray> content = entry.content();
+        if (entry.isTrigger() || entry.isStatus()) // the drive shows its newest status in its own time
+            continue;
+        if (content)
+            expected.insert(entry.name(), *content);
+        else
             expected.remove(entry.name());
     }
     const QStringList names = QDir(drive.filePath()).entryList(Everything);
     for (const QString& name : names)
-        require(hasFailed || expected.contains(name), "the drive has no file that it hadn't");
+        require(hasFailed || name == ReaderNames::Status || expected.contains(name),
+                "the drive has no file that it hadn't");
     for (auto it = expected.cbegin(); it != expected.cend() && !hasFailed; ++it) {
         QFile file(drive.filePath(it.key()));
         require(file.open(QIODevice::ReadOnly) && file.readAll() == it.value(), "the drive is as it was");
@@ -96,6 +102,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(entries->size() <= bytes.count('\n') + 1, "an entry for a line at most");
     for (int i = 1; i < entries->size(); ++i)
         require(entries->at(i - 1).ms <= entries->at(i).ms, "time goes on");
+    // A few bytes can ask for filler that takes long to write.
+    const bool isLarge = std::any_of(entries->cbegin(), entries->cend(), [](const TrafficEntry& entry) {
+        return entry.filler && entry.filler->size > LargestFiller;
+    });
+    if (isLarge)
+        return 0;
     checkAgain(*entries);
     checkPlayed(*entries);
     return 0;
