@@ -19,7 +19,8 @@ JsonFields::JsonFields(const QJsonValue& value, const QString& path, QStringList
 
 QString JsonFields::pathOf(const QString& name) const
 {
-    return m_path.isEmpty() ? name : m_path + QLatin1Char('.') + name;
+    const QString shown = name.isEmpty() ? QStringLiteral("\"\"") : name;
+    return m_path.isEmpty() ? shown : m_path + QLatin1Char('.') + shown;
 }
 
 void JsonFields::fail(const QString& name, const QString& what)
