@@ -14,6 +14,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopedValueRollback>
 #include <QTextStream>
 
 #include <array>
@@ -71,6 +72,13 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
     logTrace(QStringLiteral("--> Plugin component execution started"));
     if (!m_plugin)
         return false;
+    // The event loop turns while the adapter waits, and a host's menu can begin a run inside this one. It would take
+    // the writer and the parser away from it, and give the reader back too early.
+    if (m_isRunning) {
+        logTrace(QStringLiteral("--- Plugin component execution ignored: another one is under way"));
+        return false;
+    }
+    const QScopedValueRollback<bool> running(m_isRunning, true);
 
     if (PatientSession::instance()->patientId().isEmpty()) {
         return fail(parent,

@@ -29,7 +29,8 @@ public:
     /// dialog modally and returns when the user is done. True for a run that reached the dialog. Otherwise the user has
     /// read a box over @p parent, the log holds the failure, and nothing is left behind.
     ///
-    /// The event loop turns in here, with all that the host does in it, also before and after the dialog's time.
+    /// The event loop turns in here, with all that the host does in it, also before and after the dialog's time. A call
+    /// from in there leaves a line in the log, returns false at once and disturbs nothing.
     bool execute(QWidget* parent) override;
 
     /// True unless one of the reader's log files on that drive tells of a firmware below 3.2.23. A drive without such a
@@ -42,6 +43,7 @@ private:
     CommandController* m_commandController;
     MerivoConnectionsPlugin* m_plugin;
     QIcon m_icon;
+    bool m_isRunning = false;
 
 public:
     /// Empty, or the folder that takes the place of the reader's drive in all runs.
