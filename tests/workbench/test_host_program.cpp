@@ -199,6 +199,17 @@ private Q_SLOTS:
         QCOMPARE(m_database->importedFile(facts.id).value(), QByteArray("<history>"));
     }
 
+    void logTableComesToTheLatestRecord()
+    {
+        HostLog log;
+        for (int i = 0; i < 20500; ++i)
+            log.write("host", "mcp", QString::number(i));
+        QVERIFY(log.rowCount() == 20000 && log.contains("20499"));
+        QTRY_COMPARE(log.rowCount(), 18500);
+        QCOMPARE(log.index(0, HostLog::MessageColumn).data().toString(), QString("2000"));
+        QCOMPARE(log.index(18499, HostLog::MessageColumn).data().toString(), QString("20499"));
+    }
+
     void eventsTellTheOpenDiary()
     {
         PatientEvents events;

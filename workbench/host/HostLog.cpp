@@ -12,6 +12,9 @@
 namespace {
 
 constexpr int MaxRows = 20000;
+constexpr int MaxWaiting = MaxRows / 10; ///< records that aren't shown yet
+/// Nobody reads faster, and each showing lays the table out and draws it.
+constexpr int ShowEveryMs = 50;
 
 /// Colours that stand out on the table's background, a light or a dark one.
 QColor colourOf(HostLog::Level level)
@@ -42,7 +45,11 @@ QString onOneLine(QString text)
 
 HostLog::HostLog(QObject* parent)
     : QAbstractTableModel(parent)
-{}
+{
+    m_showTimer.setSingleShot(true);
+    m_showTimer.setInterval(ShowEveryMs);
+    connect(&m_showTimer, &QTimer::timeout, this, &HostLog::showWaiting);
+}
 
 bool HostLog::openFile(const QString& path, QString* error)
 {
@@ -59,15 +66,27 @@ void HostLog::write(const QString& source, const QString& channel, const QString
     filled.removeAll(QString());
     const Record record{QDateTime::currentDateTime(),    levelOf(channel), source, channel, message,
                         filled.join(QLatin1String("; "))};
-    if (m_records.size() >= MaxRows) {
+    m_records.append(record);
+    writeToFile(record);
+    if (m_records.size() - m_rowCount >= MaxWaiting)
+        showWaiting();
+    else if (!m_showTimer.isActive())
+        m_showTimer.start();
+}
+
+void HostLog::showWaiting()
+{
+    if (m_rowCount == m_records.size())
+        return;
+    if (m_records.size() > MaxRows) {
         beginRemoveRows({}, 0, MaxRows / 10 - 1);
         m_records.remove(0, MaxRows / 10);
+        m_rowCount -= MaxRows / 10;
         endRemoveRows();
     }
-    beginInsertRows({}, m_records.size(), m_records.size());
-    m_records.append(record);
+    beginInsertRows({}, m_rowCount, m_records.size() - 1);
+    m_rowCount = m_records.size();
     endInsertRows();
-    writeToFile(record);
 }
 
 void HostLog::writeToFile(const Record& record)
@@ -119,7 +138,7 @@ QString HostLog::levelName(Level level)
 
 int HostLog::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : m_records.size();
+    return parent.isValid() ? 0 : m_rowCount;
 }
 
 int HostLog::columnCount(const QModelIndex& parent) const

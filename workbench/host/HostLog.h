@@ -6,10 +6,11 @@
 #include <QDateTime>
 #include <QFile>
 #include <QStringList>
+#include <QTimer>
 #include <QVector>
 
-/// The host's log, as a table for the window and as lines in a file. The file holds every record; the table lets the
-/// oldest go when it grows long. GUI thread only.
+/// The host's log, as a table for the window and as lines in a file. The file holds every record, at once; the table
+/// shows what has come together a little later, and lets the oldest go when it grows long. GUI thread only.
 class HostLog final : public QAbstractTableModel
 {
     Q_OBJECT
@@ -27,7 +28,7 @@ public:
     /// One record. @p channel tells the level; details may be empty.
     void write(const QString& source, const QString& channel, const QString& message, const QStringList& details = {});
 
-    /// True if a record in the table holds that text in its message or details.
+    /// True if a record in the table, or about to come to it, holds that text in its message or details.
     bool contains(const QString& text) const;
 
     /// "Info" and "txt" are information, "Warning" a warning, "Error" and "err" an error, all else the trace.
@@ -54,8 +55,11 @@ private:
         QString details;
     };
 
+    void showWaiting();
     void writeToFile(const Record& record);
 
     QVector<Record> m_records;
+    int m_rowCount = 0; ///< how many of them the table shows; the others wait for the timer
+    QTimer m_showTimer;
     QFile m_file;
 };
