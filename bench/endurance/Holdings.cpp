@@ -86,6 +86,14 @@ Holdings Holdings::now()
     return holdings;
 }
 
+Holdings Holdings::settled(const Holdings& start)
+{
+    constexpr int MostLooks = 1000;
+    for (int look = 0; look < MostLooks && entryCount(QStringLiteral("/proc/self/task")) > start.threads; ++look)
+        usleep(1000);
+    return now();
+}
+
 QString Holdings::differenceFrom(const Holdings& start) const
 {
     QStringList differences;

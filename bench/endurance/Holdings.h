@@ -22,6 +22,9 @@ struct Holdings
 
     /// Of the GUI thread, with no other thread at work.
     static Holdings now();
+    /// The same once no thread is left but those of @p start, for which it waits up to a second of real time: a thread
+    /// that was joined is still on its way out, with what it had open.
+    static Holdings settled(const Holdings& start);
     /// What differs from @p start, in words; empty if nothing does. Memory isn't compared.
     QString differenceFrom(const Holdings& start) const;
 };

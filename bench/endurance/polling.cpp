@@ -265,7 +265,7 @@ int main(int argc, char** argv)
         delete reader;
         delete CommandFileWriter::instance();
     }
-    const Holdings end = Holdings::now();
+    const Holdings end = Holdings::settled(start);
     print(QStringLiteral("end"), end);
     return tell(drive, ticks, progressed, successes, start, afterFirstHour, end) ? 0 : 1;
 }

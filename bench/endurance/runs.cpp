@@ -263,7 +263,7 @@ private:
 
     void compare()
     {
-        const Holdings now = Holdings::now();
+        const Holdings now = Holdings::settled(m_start);
         // Until each story was seen once, Qt makes objects to keep, for its image formats say, and so does the
         // toolkit's cache of icons.
         if (static_cast<std::size_t>(m_run) <= Stories.size())
