@@ -160,7 +160,7 @@ private Q_SLOTS:
         QVERIFY(made >= start.addMSecs(-1) && made <= QDateTime::currentDateTime());
         QCOMPARE(import.commandName() + import.importTag() + import.importNote(), QString("import"));
         QVERIFY(import.command() == &import && import.isExecutable() && !import.isImportFlagged() &&
-                !import.extraResult());
+                !import.extraResult() && !import.flagA() && !import.flagB());
         ICommand* bare = import.clone();
         QVERIFY(typeid(*bare) == typeid(ICommand) && bare->type() == 3);
         ::operator delete(bare); // Of no other class, so nothing is left to be destroyed.

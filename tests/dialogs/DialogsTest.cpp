@@ -225,9 +225,12 @@ void Story::perform(const QString& step)
         PatientSession::instance()->setPump({}, {});
     else if (step == "forget")
         lines.clear();
-    else if (step == "silence")
+    else if (step == "silence") {
+        const int before = lines.size();
         Q_EMIT StatusFileParser::instance()->timeout();
-    else if (words[0] == "answer")
+        if (lines.size() > before)
+            lines << "told on the thread that emits";
+    } else if (words[0] == "answer")
         boxes.answerWith({words[1] == "Yes" ? QMessageBox::Yes : QMessageBox::No});
     else if (step == "Escape")
         QTest::keyClick(front(), Qt::Key_Escape);
@@ -261,10 +264,12 @@ void Story::perform(const QString& step)
         const auto button = QDialogButtonBox::StandardButton(all.keyToValue(words[1].toLatin1()));
         box->setStandardButtons(QDialogButtonBox::Cancel | button);
         box->button(button)->click();
-    } else if (step == "limits") { // of the run that follows an abort
+    } else if (step == "limits") { // of the run that follows an abort, and the cancel ahead of that
+        const int cancel = lines.indexOf("mcp|=== Observer canceling.||");
         const QString start = "mcp|=== Observer start requested (in 5 msec).||";
         const QString limits = "mcp|=== Observer polling started with timeouts of '10' (Start) and '20' (Stop) secs.||";
-        if (!QTest::qWaitFor([&] { return s_host.journal.contains(start) && s_host.journal.contains(limits); }))
+        if (!QTest::qWaitFor([&] { return s_host.journal.contains(start) && s_host.journal.contains(limits); }) ||
+            cancel < 0 || cancel > lines.indexOf(QRegularExpression(".*<ABORT >.*")))
             lines << "other limits";
     } else
         QTest::mouseClick(visibleButton(*front(), step), Qt::LeftButton);
@@ -420,6 +425,7 @@ void DialogsTest::showsHeader()
             QVERIFY(!story.dialog->windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
             QCOMPARE(s_host.journal.contains("err|Device reader simulation used.||/sim"),
                      kind == "main" && isSimulated);
+            QCOMPARE(PatientSession::instance()->deviceName(), QString(kind == "main" ? "Sanvio Merivo" : "stays"));
             QCOMPARE(s_host.journal.contains("mcp|=?= <[at rest]: BTREAD, 2, 0, > status at open.||"), kind == "main");
         }
     }
@@ -469,6 +475,8 @@ void DialogsTest::wholeRun()
                                             "SEARCH 00100", "BTPAIR B-S1 \"S1\" P1", "BTPAIRCONFIRM 1", "BTREAD \"S1\"",
                                             s_host.database.guid, "rejected"}));
     QCOMPARE(file, story.reader.misc() + "/I1.xml");
+    // Of the abort and of the query; nothing else has this limit.
+    QCOMPARE(s_host.journal.lines.count("mcp|=== Observer polling started with timeout of '20'secs.||"), 2);
 }
 
 void DialogsTest::showsDevices()

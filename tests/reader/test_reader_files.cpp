@@ -60,6 +60,7 @@ private Q_SLOTS:
 
     void cleanup()
     {
+        m_host.services.beforeLogLine = {};
         delete m_parser;
         delete m_writer;
         QCOMPARE(m_messages->texts(QtWarningMsg).join("#"), QString());
@@ -89,14 +90,19 @@ private Q_SLOTS:
         QFETCH(Submit, submit);
         const QByteArray command = QTest::currentDataTag();
         QVERIFY(m_folder->writeFile("CommandFile.txt", QByteArray(500, 'x'))); // a longer one leaves no tail
+        QStringList words;                                                     // as a tick may see them at that moment
+        m_host.services.beforeLogLine = [&](const QString&) {
+            words << m_writer->m_lastCommand;
+        };
         QVERIFY(submit(*m_writer));
         QCOMPARE(m_folder->command(), "QD17-C RemoteControl File\nCommand=" + command);
-        QCOMPARE(QString(m_writer->m_lastCommand), QString(command.left(command.indexOf(' '))));
 
         // A folder in the file's place: told in the log alone, and the word is forgotten.
+        m_writer->m_lastCommand = "EARLIER";
         const QString file = m_folder->misc() + "/CommandFile.txt";
         QVERIFY(QFile::remove(file) && QDir().mkdir(file) && !submit(*m_writer));
-        QCOMPARE(QString(m_writer->m_lastCommand), QString());
+        const QString word = command.left(command.indexOf(' '));
+        QCOMPARE(words << m_writer->m_lastCommand, QStringList({word, word, QString()}));
         const QString text = '<' + QString::fromUtf8(command) + '>';
         QCOMPARE(m_host.journal.lines,
                  QStringList({"mcp|<== " + text + " submitted.||" + file, "err|=!= " + text + " failed.||" + file}));
@@ -178,13 +184,28 @@ private Q_SLOTS:
         }
     }
 
+    void aChangeInAnyFieldIsNew()
+    {
+        const StatusRecord old{"h", "c", CommandStatus::Done, "r", 1};
+        QCOMPARE(old, (StatusRecord{"h", "c", CommandStatus::Done, "r", 1}));
+        for (const StatusRecord& now : {StatusRecord{"H", "c", CommandStatus::Done, "r", 1},
+                                        {"h", "C", CommandStatus::Done, "r", 1},
+                                        {"h", "c", CommandStatus::Failed, "r", 1},
+                                        {"h", "c", CommandStatus::Done, "R", 1},
+                                        {"h", "c", CommandStatus::Done, "r", 2}})
+            QVERIFY2(now != old, qPrintable(now.toLogText()));
+    }
+
     void statusFileUnreadable()
     {
         const QString misc = m_folder->misc();
         const QString status = misc + "/STATUS.TXT";
         QVERIFY(QDir().mkdir(misc + "NoCommand.txt") && m_folder->writeFile("STATUS.TXT", StatusText));
         QCOMPARE(m_parser->readStatus(), StatusRecord());
-        QVERIFY(QDir().rmdir(misc + "NoCommand.txt") && QFile::remove(status) && QDir().mkdir(status));
+        // The trigger comes ahead of the read: one that is the status file itself empties it.
+        QVERIFY(QDir().rmdir(misc + "NoCommand.txt") && QFile::link(status, misc + "NoCommand.txt"));
+        m_parser->readStatus();
+        QVERIFY(QFile::remove(misc + "NoCommand.txt") && QFile::remove(status) && QDir().mkdir(status));
         QCOMPARE(m_parser->readStatus(), StatusRecord());
         QVERIFY(QDir(misc).removeRecursively());
         QCOMPARE(m_parser->readStatus(), StatusRecord());
@@ -193,7 +214,8 @@ private Q_SLOTS:
             m_host.journal.lines,
             QStringList({"err|=!= Trigger file system update failed on device reader.||" + misc, unopened, unopened}));
         QCOMPARE(m_messages->texts(QtDebugMsg, "default"),
-                 QStringList("Could not write NoCommand.txt to device reader within " + misc));
+                 QStringList({"Could not write NoCommand.txt to device reader within " + misc,
+                              "StatusFile: '' # , Status: 4, Error: 0"}));
     }
 
     void triggerFileLiesBesideTheFolder()

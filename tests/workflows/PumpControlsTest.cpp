@@ -35,7 +35,8 @@ private Q_SLOTS:
         QVERIFY(m_reader->writeFile("DEVLIST.XML", "<DEVICELIST>" + devices.toUtf8() + "</DEVICELIST>"));
         m_host.database.records = {{"p", {"P", {"%2"}}}}; // the key alone counts, as it is written
         CommandFileWriter::create(m_reader->drive());
-        StatusFileParser* parser = StatusFileParser::create(m_reader->drive());
+        QVERIFY(QDir::setCurrent(m_reader->drive()));
+        StatusFileParser* parser = StatusFileParser::create("."); // as a simulation may be named
         PatientSession::create(nullptr)->setPatientId("P");
         usePump("OLD");
         m_host.services.beforeLogLine = [this](const QString& message) {
@@ -98,10 +99,10 @@ private Q_SLOTS:
                 "mcp|<== <BTDELETEADDR  \"PU1\"> submitted.\n"
                 "mcp|=== [Add] Deprecated pairing info (puid='%2', snr='PU1') removed.\n"
                 "mcp|=== [Add] Cleared devices list: count='4'.\n"
-                "mcp|==> [Add] Pairing search succeeded: status='2'.\nresults PU1,PU123,pu12 of P,PU2");
+                "mcp|==> [Add] Pairing search succeeded: status='2'.\nresults 4 PU1,PU123,pu12 of P,PU2");
         row("S+2", "DEVLIST.XML",
             "progress '' 100\nerr|=!= [Add] Empty device list.\n"
-            "mcp|==> [Add] Pairing search succeeded: status='2'.\nresults ");
+            "mcp|==> [Add] Pairing search succeeded: status='2'.\nresults 0 ");
         row("S+3", "", "mcp|=!= [Add] Pairing search stopped: status='3'.");
         row("S+4", "", "");
         row("S+2 P-2", "", "err|=!= [Add] Pairing process start failed.\nprocess stopped 4");
@@ -190,9 +191,12 @@ private Q_SLOTS:
             takeLines();
             known[name[0]].first();
             QCOMPARE(takeLines(), whole(known[name[0]].second).replace("[old]", old));
+            Q_EMIT StatusFileParser::instance()->progress(50);
             Q_EMIT StatusFileParser::instance()->timeout();
+            QCOMPARE(takeLines(), QString()); // the handlers don't run on the thread that emits
             QCoreApplication::sendPostedEvents();
-            QCOMPARE(takeLines(), QString()); // the dialog's business, and the handlers stay
+            const QString report = name[0] == 'S' ? QString("progress '%1' 50").arg(old) : "progress 'PU123' 50";
+            QCOMPARE(takeLines(), name[0] == 'S' || name[0] == 'R' ? report : QString()); // and stay behind a time-out
             end(name[1] == '+', name.mid(2).toInt());
             old = name[0] == 'P' ? "PU123" : old;
         }
@@ -251,7 +255,7 @@ private:
         QStringList texts;
         for (const DeviceInfo& d : devices)
             texts << d.serialNumber + (d.paired ? " of " : "") + d.patientId;
-        return texts.join(',');
+        return QString::number(devices.size()) + ' ' + texts.join(',');
     }
 
     void usePump(const QString& serialNumber)
