@@ -23,8 +23,8 @@ function(merivo_add_floor name folder)
     target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:merivo_options>)
 endfunction()
 
-# merivo_add_resources(OUTPUT QRC [OPTIONS ...]): qt5_add_resources(), whose result doesn't depend on when the sources were
-# written. rcc stores a time with each file, which nobody here asks for; this one, whatever the environment says.
+# merivo_add_resources(OUTPUT QRC [OPTIONS ...]): qt5_add_resources() with a result that doesn't depend on when the sources
+# were written. rcc stores a time with each file, which nobody here asks for: this one, whatever the environment says.
 function(merivo_add_resources output qrc)
     set(Qt5Core_RCC_EXECUTABLE
         "${CMAKE_COMMAND}" -E env --unset=SOURCE_DATE_EPOCH QT_RCC_SOURCE_DATE_OVERRIDE=1 "$<TARGET_FILE:Qt5::rcc>")

@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
 
-# Debian packages by CPack: merivo-connections, the plug-in with the programs, and liblmtoolkit-dev, the toolkit, which is
-# a static library and so has no package but that. scripts/package makes them.
+# Debian packages by CPack: merivo-connections, the plug-in with the programs, and liblmtoolkit-dev, the toolkit, which
+# is a static library and so has no package but that. scripts/package makes them.
 set(MERIVO_PACKAGE_CONTACT "The Merivo Connections developers <merivo-connections@example.org>"
     CACHE STRING "Who answers for the packages, with a mail address")
 

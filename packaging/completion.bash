@@ -4,6 +4,12 @@
 # Completion of the options of merivo-host, merivo-reader and merivo-gallery, and of their values. The program itself is
 # asked for them, by --help and --list-faults, so this file knows none and can't fall behind.
 
+# _merivo_offer ACTION...: what compgen makes of the action and the word so far.
+_merivo_offer()
+{
+    mapfile -t COMPREPLY < <(compgen "$@" -- "$cur")
+}
+
 _merivo()
 {
     local program=$1 cur=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]} help value=
@@ -22,11 +28,11 @@ _merivo()
         value=FOLDER # of the reader's drive
     fi
     case $value in
-    "") mapfile -t COMPREPLY < <(compgen -W "$(grep -oE '^  (-[a-z], )?--[a-z-]+' <<<"$help" | grep -oE -- '--.*')" -- "$cur") ;;
-    FILE | LIBRARY | STEPS) compopt -o filenames && mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
-    FOLDER) compopt -o filenames && mapfile -t COMPREPLY < <(compgen -d -- "$cur") ;;
-    NAME) mapfile -t COMPREPLY < <(compgen -W "$(locale -a | sed -n 's/^\([a-z]*_[A-Z]*\).*/\1/p' | sort -u)" -- "$cur") ;;
-    FAULT) mapfile -t COMPREPLY < <(compgen -W "$("$program" --list-faults | grep -oE '^[a-z-]+')" -- "$cur") ;;
+    "") _merivo_offer -W "$(sed -nE 's/^  (-[a-z], )?(--[a-z-]+).*/\2/p' <<<"$help")" ;;
+    FILE | LIBRARY | STEPS) compopt -o filenames && _merivo_offer -f ;;
+    FOLDER) compopt -o filenames && _merivo_offer -d ;;
+    NAME) _merivo_offer -W "$(locale -a | sed -n 's/^\([a-z]*_[A-Z]*\).*/\1/p' | sort -u)" ;;
+    FAULT) _merivo_offer -W "$("$program" --list-faults | grep -oE '^[a-z-]+')" ;;
     esac
 }
 complete -F _merivo merivo-host merivo-reader merivo-gallery
