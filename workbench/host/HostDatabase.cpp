@@ -31,8 +31,8 @@ constexpr const char* Schema[] = {
     " mac TEXT NOT NULL CHECK (length(mac) = 64), device_state TEXT NOT NULL,"
     " UNIQUE (puid, mac))",
     // The bytes stand apart, so that a list of imports doesn't read them.
-    "CREATE TABLE import_files ("
-    " import_id INTEGER PRIMARY KEY REFERENCES imports (id) ON DELETE CASCADE, bytes BLOB NOT NULL)",
+    ("CREATE TABLE import_files ("
+     " import_id INTEGER PRIMARY KEY REFERENCES imports (id) ON DELETE CASCADE, bytes BLOB NOT NULL)"),
 };
 
 /// What a result code of SQLite means to the user; the extended codes carry the plain one in their low byte.
