@@ -25,6 +25,8 @@ namespace {
 using Version = std::array<int, 3>; // major, minor, patch
 
 constexpr Version LowestFirmware{3, 2, 23};
+/// No line of a log is nearly as long; a file of garbage without line ends must not fill the memory.
+constexpr int MaxLineLength = 65536;
 
 /// The version at the end of a firmware log's fifth line. A missing line is an empty one.
 Version firmwareVersion(QFile& log)
@@ -32,7 +34,7 @@ Version firmwareVersion(QFile& log)
     QTextStream stream(&log);
     QString line;
     for (int i = 0; i < 5; ++i)
-        line = stream.readLine();
+        line = stream.readLine(MaxLineLength);
 
     const QStringList parts = line.split(QLatin1Char(' ')).last().split(QLatin1Char('.'));
     Version version{};
