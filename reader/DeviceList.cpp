@@ -26,6 +26,8 @@ int readableSize(const QByteArray& list)
     constexpr int MostQuotes = 200; // two for an attribute; from one tag's begin to the next
     constexpr int MostNamespaces = 16;
     int tag = 0;
+    bool isInTag = false;
+    char open = 0; // the quote that a value stands in
     int quotes = 0;
     int namespaces = 0;
     for (int i = 0; i < list.size(); ++i) {
@@ -33,12 +35,20 @@ int readableSize(const QByteArray& list)
         switch (*rest) {
         case '<':
             tag = i;
+            isInTag = true;
+            open = 0;
             quotes = 0;
             if (qstrncmp(rest, "<!ENTITY", 8) == 0 || qstrncmp(rest, "<!ATTLIST", 9) == 0)
                 return tag;
             break;
+        case '>':
+            isInTag = isInTag && open;
+            break;
         case '"':
         case '\'':
+            if (!isInTag || (open && open != *rest)) // a text, where quotes cost nothing
+                break;
+            open = open ? '\0' : *rest;
             if (++quotes > MostQuotes)
                 return tag;
             break;
