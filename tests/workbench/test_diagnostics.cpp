@@ -1,37 +1,53 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 #include "workbench/Programs.h"
-#include "workbench/reader/ReaderCommand.h"
-#include "workbench/reader/TrafficAnonymiser.h"
+#include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostLog.h"
+#include "workbench/host/TrafficKeeper.h"
+#include "workbench/reader/Traffic.h"
+
+#include <KZip>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QTemporaryDir>
 
 namespace {
 
-/// The first of the planted values that can be found in the bytes, as text of either width, as hexadecimal digits or in
-/// base 64 at any place; empty if none is.
-QString leakIn(const QByteArray& bytes, const QStringList& planted)
+/// The first planted value that the bytes hold as text of either width, in hexadecimal digits or in base 64.
+QString leakIn(const QByteArray& bytes, QStringList planted = {})
 {
-    const QByteArray lower = bytes.toLower();
-    for (const QString& value : planted) {
-        const auto* units = reinterpret_cast<const char*>(value.utf16());
-        const QByteArray wide(units, value.size() * 2);
-        for (const QByteArray& form : {value.toUtf8(), value.toLatin1(), wide, value.toUtf8().toHex()})
-            if (lower.contains(form.toLower()))
+    planted << "Zackerly"
+            << "Quentina"
+            << "987654"
+            << "42:7A:03"
+            << "427A03"
+            << "Q-7"
+            << "1961-03-09"
+            << "09.03.1961"
+            << "47110815"
+            << "merivo-jane" << QChar(0xeb);
+    for (const QString& value : qAsConst(planted)) {
+        const QByteArray wide(reinterpret_cast<const char*>(value.utf16()), value.size() * 2);
+        for (const QByteArray& form : {value.toUtf8(), value.toLatin1(), value.toUtf8().toHex(), wide})
+            if (bytes.toLower().contains(form.toLower()))
                 return value;
-        for (int skipped = 0; skipped < 3; ++skipped) {
-            const QByteArray whole = value.toUtf8().mid(skipped);
-            if (whole.size() >= 3 && bytes.contains(whole.left(whole.size() / 3 * 3).toBase64()))
+        for (int skipped = 0; skipped < 3 && value.size() >= skipped + 3; ++skipped)
+            if (bytes.contains(value.toUtf8().mid(skipped, (value.size() - skipped) / 3 * 3).toBase64()))
                 return value;
-        }
     }
     return {};
 }
 
-TrafficEntry entry(const QString& name, const QByteArray& bytes)
+/// The files of an archive, the contents of all folders.
+QByteArrayList filesOf(const QString& archivePath)
 {
-    return {0, "MISC/" + name, bytes, {}};
+    QByteArrayList files;
+    KZip archive(archivePath);
+    if (archive.open(QIODevice::ReadOnly) && archive.directory()->copyTo(archivePath + ".unpacked"))
+        for (QDirIterator it(archivePath + ".unpacked", QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
+            files << bytesOf(it.next());
+    return files;
 }
 
 } // namespace
@@ -43,57 +59,104 @@ class TestDiagnostics final : public QObject
 private Q_SLOTS:
     void recordingHoldsNothingPersonal()
     {
-        const QByteArray head = "QD17-C RemoteControl File";
-        const auto given = [&](const QByteArray& command) {
-            return entry("CommandFile.txt", head + "\nCommand=" + command);
-        };
-        const auto shown = [&](const QByteArray& count, const QByteArray& word, const QByteArray& rest) {
-            return entry("STATUS.TXT", head + " 0001-" + count + "\nCmd=" + word + "\nStatus  = " + rest);
-        };
-        const QVector<TrafficEntry> entries{
-            given("BTISPAIRED Q-7"),
-            shown("000001", "BTISPAIRED", "done\nResult  = ZK987654\nError code -0.\n"),
-            shown("000002", "BTISPAIRED", "done\r\nResult  = ZK987654\r\nError code -31.\r\nQuentina"),
-            given("BTPAIR 9C:1E:42:7A:03:D1 \"ZK987654\" Q-7"),
-            given("BTREAD \"ZK987654\""),
-            given("BTISPAIRED Zo\xeb Zackerly"),
-            shown("000003", "BTREAD", "done\nResult  = IZK987654_47110815.xml\nError code -0.\n"),
-            shown("000004", "Zackerly", "Quentina\nZackerly= ZK987654x\nQuentina"),
-            entry("IZK987654_47110815.xml", "<pump name='Quentina'/>"),
-            entry("IZK987654_4712.xml", "<pump name='Zackerly'/>"),
-            entry("DEVLIST.XML", "<DEVICELIST><DEVICE><NAME>Quentina&apos;s</NAME><SERIALNR>ZK987654</SERIALNR><!-- "
-                                 "Zackerly --><INTERFACE><BTADR>9C1E427A03D1</BTADR><PATIENT_ID>0</PATIENT_ID></"),
-            entry("Vzackerly.logZK987654", "a\nb\nc\nOwner: Quentina 555-987654\nFirmware version 3.2.23"),
-            entry("V2.log", QByteArray("Q\0u\0e\0n\0t\0i\0n\0a\0", 16)),
-        };
-        TrafficAnonymiser anonymiser;
-        anonymiser.learn(entries);
-        QVector<TrafficEntry> result;
-        for (const TrafficEntry& original : entries) {
-            result << anonymiser.anonymised(original);
-            const QByteArray seen = result.last().file.toUtf8() + '\n' + result.last().content().value_or("gone");
-            const QStringList planted{"Zackerly", "Quentina", "987654",   "9C:1E:42",
-                                      "9C1E42",   "Q-7",      "47110815", QString(QChar(0xeb))};
-            QVERIFY2(leakIn(seen, planted).isEmpty(), seen);
-            QVERIFY(isTrafficFile(result.last().name()));
-            QVERIFY2(original.name() == "DEVLIST.XML" || result.last().content()->size() == original.content()->size(),
-                     seen);
+        const QTemporaryDir folder;
+        QStringList seen, errors;
+        const QStringList call{"--anonymise", DATA "/personal.jsonl", folder.filePath("r")};
+        QCOMPARE(Program(MERIVO_READER_PROGRAM, call).end(), QString("0 "));
+        QVERIFY(Program(MERIVO_READER_PROGRAM, call).end().startsWith("1 merivo-reader: " + folder.filePath("r: ")));
+        const auto entries = loadTraffic(folder.filePath("r"), &errors);
+        for (const TrafficEntry& entry : *entries) {
+            seen << entry.name() + '\n' + QString::fromUtf8(*entry.content());
+            QVERIFY2(leakIn(entry.file.toUtf8() + *entry.content()).isEmpty(), qPrintable(seen.last()));
         }
-        const auto text = [&](int i) {
-            return QString::fromLatin1(*result[i].content());
+        const QString serial = seen[0].section('"', 1, 1), file = seen[2].section('\n', 0, 0);
+        QVERIFY(file.startsWith('I' + serial + '_') && seen[4].contains('>' + serial + "</SERIALNR>"));
+        QVERIFY(seen[4].contains(seen[0].section(' ', 3, 3).remove(':') + "</BTADR><PATIENT_ID>0</PATIENT_ID></"));
+        QVERIFY(seen[1].contains("done\r\nResult  = " + serial + "\r\nError code -31.\r\n"));
+        QVERIFY(seen[3].endsWith("Status  = done\nResult  = " + file + "\nError code -0.\n"));
+        QVERIFY(seen[5].endsWith("\nFirmware version 3.2.23") && seen[6].split('\n').size() == 6);
+    }
+
+    void logAndTrafficKeepTheirLimits()
+    {
+        const QTemporaryDir folder;
+        for (const int most : {3, 99}) {
+            HostLog log;
+            QString all;
+            QVERIFY(log.openFile(folder.filePath("log%1").arg(most), &all, {400, most}));
+            for (int i = 100; i < 200; ++i)
+                log.write("host", "Info", QString::number(i));
+            for (const QString& path : log.files()) {
+                QVERIFY(QFileInfo(path).size() <= 400);
+                all += bytesOf(path);
+            }
+            const QStringList lines = all.split('\n'); // the last is empty
+            for (int i = 0; i < lines.size() - 1; ++i)
+                QVERIFY(lines[i].contains("\thost\t" + QString::number(i + 201 - lines.size())));
+            QVERIFY(most == 99 ? lines.size() == 101 : log.files().size() == 3);
+        }
+        const QString misc = folder.filePath("drive/MISC");
+        QVERIFY(QDir().mkpath(misc) && write(misc + "/V1.log", QByteArray(1000, 'v')));
+        TrafficKeeper keeper(folder.path(), {4000, 12000, 500, 1});
+        keeper.begin(folder.filePath("drive"));
+        QStringList names, errors;
+        for (int i = 0; i < 100; ++i) {
+            const QByteArray text = QByteArray(300, 'a') + QByteArray::number(i);
+            const auto isKept = [&] {
+                names = TrafficKeeper::recordingsIn(folder.path());
+                return !names.isEmpty() && bytesOf(folder.filePath(names.last())).contains(text);
+            };
+            QVERIFY(write(misc + "/STATUS.TXT", text) && QTest::qWaitFor(isKept));
+        }
+        QCOMPARE(names.size(), 3);
+        for (const QString& name : qAsConst(names)) {
+            const auto entries = loadTraffic(folder.filePath(name), &errors);
+            QVERIFY(entries && QFileInfo(folder.filePath(name)).size() <= 4000 && entries->at(1).filler);
+        }
+    }
+
+    void reportRepeatsTheFailureWithoutThePerson()
+    {
+        const QTemporaryDir temporary;
+        QDir folder(temporary.path());
+        const auto host = [&](const QString& arguments, const QString& before = {}) {
+            return Program("sh", {"-c", before + "exec " MERIVO_HOST_PROGRAM " " + arguments}, folder.path()).end();
         };
-        QString fault;
-        const auto pairing = parseCommandFile(*result[3].bytes, &fault);
-        QVERIFY2(pairing && result[0].bytes->endsWith("\nCommand=BTISPAIRED " + pairing->patientId.toUtf8()), "id");
-        const QString serial = pairing->serialNumber;
-        QVERIFY(text(4).endsWith("BTREAD \"" + serial + '"') && text(10).contains(">" + serial + "</SERIALNR>"));
-        QVERIFY(
-            text(10).contains(">" + QString(pairing->address).remove(':') + "</BTADR><PATIENT_ID>0</PATIENT_ID></"));
-        QCOMPARE(result[8].name().left(10), 'I' + serial + '_');
-        QVERIFY(text(6).contains("Result  = " + result[8].name() + "\nError code -0.\n"));
-        QVERIFY(text(1) != text(2) && text(1).contains("\nResult  = " + serial + "\nError code -0.\n"));
-        QVERIFY(text(2).contains("done\r\nResult  = " + serial + "\r\nError code -31.\r\n"));
-        QVERIFY(text(11).endsWith("\nFirmware version 3.2.23") && text(8) != text(9));
+        const auto failureOf = [&](const QString& user, const QStringList& readerArguments) {
+            Program reader(MERIVO_READER_PROGRAM, readerArguments + QStringList(user), folder.path());
+            reader.waitForReadyRead();
+            const QString options(" --robot=%1.steps --database=%1.db --drive=%1 --diagnostics=%1/kept");
+            const QString end = host("--plugin=" MERIVO_PLUGIN_LIBRARY + options.arg(user));
+            reader.terminate();
+            reader.waitForFinished();
+            const QStringList log = QString(bytesOf(folder.filePath(user + "/kept/host.log"))).split('\n');
+            return end + log.filter("\terr\t").replaceInStrings(QRegularExpression("^\\S+"), "").join('\n');
+        };
+        const QByteArray steps = bytesOf(DATA "/report.steps");
+        QVERIFY(folder.mkdir("merivo-jane") && folder.mkdir("b") && write(folder.filePath("merivo-jane.steps"), steps));
+        const QString failure = failureOf("merivo-jane", {"--scenario", DATA "/report.json"});
+        QVERIFY2(failure.startsWith("0 \terr\t") && failure.contains("error='32'"), qPrintable(failure));
+        const QString report = "--database=merivo-jane.db --diagnostics=merivo-jane/kept --report=";
+        QCOMPARE(host(report + "a.zip") + host(report + "p.zip --with-personal-data"), QString("0 0 "));
+        QVERIFY(!leakIn(filesOf(folder.filePath("p.zip")).join()).isEmpty()); // it finds what there is
+
+        HostDatabase database;
+        QVERIFY(database.open(folder.filePath("merivo-jane.db")));
+        const QByteArrayList files = filesOf(folder.filePath("a.zip"));
+        const QString key = QString(database.guid()).remove('-');
+        QByteArray traffic;
+        for (const QByteArray& bytes : files) {
+            QVERIFY2(leakIn(bytes, {database.guid(), key}).isEmpty(), bytes);
+            traffic = bytes.startsWith('{') ? bytes : traffic;
+        }
+        const QByteArray patient = traffic.mid(traffic.indexOf("BTISPAIRED ") + 11).split('"').first();
+        QVERIFY(files.size() == 5 && folder.remove("saved.zip") && write(folder.filePath("r"), traffic));
+        QVERIFY(write(folder.filePath("b.steps"), QByteArray(steps).replace("Q-7", patient)));
+        QCOMPARE(failureOf("b", {"--replay", "r"}), failure);
+
+        QVERIFY(host(report + "a.zip").startsWith("1 merivo-host: The report 'a.zip' wasn't written: there is a file"));
+        const QString full = host(report + "f.zip", "trap '' XFSZ; ulimit -f 1; ");
+        QVERIFY2(full.startsWith("1 ") && folder.entryList({"f.zip*"}).isEmpty(), qPrintable(full));
     }
 };
 

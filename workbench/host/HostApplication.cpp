@@ -3,19 +3,38 @@
 #include "workbench/host/HostApplication.h"
 
 #include "host/IPlugin.h"
-#include "workbench/host/HostOptions.h"
+#include "workbench/host/HostReport.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QLocale>
 #include <QStandardPaths>
+#include <QSysInfo>
+#include <QThread>
 
 namespace {
 
-/// The database of a user who names none. Its folder is made.
-QString defaultDatabase()
+/// How many hosts of one user can keep diagnostics at a time.
+constexpr int MostFolders = 9;
+const QString LogName = QStringLiteral("host.log");
+
+QString inDataFolder(const QString& name)
 {
-    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
-    folder.mkpath(QStringLiteral("."));
-    return folder.filePath(QStringLiteral("patients.sqlite"));
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).filePath(name);
+}
+
+/// The database of a user who names none.
+QString databaseOf(const HostOptions& options)
+{
+    return options.database.isEmpty() ? inDataFolder(QStringLiteral("patients.sqlite")) : options.database;
+}
+
+/// What a run without a user at the window leaves behind is for whoever runs it to say.
+QString diagnosticsFolderOf(const HostOptions& options)
+{
+    if (!options.diagnostics.isEmpty())
+        return QDir(options.diagnostics).absolutePath();
+    return options.robot.isEmpty() ? inDataFolder(QStringLiteral("diagnostics")) : QString();
 }
 
 } // namespace
@@ -28,6 +47,8 @@ HostApplication::HostApplication()
 
 HostApplication::~HostApplication()
 {
+    if (m_reportThread)
+        m_reportThread->wait();
     m_events.closeDiary();
     Q_EMIT m_events.appShutdown(IShutdownEvtPtr::create());
     m_window.hide();
@@ -35,9 +56,11 @@ HostApplication::~HostApplication()
 
 bool HostApplication::start(const HostOptions& options, QString* error)
 {
-    if (!options.log.isEmpty() && !m_log.openFile(options.log, error))
+    m_options = options;
+    if (!startDiagnostics(error))
         return false;
-    if (!m_database.open(options.database.isEmpty() ? defaultDatabase() : options.database)) {
+    QDir().mkpath(QFileInfo(inDataFolder(LogName)).path());
+    if (!m_database.open(databaseOf(options))) {
         *error = m_database.errorText();
         return false;
     }
@@ -76,4 +99,140 @@ bool HostApplication::start(const HostOptions& options, QString* error)
     m_window.refresh();
     m_window.show();
     return true;
+}
+
+bool HostApplication::startDiagnostics(QString* error)
+{
+    QObject::connect(&m_window, &HostWindow::reportRequested, &m_window,
+                     [this](const QString& path, bool withPersonalData) { writeReport(path, withPersonalData); });
+    if (!m_options.log.isEmpty() && !m_log.openFile(m_options.log, error))
+        return false;
+    const QString folder = diagnosticsFolderOf(m_options);
+    if (folder.isEmpty())
+        return true;
+    QString problem;
+    const LogLimits limits{m_options.logKib * 1024LL, m_options.logFiles};
+    if (!claimFolder(folder, &problem) ||
+        (m_options.log.isEmpty() && !m_log.openFile(QDir(m_diagnosticsFolder).filePath(LogName), &problem, limits))) {
+        m_diagnosticsFolder.clear();
+        *error = problem;
+        // Who hasn't asked for diagnostics can work without them.
+        if (m_options.diagnostics.isEmpty())
+            m_log.write(QStringLiteral("host"), QStringLiteral("Warning"), problem);
+        return m_options.diagnostics.isEmpty();
+    }
+    keepTraffic();
+    return true;
+}
+
+/// Two hosts in one folder would put each other's log aside, so the second takes a folder of its own beside it.
+bool HostApplication::claimFolder(const QString& path, QString* error)
+{
+    for (int number = 1; number <= MostFolders; ++number) {
+        const QString folder = number == 1 ? path : QStringLiteral("%1-%2").arg(path).arg(number);
+        if (!QDir().mkpath(folder))
+            break;
+        m_folderLock = std::make_unique<QLockFile>(folder + QStringLiteral("/.lock"));
+        m_folderLock->setStaleLockTime(0);
+        if (m_folderLock->tryLock()) {
+            m_diagnosticsFolder = folder;
+            return true;
+        }
+    }
+    *error = QStringLiteral("diagnostics folder '%1': it can't be made, written to, or is in use").arg(path);
+    return false;
+}
+
+/// The drive is looked at while the plug-in holds it, and left alone otherwise.
+void HostApplication::keepTraffic()
+{
+    m_trafficKeeper = std::make_unique<TrafficKeeper>(m_diagnosticsFolder, TrafficLimits());
+    QObject::connect(m_trafficKeeper.get(), &TrafficKeeper::failed, &m_log, [this](const QString& sentence) {
+        m_log.write(QStringLiteral("host"), QStringLiteral("Warning"), sentence);
+    });
+    QObject::connect(&m_pluginHost, &PluginHost::runningChanged, m_trafficKeeper.get(), [this](bool isRunning) {
+        const QString drive = m_options.simulation.isEmpty() ? m_deviceAdmin.drivePath() : m_options.simulation;
+        if (isRunning && !drive.isEmpty())
+            m_trafficKeeper->begin(drive);
+        else
+            m_trafficKeeper->end();
+    });
+}
+
+/// On a thread of its own, since the window mustn't wait for much text.
+void HostApplication::writeReport(const QString& path, bool withPersonalData)
+{
+    if (m_reportThread && m_reportThread->isRunning()) {
+        m_window.showError(QStringLiteral("A report is being written already."));
+        return;
+    }
+    m_window.showNotice(QStringLiteral("The report '%1' is being written.").arg(QDir::toNativeSeparators(path)));
+    struct Result
+    {
+        bool isSaved = false;
+        QString sentence;
+    };
+    const auto result = std::make_shared<Result>();
+    m_reportThread.reset(
+        QThread::create([report = HostReport(reportSources()), path, withPersonalData, result]() mutable {
+            result->isSaved = report.save(path, withPersonalData, &result->sentence);
+        }));
+    QObject::connect(m_reportThread.get(), &QThread::finished, &m_window, [this, result] {
+        result->isSaved ? m_window.showNotice(result->sentence) : m_window.showError(result->sentence);
+        m_log.write(QStringLiteral("host"), result->isSaved ? QStringLiteral("Info") : QStringLiteral("Error"),
+                    result->sentence);
+    });
+    m_reportThread->start();
+}
+
+bool HostApplication::saveReport(const HostOptions& options, QString* sentence)
+{
+    m_options = options;
+    m_diagnosticsFolder = diagnosticsFolderOf(options);
+    // Opening would make a new one.
+    if (QFileInfo::exists(databaseOf(options)))
+        m_database.open(databaseOf(options));
+    ReportSources sources = reportSources();
+    sources.logs.clear();
+    if (!options.log.isEmpty())
+        sources.logs.append(options.log);
+    const QStringList names =
+        QDir(m_diagnosticsFolder).entryList({LogName + QLatin1Char('*')}, QDir::Files, QDir::Name);
+    for (const QString& name : names)
+        sources.logs.prepend(QDir(m_diagnosticsFolder).filePath(name));
+    return HostReport(sources).save(options.report, options.personal, sentence);
+}
+
+ReportSources HostApplication::reportSources()
+{
+    ReportSources sources;
+    sources.logs = m_log.files();
+    sources.trafficFolder = m_diagnosticsFolder;
+    sources.personal = personalData(m_database);
+    const IPlugin* plugin = m_pluginHost.plugin();
+    sources.versions = {
+        {QStringLiteral("merivo-host"), QLatin1String(MERIVO_PLUGIN_VERSION)},
+        {QStringLiteral("plug-in"),
+         plugin ? plugin->pluginName() + QLatin1Char(' ') + plugin->version() : QStringLiteral("not loaded")},
+        {QStringLiteral("Qt"),
+         QStringLiteral("%1, built with %2").arg(QLatin1String(qVersion()), QLatin1String(QT_VERSION_STR))},
+        {QStringLiteral("system"), QSysInfo::prettyProductName()},
+        {QStringLiteral("kernel"), QSysInfo::kernelType() + QLatin1Char(' ') + QSysInfo::kernelVersion()},
+        {QStringLiteral("processor"), QSysInfo::currentCpuArchitecture()},
+        {QStringLiteral("locale"), QLocale().name()},
+    };
+    sources.settings = {
+        {QStringLiteral("database"), databaseOf(m_options)},
+        {QStringLiteral("database error"), m_database.errorText()},
+        {QStringLiteral("plug-in"), m_options.plugin.isEmpty() ? PluginHost::defaultLibrary() : m_options.plugin},
+        {QStringLiteral("drive"), m_deviceAdmin.drivePath().isEmpty() ? m_options.drive : m_deviceAdmin.drivePath()},
+        {QStringLiteral("EnableSimulation"),
+         m_options.simulation.isEmpty() ? QStringLiteral("false") : QStringLiteral("true")},
+        {QStringLiteral("SimulationPath"), m_options.simulation},
+        {QStringLiteral("log"), m_options.log},
+        {QStringLiteral("diagnostics"), m_diagnosticsFolder},
+        {QStringLiteral("log-size"), QString::number(m_options.logKib)},
+        {QStringLiteral("log-files"), QString::number(m_options.logFiles)},
+    };
+    return sources;
 }

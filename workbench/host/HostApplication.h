@@ -6,12 +6,19 @@
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"
+#include "workbench/host/HostOptions.h"
 #include "workbench/host/HostWindow.h"
 #include "workbench/host/ImportHandler.h"
 #include "workbench/host/PatientEvents.h"
 #include "workbench/host/PluginHost.h"
+#include "workbench/host/TrafficKeeper.h"
 
-struct HostOptions;
+#include <QLockFile>
+
+#include <memory>
+
+struct ReportSources;
+class QThread;
 
 /// The whole host: owns all its pieces, in the order in which they depend on each other, and starts them. The plug-in
 /// goes before all that it was given.
@@ -26,6 +33,10 @@ public:
     /// error is one sentence and nothing is shown.
     bool start(const HostOptions& options, QString* error);
 
+    /// Writes a report on earlier runs, without starting anything. The sentence tells what was written, or what was
+    /// wrong.
+    bool saveReport(const HostOptions& options, QString* sentence);
+
     HostLog& log() { return m_log; }
     HostDatabase& database() { return m_database; }
     HostDeviceAdmin& deviceAdmin() { return m_deviceAdmin; }
@@ -35,6 +46,15 @@ public:
     HostWindow& window() { return m_window; }
 
 private:
+    bool startDiagnostics(QString* error);
+    bool claimFolder(const QString& path, QString* error);
+    void keepTraffic();
+    void writeReport(const QString& path, bool withPersonalData);
+    ReportSources reportSources();
+
+    HostOptions m_options;
+    QString m_diagnosticsFolder; // empty: nothing is kept
+    std::unique_ptr<QLockFile> m_folderLock;
     HostLog m_log;
     HostDatabase m_database;
     HostDeviceAdmin m_deviceAdmin;
@@ -43,4 +63,6 @@ private:
     ExtensionPoints m_extensionPoints;
     PluginHost m_pluginHost;
     HostWindow m_window;
+    std::unique_ptr<TrafficKeeper> m_trafficKeeper;
+    std::unique_ptr<QThread> m_reportThread; // of the last report
 };

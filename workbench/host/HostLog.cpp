@@ -51,8 +51,9 @@ HostLog::HostLog(QObject* parent)
     connect(&m_showTimer, &QTimer::timeout, this, &HostLog::showWaiting);
 }
 
-bool HostLog::openFile(const QString& path, QString* error)
+bool HostLog::openFile(const QString& path, QString* error, const LogLimits& limits)
 {
+    m_limits = limits;
     m_file.setFileName(path);
     if (m_file.open(QIODevice::WriteOnly | QIODevice::Append))
         return true;
@@ -96,11 +97,37 @@ void HostLog::writeToFile(const Record& record)
     const QStringList fields{record.time.toString(Qt::ISODateWithMs), record.channel, record.source,
                              onOneLine(record.message), onOneLine(record.details)};
     const QByteArray line = fields.join(QLatin1Char('\t')).toUtf8() + '\n';
+    if (m_limits.bytes > 0 && m_file.size() > 0 && m_file.size() + line.size() > m_limits.bytes)
+        startNewFile();
     if (m_file.write(line) == line.size() && m_file.flush())
         return;
     const QString sentence = QStringLiteral("log file '%1': %2").arg(m_file.fileName(), m_file.errorString());
     m_file.close();
     Q_EMIT fileFailed(sentence);
+}
+
+/// Where a file can't be put aside, the log goes on in the one that there is: no record is lost for a limit.
+void HostLog::startNewFile()
+{
+    m_file.close();
+    QFile::remove(asidePath(m_limits.files - 1));
+    for (int number = m_limits.files - 1; number > 0; --number)
+        QFile::rename(asidePath(number - 1), asidePath(number));
+    m_file.open(QIODevice::WriteOnly | QIODevice::Append);
+}
+
+QString HostLog::asidePath(int number) const
+{
+    return number == 0 ? m_file.fileName() : m_file.fileName() + QLatin1Char('.') + QString::number(number);
+}
+
+QStringList HostLog::files() const
+{
+    QStringList paths;
+    for (int number = m_limits.bytes > 0 ? m_limits.files - 1 : 0; number >= 0; --number)
+        if (QFile::exists(asidePath(number)))
+            paths.append(asidePath(number));
+    return paths;
 }
 
 bool HostLog::contains(const QString& text) const

@@ -9,6 +9,14 @@
 #include <QTimer>
 #include <QVector>
 
+/// How long the log's file grows. A file that would grow larger is put aside as FILE.1, the one of that name as FILE.2
+/// and so on; the oldest goes.
+struct LogLimits
+{
+    qint64 bytes = 0; ///< of one file, unless one record alone is longer; 0: no limit
+    int files = 2;    ///< with the one that is written, at least 2
+};
+
 /// The host's log, as a table for the window and as lines in a file. The file holds every record, at once; the table
 /// shows what has come together a little later, and lets the oldest go when it grows long. GUI thread only.
 class HostLog final : public QAbstractTableModel
@@ -23,7 +31,9 @@ public:
     explicit HostLog(QObject* parent = nullptr);
 
     /// Appends every record from now on to that file as well, one line each. False if it can't be opened.
-    bool openFile(const QString& path, QString* error);
+    bool openFile(const QString& path, QString* error, const LogLimits& limits = {});
+    /// The files of the log, the oldest first.
+    QStringList files() const;
 
     /// One record. @p channel tells the level; details may be empty.
     void write(const QString& source, const QString& channel, const QString& message, const QStringList& details = {});
@@ -57,9 +67,12 @@ private:
 
     void showWaiting();
     void writeToFile(const Record& record);
+    void startNewFile();
+    QString asidePath(int number) const;
 
     QVector<Record> m_records;
     int m_rowCount = 0; ///< how many of them the table shows; the others wait for the timer
     QTimer m_showTimer;
     QFile m_file;
+    LogLimits m_limits;
 };

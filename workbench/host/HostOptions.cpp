@@ -28,7 +28,29 @@ constexpr ValueOption ValueOptions[] = {
     {"robot", "STEPS", "Do the steps of this file as a user would, and end.", &HostOptions::robot},
     {"pictures", "FOLDER", "Folder for the robot's pictures; made if there is none. Default: the current one.",
      &HostOptions::pictures},
-    {"log", "FILE", "Append the host's log to this file.", &HostOptions::log},
+    {"log", "FILE", "Append the host's log to this file, without a limit.", &HostOptions::log},
+    {"diagnostics", "FOLDER",
+     "Keep the log and the last traffic of the drive here. Default: a folder in the user's data folder; with --robot "
+     "none.",
+     &HostOptions::diagnostics},
+    {"report", "FILE", "Write log, versions, settings and the last traffic to this archive, and end.",
+     &HostOptions::report},
+};
+
+struct NumberOption
+{
+    const char* name;
+    const char* valueName;
+    const char* description;
+    int least;
+    int most;
+    int HostOptions::*value;
+};
+
+constexpr NumberOption NumberOptions[] = {
+    {"log-size", "KIB", "Size of a log file at which a new one is begun. Default: 1024.", 1, 1024 * 1024,
+     &HostOptions::logKib},
+    {"log-files", "COUNT", "Number of log files that are kept. Default: 5.", 2, 99, &HostOptions::logFiles},
 };
 
 /// Fills the parser in the order of the help text.
@@ -38,6 +60,11 @@ void addOptions(QCommandLineParser& parser)
     for (const ValueOption& option : ValueOptions)
         parser.addOption(
             {QLatin1String(option.name), QLatin1String(option.description), QLatin1String(option.valueName)});
+    for (const NumberOption& option : NumberOptions)
+        parser.addOption(
+            {QLatin1String(option.name), QLatin1String(option.description), QLatin1String(option.valueName)});
+    parser.addOption({QStringLiteral("with-personal-data"),
+                      QStringLiteral("With --report: leave names, ids and serial numbers as they are.")});
     parser.addOption({QStringLiteral("json"), QStringLiteral("Write the robot's steps as JSON, one object a line.")});
     parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")});
     parser.addOption({{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Show the version.")});
@@ -57,6 +84,19 @@ HostOptions HostOptions::parse(const QStringList& arguments, QString* error)
     options.help = parser.isSet(QStringLiteral("help"));
     options.version = parser.isSet(QStringLiteral("version"));
     options.json = parser.isSet(QStringLiteral("json"));
+    options.personal = parser.isSet(QStringLiteral("with-personal-data"));
+    for (const NumberOption& option : NumberOptions) {
+        const QString name = QLatin1String(option.name);
+        if (!parser.isSet(name))
+            continue;
+        bool isNumber = false;
+        options.*option.value = parser.value(name).toInt(&isNumber);
+        if (!isNumber || options.*option.value < option.least || options.*option.value > option.most)
+            *error = QStringLiteral("--%1: '%2' isn't a whole number from %3 to %4")
+                         .arg(name, parser.value(name), QString::number(option.least), QString::number(option.most));
+        else if (parser.isSet(QStringLiteral("log")))
+            *error = QStringLiteral("--%1 is for the log of the diagnostics, so --log excludes it").arg(name);
+    }
     for (const ValueOption& option : ValueOptions) {
         const QString name = QLatin1String(option.name);
         options.*option.value = parser.value(name);
@@ -69,6 +109,9 @@ HostOptions HostOptions::parse(const QStringList& arguments, QString* error)
         *error = QStringLiteral("unexpected argument '%1'").arg(parser.positionalArguments().constFirst());
     else if (options.robot.isEmpty() && (options.json || !options.pictures.isEmpty()))
         *error = QStringLiteral("--json and --pictures need --robot");
+    else if (options.report.isEmpty() ? options.personal : !options.robot.isEmpty())
+        *error = options.personal ? QStringLiteral("--with-personal-data needs --report")
+                                  : QStringLiteral("--report and --robot exclude each other");
     else if (!options.drive.isEmpty() && !options.simulation.isEmpty())
         *error = QStringLiteral("--drive and --simulation exclude each other");
     // A name that Qt doesn't know gives the C locale.

@@ -13,6 +13,7 @@
 #include "workbench/host/PatientDialog.h"
 #include "workbench/host/PatientEvents.h"
 #include "workbench/host/PluginHost.h"
+#include "workbench/host/ReportDialog.h"
 
 #include <QCloseEvent>
 #include <QDir>
@@ -115,6 +116,7 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     connect(deletePatientButton, &QPushButton::clicked, deletePatientAction, &QAction::trigger);
     connect(openDiaryButton, &QPushButton::clicked, openDiaryAction, &QAction::trigger);
     connect(closeDiaryButton, &QPushButton::clicked, closeDiaryAction, &QAction::trigger);
+    connect(saveReportAction, &QAction::triggered, this, &HostWindow::askForReport);
     connect(quitAction, &QAction::triggered, this, &QWidget::close);
     connect(aboutAction, &QAction::triggered, this, [this] {
         const IPlugin* plugin = m_pluginHost.plugin();
@@ -193,6 +195,13 @@ void HostWindow::runComponent(IComponent* component)
 {
     m_pluginHost.run(component, this);
     refreshStatus();
+}
+
+void HostWindow::askForReport()
+{
+    ReportDialog dialog(this);
+    if (dialog.exec() == QDialog::Accepted)
+        Q_EMIT reportRequested(dialog.path(), dialog.withPersonalData());
 }
 
 void HostWindow::addPatient()

@@ -38,12 +38,17 @@ public:
     void showError(const QString& sentence);
     void showNotice(const QString& sentence);
 
+Q_SIGNALS:
+    /// The user wants a report in that file.
+    void reportRequested(const QString& path, bool withPersonalData);
+
 protected:
     /// Keeps the window open while the plug-in runs.
     void closeEvent(QCloseEvent* event) override;
 
 private:
     void setUpTables();
+    void askForReport();
     void addPatient();
     void editPatient();
     void deletePatient();

@@ -75,7 +75,7 @@ int main(int argc, char** argv)
     if (!options.robot.isEmpty() && !script.load(options.robot, &error))
         return report(Failure, error);
     if (Platform::isWithoutDisplay()) {
-        if (options.robot.isEmpty())
+        if (options.robot.isEmpty() && options.report.isEmpty())
             return report(Failure, QStringLiteral("there is no display for the window"));
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
@@ -95,6 +95,12 @@ int main(int argc, char** argv)
     HostApplication host;
     for (const QString& text : qAsConst(earlyMessages))
         host.log().write(QStringLiteral("Qt"), QStringLiteral("Warning"), text);
+    if (!options.report.isEmpty()) {
+        const bool isSaved = host.saveReport(options, &error);
+        if (isSaved)
+            std::fprintf(stdout, "%s\n", qPrintable(error));
+        return isSaved ? Success : report(Failure, error);
+    }
     hostLog = &host.log();
     const auto forgetLog = qScopeGuard([] { hostLog = nullptr; });
     if (!host.start(options, &error))

@@ -13,12 +13,13 @@ namespace {
 /// No word that is also a person's name, and none of a single letter but the first one of an exchange file's name.
 const char* const Words =
     "abort aborted about adapter add after again all already an and another answer answers app application are as "
-    "assigned at away base battery be been before begin being birthday boot btadr btdeleteaddr btispaired btpair "
+    "assigned at away base battery be been before begin being birthday boot box btadr btdeleteaddr btispaired btpair "
     "btpairconfirm btpumpreassign btread bus busy but by byte bytes can cancel canceled canceling changed check class "
     "cleared closed cmd code command commandfile component confirm connect connected connection connections "
     "continued controller count created cygnara damaged data database db decline deprecated detected device devicelist "
     "devicereader devices devlist diagnostics dialog diary directory disabled disk dispose done drive dropped due "
     "during empty enabled encoding end ended err error exchange executed execution exists extension failed failure "
+    "false "
     "file files finished finishing firmware folder for found free from full further gone guid had handed hardware "
     "has have held hold holds host id if import imported in info information initialized inside installed instance "
     "interface into is isn it its known larger left length library limit line linear list loaded loader lock locked "
@@ -31,8 +32,10 @@ const char* const Words =
     "root running sanvio saved schema search searching sec secs serial serialnr serves session set settings simulation "
     "size snapshot snr so some source space sqlite start started state status stop stopped stored submitted succeeded "
     "such support system takes temporary than that the them then there this time timeout timeouts to too took trace "
+    "translation translations translator "
     "trigger true txt type unable unfinished unknown unplugged unstarted unsupported up update usb utf value verified "
-    "version waiting warning was when which while window with within word write written wrong xml cdata doctype I C";
+    "version waiting warning was when which while window with within word write written wrong writer catalog xml cdata "
+    "doctype I C";
 
 constexpr int HeadLength = 4;
 constexpr int LongestNumber = 3;

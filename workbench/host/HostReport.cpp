@@ -1,0 +1,190 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/host/HostReport.h"
+
+#include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostDates.h"
+#include "workbench/host/TrafficKeeper.h"
+#include "workbench/reader/TrafficAnonymiser.h"
+
+#include <KZip>
+
+#include <QDate>
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+#include <QSysInfo>
+
+#include <optional>
+
+namespace {
+
+/// Of one log file; more than the rotating ones hold.
+constexpr qint64 MostOfALog = qint64(8) * 1024 * 1024;
+constexpr int LogFields = 5;
+
+QByteArray linesOf(const QVector<QPair<QString, QString>>& pairs, Anonymiser* words)
+{
+    QString text;
+    for (const auto& [name, value] : pairs)
+        // A setting that is a number alone is nobody's.
+        text += name + QLatin1String(": ") + (words && value.toInt() == 0 ? words->scrub(value) : value) +
+                QLatin1Char('\n');
+    return text.toUtf8();
+}
+
+/// The last lines of a file; nothing if it can't be read.
+std::optional<QByteArray> endOf(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    if (file.size() > MostOfALog && file.seek(file.size() - MostOfALog))
+        file.readLine();
+    return file.readAll();
+}
+
+/// Of a log's line the time stays, and what the programs write themselves.
+QByteArray anonymisedLog(const QByteArray& log, Anonymiser& words)
+{
+    QStringList lines = QString::fromUtf8(log.constData(), log.size()).split(QLatin1Char('\n'));
+    for (QString& line : lines) {
+        const QString time = line.section(QLatin1Char('\t'), 0, 0);
+        const bool isRecord =
+            line.count(QLatin1Char('\t')) == LogFields - 1 && QDateTime::fromString(time, Qt::ISODateWithMs).isValid();
+        line = isRecord ? time + words.scrub(line.mid(time.size())) : words.scrub(line, Anonymiser::Numbers::Hide);
+    }
+    return lines.join(QLatin1Char('\n')).toUtf8();
+}
+
+QByteArray recordingOf(const QVector<TrafficEntry>& entries, TrafficAnonymiser& anonymiser)
+{
+    QByteArray lines;
+    for (const TrafficEntry& entry : entries)
+        lines += trafficLine(anonymiser.anonymised(entry));
+    return lines;
+}
+
+} // namespace
+
+QStringList personalData(HostDatabase& database)
+{
+    // The GUID is part of the key of the files' MACs.
+    QStringList values{QSysInfo::machineHostName(), QDir::home().dirName(), database.guid()};
+    if (database.path().isEmpty())
+        return values;
+    const QVector<PatientRecord> patients = database.patients();
+    for (const PatientRecord& patient : patients) {
+        values += patient.ids + QStringList(patient.puid);
+        const QDate birthday = QDate::fromString(patient.ids.value(2), Qt::ISODate);
+        if (birthday.isValid())
+            values.append(shownDate(birthday));
+        const QVector<ImportFacts> imports = database.imports(patient.puid);
+        for (const ImportFacts& facts : imports)
+            values.append(facts.mac);
+    }
+    return values;
+}
+
+QVector<HostReport::Member> HostReport::members(bool withPersonalData)
+{
+    TrafficAnonymiser anonymiser;
+    Anonymiser* words = withPersonalData ? nullptr : &anonymiser.words();
+    m_missing.clear();
+
+    // All that is to be hidden is told before the first text is looked at.
+    QMap<QString, QVector<TrafficEntry>> recordings;
+    const QDir traffic(m_sources.trafficFolder);
+    const QStringList names =
+        m_sources.trafficFolder.isEmpty() ? QStringList() : TrafficKeeper::recordingsIn(m_sources.trafficFolder);
+    if (words) {
+        for (const QString& value : m_sources.personal)
+            words->know(value);
+        for (const QString& name : names) {
+            QStringList errors;
+            const auto entries = loadTraffic(traffic.filePath(name), &errors);
+            if (entries)
+                recordings.insert(name, *entries);
+            else
+                m_missing.append(name + QLatin1String(" (damaged, so what is personal in it can't be told)"));
+            anonymiser.learn(recordings.value(name));
+        }
+    }
+
+    QVector<Member> result;
+    for (const QString& path : m_sources.logs) {
+        const QString name = QFileInfo(path).fileName();
+        const auto bytes = endOf(path);
+        if (!bytes) {
+            m_missing.append((words ? words->scrub(name) : name) + QLatin1String(" (can't be read)"));
+            continue;
+        }
+        // The file's name may be the user's own.
+        const QString number = m_sources.logs.size() > 1 ? QStringLiteral("-%1").arg(result.size() + 1) : QString();
+        result.append({QStringLiteral("log/host%1.log").arg(number), QStringLiteral("log of the host and the plug-in"),
+                       words ? anonymisedLog(*bytes, *words) : *bytes});
+    }
+    for (const QString& name : names) {
+        const bool isSound = recordings.contains(name);
+        if (words && !isSound)
+            continue;
+        result.append({QStringLiteral("traffic/") + name,
+                       QStringLiteral("traffic of one run; play it with merivo-reader --replay"),
+                       words ? recordingOf(recordings.take(name), anonymiser)
+                             : endOf(traffic.filePath(name)).value_or(QByteArray())});
+    }
+    result.append(
+        {QStringLiteral("versions.txt"), QStringLiteral("programs and system"), linesOf(m_sources.versions, nullptr)});
+    result.append({QStringLiteral("settings.txt"), QStringLiteral("what the host runs with"),
+                   linesOf(m_sources.settings, words)});
+    return result;
+}
+
+QByteArray HostReport::contents(const QVector<Member>& members, bool withPersonalData) const
+{
+    QString text =
+        QStringLiteral("Report of merivo-host, %1\n\n%2\n\n")
+            .arg(QDateTime::currentDateTime().toString(Qt::ISODate),
+                 withPersonalData ? QStringLiteral("It HOLDS PERSONAL DATA: names, ids, serial numbers, paths.")
+                                  : QStringLiteral("Personal data is replaced: the same word by the same other word."));
+    for (const Member& member : members)
+        text += QStringLiteral("%1  %2 bytes  %3\n").arg(member.name).arg(member.bytes.size()).arg(member.purpose);
+    text += QStringLiteral("\nNot in it: the patient database, its GUID, keys, the bytes of large exchange files%1.\n")
+                .arg(withPersonalData ? QString() : QStringLiteral(" or of any other"));
+    for (const QString& missing : m_missing)
+        text += QStringLiteral("Missing: %1\n").arg(missing);
+    return text.toUtf8();
+}
+
+bool HostReport::save(const QString& path, bool withPersonalData, QString* sentence)
+{
+    const auto refuse = [&](const QString& what) {
+        *sentence = QStringLiteral("The report '%1' wasn't written: %2.").arg(QDir::toNativeSeparators(path), what);
+        return false;
+    };
+    if (QFileInfo::exists(path))
+        return refuse(QStringLiteral("there is a file or folder of that name"));
+    if (!QFileInfo(QFileInfo(path).path()).isDir())
+        return refuse(QStringLiteral("there is no such folder"));
+    // Writes beside the file and moves it there at the end.
+    KZip archive(path);
+    if (!archive.open(QIODevice::WriteOnly))
+        return refuse(archive.errorString());
+    const QVector<Member> parts = members(withPersonalData);
+    bool isWhole = archive.writeFile(QStringLiteral("contents.txt"), contents(parts, withPersonalData));
+    for (auto part = parts.cbegin(); isWhole && part != parts.cend(); ++part)
+        isWhole = archive.writeFile(part->name, part->bytes);
+    const QString error = archive.errorString();
+    const bool isMoved = archive.close();
+    if (!isWhole || !isMoved) {
+        QFile::remove(path);
+        return refuse(error.isEmpty() ? archive.errorString() : error);
+    }
+    *sentence = QStringLiteral("The report '%1' was written: %2 files, %3; %4.")
+                    .arg(QDir::toNativeSeparators(path), QString::number(parts.size() + 1),
+                         QLocale::c().formattedDataSize(QFileInfo(path).size()),
+                         withPersonalData ? QStringLiteral("it holds personal data")
+                                          : QStringLiteral("personal data is replaced"));
+    return true;
+}
