@@ -21,8 +21,8 @@ namespace {
 
 using Nanoseconds = qint64;
 
-constexpr Nanoseconds Second = 1000 * 1000 * 1000;
-constexpr Nanoseconds Millisecond = 1000 * 1000;
+constexpr Nanoseconds Second = 1000LL * 1000 * 1000;
+constexpr Nanoseconds Millisecond = 1000LL * 1000;
 constexpr Nanoseconds Reading = 1000;
 constexpr Nanoseconds Never = std::numeric_limits<Nanoseconds>::max();
 /// So long, in real time, a thread may be between two waits before the clock goes on without it.
