@@ -192,8 +192,12 @@ void MainDialog::openAddDialog()
 {
     if (endedWithSession())
         return;
-    PumpAddDialog dialog(m_services, m_database, m_simulationPath, nullptr);
-    const int result = dialog.exec();
+    int result = QDialog::Rejected;
+    {
+        // Gone ahead of the read dialog, or it would tell a second time of a reader that falls silent there.
+        PumpAddDialog dialog(m_services, m_database, m_simulationPath, nullptr);
+        result = dialog.exec();
+    }
     if (endedWithSession())
         return;
     refresh();

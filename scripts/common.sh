@@ -14,7 +14,7 @@ fail() {
 
 build_packages=(cmake g++ ninja-build qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev
                 libqt5xmlpatterns5-dev libqt5sql5-sqlite libkf5archive-dev fonts-dejavu-core)
-check_packages=("${build_packages[@]}" binutils clang-format clang-tidy git)
+check_packages=("${build_packages[@]}" binutils clang-format clang-tidy git python3)
 
 # install_missing PACKAGE...: installs by apt-get what dpkg doesn't know as installed, and says what.
 install_missing() {

@@ -21,6 +21,8 @@ const int LookEveryMs = 10;
 /// the time that a busy writer may need between the two.
 const int LooksForGood = 2;
 const int LooksForBad = 10;
+/// On a busy computer the notification of a write can come when its command has been taken already.
+const int LateNoticeMs = 300;
 /// A few ticks of whoever polls the status.
 const int HalfStatusMs = 250;
 
@@ -236,7 +238,8 @@ void ReaderDrive::onFileChanged(const QString& path)
     if (path.endsWith(ReaderNames::Trigger)) {
         m_triggered = true;
         lookAtTrigger();
-    } else {
+    } else if (!m_sinceTaken.isValid() || m_sinceTaken.hasExpired(LateNoticeMs) ||
+               FileStamp::of(path) != m_commandStamp) {
         m_quietLooks = 0;
         m_commandTaken = false;
     }
@@ -303,6 +306,7 @@ void ReaderDrive::lookAtCommand()
     QString fault;
     if (m_quietLooks >= (parseCommandFile(bytes, &fault) ? LooksForGood : LooksForBad)) {
         m_commandTaken = true;
+        m_sinceTaken.start();
         Q_EMIT commandWritten(bytes);
     }
 }

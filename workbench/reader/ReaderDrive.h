@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QFileSystemWatcher>
 #include <QHash>
 #include <QLockFile>
@@ -139,5 +140,6 @@ private:
     FileStamp m_commandStamp;
     QByteArray m_commandBytes;
     int m_quietLooks = 0;
+    QElapsedTimer m_sinceTaken;
     bool m_commandTaken = true;
 };

@@ -1,0 +1,230 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "faults/Weather.h"
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <ctime>
+#include <mutex>
+
+namespace {
+
+using Nanoseconds = qint64;
+constexpr Nanoseconds Second = 1000000000;
+
+std::atomic<double> speed{1};
+std::atomic<Nanoseconds> wallShift{0};
+std::function<void(const QByteArray&)> openingAction;
+enum Watch : char { Unwatched, Watched, Full };
+std::array<std::atomic<char>, 4096> watches{}; // by file descriptor
+std::mutex mutex;                              // for the rest
+QByteArray spoiledPath;
+Weather::Failure spoiledBy = Weather::Open;
+int spoiledTurn = -1;
+int operations = 0;
+int failures = 0;
+Nanoseconds speedSince = 0; // of the real clock
+Nanoseconds leadThen = 0;
+
+/// The C library's own function of that name.
+template <class Function>
+Function* behind(Function*, const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+#define BEHIND(name) static auto* const real = behind(&(name), #name)
+
+bool fails(Weather::Failure failure)
+{
+    const std::lock_guard lock(mutex);
+    if (spoiledTurn < 0 || spoiledBy != failure || (++operations != spoiledTurn && spoiledTurn > 0))
+        return false;
+    ++failures;
+    if (failure == Weather::Kill)
+        raise(SIGKILL);
+    return true;
+}
+
+bool isMeant(const char* path)
+{
+    const std::lock_guard lock(mutex);
+    return spoiledTurn >= 0 && QByteArray::fromRawData(path, int(qstrlen(path))).startsWith(spoiledPath);
+}
+
+std::atomic<char>& watchOf(int file)
+{
+    static std::atomic<char> none{Unwatched};
+    return file >= 0 && std::size_t(file) < watches.size() ? watches[std::size_t(file)] : none;
+}
+
+int failWith(int error)
+{
+    errno = error;
+    return -1;
+}
+
+/// Hands all of what is to be written to @p put, a part or nothing.
+template <class Put>
+ssize_t written(int file, size_t size, Put put)
+{
+    if (watchOf(file) == Unwatched)
+        return put(size);
+    fails(Weather::Kill);
+    if (watchOf(file) == Full || fails(Weather::Write))
+        return failWith(ENOSPC);
+    if (!fails(Weather::NoSpace))
+        return put(size);
+    watchOf(file) = Full;
+    return put(size / 2);
+}
+
+Nanoseconds realTime(clockid_t id)
+{
+    BEHIND(clock_gettime);
+    timespec time{};
+    real(id, &time);
+    return time.tv_sec * Second + time.tv_nsec;
+}
+
+/// How far the clocks of the process are ahead of the real ones. The mutex is held.
+Nanoseconds lead()
+{
+    return leadThen + Nanoseconds(double(realTime(CLOCK_MONOTONIC) - speedSince) * (speed - 1));
+}
+
+} // namespace
+
+void Weather::spoil(Failure failure, int nth, const QByteArray& path)
+{
+    const std::lock_guard lock(mutex);
+    spoiledPath = path;
+    spoiledBy = failure;
+    spoiledTurn = path.isEmpty() ? -1 : nth;
+    operations = 0;
+    failures = 0;
+}
+
+int Weather::spoiled()
+{
+    const std::lock_guard lock(mutex);
+    return failures;
+}
+
+void Weather::onOpening(const std::function<void(const QByteArray&)>& action)
+{
+    openingAction = action;
+}
+
+void Weather::setSpeed(double factor)
+{
+    const std::lock_guard lock(mutex);
+    leadThen = lead();
+    speedSince = realTime(CLOCK_MONOTONIC);
+    speed = factor;
+}
+
+void Weather::shiftWallClock(qint64 seconds)
+{
+    wallShift += seconds * Second;
+}
+
+extern "C" {
+
+int open64(const char* path, int flags, ...)
+{
+    BEHIND(open64);
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (openingAction)
+        openingAction(path);
+    const bool meant = isMeant(path);
+    if (meant && fails(Weather::Open))
+        return failWith(EIO);
+    const int file = real(path, flags, mode);
+    watchOf(file) = meant ? Watched : Unwatched;
+    return file;
+}
+
+ssize_t read(int file, void* bytes, size_t size)
+{
+    BEHIND(read);
+    const bool isWatched = watchOf(file) != Unwatched;
+    if (isWatched && fails(Weather::Read))
+        return failWith(EIO);
+    const ssize_t got = real(file, bytes, size);
+    return got > 0 && isWatched && fails(Weather::CutRead) ? got / 2 : got;
+}
+
+ssize_t write(int file, const void* bytes, size_t size)
+{
+    BEHIND(write);
+    return written(file, size, [&](size_t part) { return real(file, bytes, part); });
+}
+
+ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t at)
+{
+    BEHIND(pwrite64);
+    return written(file, size, [&](size_t part) { return real(file, bytes, part, at); });
+}
+
+int close(int file)
+{
+    BEHIND(close);
+    const bool isFailing = watchOf(file).exchange(Unwatched) != Unwatched && fails(Weather::Close);
+    const int result = real(file);
+    return isFailing ? failWith(EIO) : result;
+}
+
+DIR* opendir(const char* path)
+{
+    BEHIND(opendir);
+    if (!isMeant(path) || !fails(Weather::List))
+        return real(path);
+    errno = EIO;
+    return nullptr;
+}
+
+int clock_gettime(clockid_t id, timespec* time)
+{
+    const std::lock_guard lock(mutex);
+    const bool isWall = id == CLOCK_REALTIME;
+    const Nanoseconds ahead = isWall || id == CLOCK_MONOTONIC ? lead() : 0;
+    const Nanoseconds all = realTime(id) + ahead + (isWall ? wallShift.load() : 0);
+    *time = {all / Second, all % Second};
+    return 0;
+}
+
+int gettimeofday(timeval* time, void*)
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    *time = {now.tv_sec, now.tv_nsec / 1000};
+    return 0;
+}
+
+int poll(pollfd* files, nfds_t count, int timeout)
+{
+    BEHIND(poll);
+    return real(files, count, timeout > 0 ? int(timeout / speed) + 1 : timeout);
+}
+
+int nanosleep(const timespec* time, timespec* rest)
+{
+    BEHIND(nanosleep);
+    const auto all = Nanoseconds(double(time->tv_sec * Second + time->tv_nsec) / speed);
+    const timespec part{all / Second, all % Second};
+    return real(&part, rest);
+}
+}

@@ -1,0 +1,192 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "faults/Weather.h"
+#include "host/IComponent.h"
+#include "workbench/host/HostApplication.h"
+#include "workbench/host/HostOptions.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMessageBox>
+#include <QMetaEnum>
+#include <QPushButton>
+#include <QSocketNotifier>
+#include <QTableView>
+#include <QTimer>
+
+#include <unistd.h>
+
+#include <cstdio>
+
+int runStaleDrive(int commands);
+
+namespace {
+
+void tell(const QJsonObject& object)
+{
+    std::puts(QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
+    std::fflush(stdout);
+}
+
+/// The host of this process, steered by lines on standard input: a verb, and a value behind a blank. Tells on standard
+/// output, one JSON object a line each, of what can be pressed in the window in front whenever that changes, of each
+/// press ahead of it, of each record that the log gets, and of the end of a run of the plug-in.
+class SteeredHost final : public QObject
+{
+public:
+    explicit SteeredHost(HostApplication& host)
+        : m_host(host)
+    {
+        connect(&m_input, &QSocketNotifier::activated, this, &SteeredHost::readOrders);
+        connect(&m_timer, &QTimer::timeout, this, &SteeredHost::look);
+        connect(&host.log(), &HostLog::rowsInserted, this, [this](const QModelIndex&, int row, int last) {
+            for (; row <= last; ++row)
+                tell({{"record", m_host.log().index(row, HostLog::MessageColumn).data().toString()}});
+        });
+        m_timer.start(30);
+    }
+
+private:
+    void readOrders();
+    void obey(const QString& verb, const QString& value);
+    void runPlugin();
+    void press(const QString& name);
+    void look();
+
+    HostApplication& m_host;
+    QSocketNotifier m_input{STDIN_FILENO, QSocketNotifier::Read};
+    QTimer m_timer;
+    QByteArray m_orders;
+    QMap<QString, QPointer<QWidget>> m_choices;
+    QJsonObject m_seen;
+};
+
+void SteeredHost::readOrders()
+{
+    char bytes[4096];
+    const auto size = ::read(STDIN_FILENO, bytes, sizeof bytes);
+    if (size <= 0)
+        QCoreApplication::quit();
+    m_orders.append(bytes, int(size));
+    for (int end = m_orders.indexOf('\n'); end >= 0; end = m_orders.indexOf('\n')) {
+        const QString order = QString::fromUtf8(m_orders.left(end));
+        m_orders.remove(0, end + 1);
+        // Not from here: an order can begin a loop, in which the next must be read.
+        QTimer::singleShot(0, this, [this, order] { obey(order.section(' ', 0, 0), order.section(' ', 1)); });
+    }
+}
+
+void SteeredHost::obey(const QString& verb, const QString& value)
+{
+    static const QStringList failures{"open", "read", "cut-read", "write", "no-space", "close", "list", "kill"};
+    HostDatabase& database = m_host.database();
+    if (const int failure = failures.indexOf(verb); failure >= 0)
+        Weather::spoil(Weather::Failure(failure), value.section(' ', 0, 0).toInt(),
+                       value.section(' ', 1).toLocal8Bit());
+    else if (verb == "run")
+        runPlugin();
+    else if (verb == "press")
+        press(value);
+    else if (verb == "speed")
+        Weather::setSpeed(value.toDouble());
+    else if (verb == "clock")
+        Weather::shiftWallClock(value.toInt());
+    else if (verb == "add")
+        database.addPatient({value, {"Name", value}});
+    else if (verb == "change" && database.changePatient({value, {"Other", value}}))
+        m_host.events().publishChanged({value, {"Other", value}});
+    else if (verb == "delete" && database.removePatient(value))
+        m_host.events().publishDeleted(value);
+    else if (verb == "diary" && value.isEmpty())
+        m_host.events().closeDiary();
+    else if (verb == "diary")
+        m_host.events().openDiary({value, {"Name", value}});
+    else if (verb == "swap")
+        Weather::onOpening([nth = value.toInt()](const QByteArray& path) mutable {
+            if (path.contains("/MISC/I") && --nth == 0)
+                if (QFile file(path); file.open(QIODevice::Append))
+                    file.write("changed");
+        });
+    else
+        qFatal("can't do '%s %s': %s", qPrintable(verb), qPrintable(value), qPrintable(database.errorText()));
+}
+
+void SteeredHost::runPlugin()
+{
+    IComponent* component = m_host.pluginHost().components().constFirst();
+    // A second run beside the first is begun as by a host that leaves its entry open.
+    if (m_host.pluginHost().isRunning()) {
+        component->execute(&m_host.window());
+        return;
+    }
+    m_host.pluginHost().run(component, &m_host.window());
+    const int spoiled = Weather::spoiled();
+    Weather::spoil(Weather::Open, 0, {});
+    Weather::onOpening({});
+    look();
+    tell({{"ended", true}, {"spoiled", spoiled}});
+}
+
+/// By the names of buttons, of standard buttons, and of the cells in a table's first column.
+void SteeredHost::look()
+{
+    static const QMetaEnum standard = QMetaEnum::fromType<QDialogButtonBox::StandardButtons>();
+    m_choices.clear();
+    QJsonObject seen;
+    if (QWidget* window = QApplication::activeModalWidget()) {
+        for (auto* button : window->findChildren<QPushButton*>()) {
+            const auto* box = qobject_cast<QDialogButtonBox*>(button->parentWidget());
+            if (button->isVisible() && button->isEnabled())
+                m_choices[box ? standard.valueToKey(box->standardButton(button)) : button->objectName()] = button;
+        }
+        if (auto* table = window->findChild<QTableView*>(); table && table->isVisible())
+            for (int row = 0; row < table->model()->rowCount(); ++row)
+                m_choices[table->model()->index(row, 0).data().toString()] = table;
+        const auto* box = qobject_cast<QMessageBox*>(window);
+        const auto* label = window->findChild<QLabel*>("m_pumpAssignLabel");
+        seen = {{"window", box ? "box" : window->objectName()},
+                {"text", box     ? box->windowTitle() + ": " + box->text()
+                         : label ? label->text()
+                                 : ""},
+                {"choices", QJsonArray::fromStringList(m_choices.keys())}};
+    }
+    if (seen != m_seen)
+        tell({{"seen", seen}});
+    m_seen = seen;
+}
+
+void SteeredHost::press(const QString& name)
+{
+    look();
+    tell({{"pressed", name}});
+    QWidget* widget = m_choices.value(name);
+    if (auto* button = qobject_cast<QPushButton*>(widget)) {
+        button->click();
+    } else if (auto* table = qobject_cast<QTableView*>(widget)) {
+        const QModelIndexList cells = table->model()->match(table->model()->index(0, 0), Qt::DisplayRole, name);
+        table->setCurrentIndex(cells.value(0));
+        Q_EMIT table->clicked(cells.value(0));
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == "--stale-drive")
+        return runStaleDrive(arguments.value(2).toInt());
+    QString error;
+    const HostOptions options = HostOptions::parse(arguments, &error);
+    HostApplication host;
+    if (!error.isEmpty() || !host.start(options, &error))
+        qFatal("%s", qPrintable(error));
+    const SteeredHost steered(host);
+    return QApplication::exec();
+}
