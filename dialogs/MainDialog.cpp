@@ -165,16 +165,10 @@ void MainDialog::onPairedPumpQueryNotExecuted()
         LmMessageBox box(QMessageBox::Question,
                          tr("Merivo Connections", "Message box title used in communication error/warning messages"),
                          text, QMessageBox::Yes | QMessageBox::No, nullptr);
-        if (box.exec() != QMessageBox::Yes) {
+        if (box.exec() != QMessageBox::Yes)
             QDialog::reject();
-            // The command still goes out while the dialog closes.
-            queryPairedPump();
-            return;
-        }
     }
-    // Until a pump is known the dialog can't be closed, and no pump dialog is open to hear of a silent reader.
-    connect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout,
-            Qt::QueuedConnection);
+    // Also after a No: the command still goes out while the dialog closes.
     queryPairedPump();
 }
 
