@@ -24,7 +24,7 @@ constexpr qint64 LongestList = 8LL * 1024 * 1024;
 int readableSize(const QByteArray& list)
 {
     constexpr int MostQuotes = 200; // two for an attribute; from one tag's begin to the next
-    constexpr int MostNamespaces = 16;
+    constexpr int MostNamespaces = 256;
     int tag = 0;
     bool isInTag = false;
     char open = 0; // the quote that a value stands in
@@ -70,10 +70,6 @@ void parseInterface(QXmlStreamReader& xml, DeviceInfo& device)
             device.btAddress = xml.readElementText();
         } else if (xml.name() == QLatin1String("PATIENT_ID")) {
             const QString id = xml.readElementText();
-            // What was read ahead of a fault may be another patient's id. Without one the pump counts as assigned to
-            // nobody, which a user can put right.
-            if (xml.hasError())
-                return;
             // The reader's word for "none" is exactly one zero.
             device.patientId = id == QLatin1String("0") ? QString() : id;
             device.paired = !device.patientId.isEmpty();

@@ -18,6 +18,6 @@ struct DeviceInfo
 Q_DECLARE_METATYPE(DeviceInfo)
 
 /// Reads the reader's list of pumps, all of them and in the file's order. A missing file or another root gives an empty
-/// list; a broken file gives the records ahead of the fault, the last of them with what was read of it, but never with
-/// a part of a patient's id. Writes the number of records to the log. GUI thread, after a SEARCH has ended.
+/// list; a broken file gives the records ahead of the fault, the last of them with what was read of it. Writes the
+/// number of records to the log. GUI thread, after a SEARCH has ended.
 QList<DeviceInfo> readDeviceList(const QString& directory, const QString& fileName);

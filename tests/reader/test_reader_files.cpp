@@ -259,17 +259,13 @@ private Q_SLOTS:
         // As deep as no stack is, for a parser that would call itself.
         const QByteArray deep = QByteArray("<X>").repeated(1000000);
         row("deep", deep + QByteArray("</X>").repeated(1000000) + "<INTERFACE>" + deep, {"||||free"});
-        const QByteArray id = "<INTERFACE><BTADR>B</BTADR><PATIENT_ID>P"; // shortened, it may be another patient's
-        for (const char* fault : {"&bogus;", "\x01", "<X/>", "</"})
-            row(fault, id + fault + "1</PATIENT_ID>", {"B||||free"});
-        row("id of zeros", id + QByteArray(9, '\0') + "1</PATIENT_ID>", {"B||||free"});
         // What would keep the XML reader busy for minutes ends the list.
         const QByteArray next = "<NAME>n</NAME></DEVICE><DEVICE";
         QByteArray attributes;
         for (int i = 0; i < 200; ++i)
             attributes += " a" + QByteArray::number(i) + "=''";
         row("attributes", next + attributes + '>', {"||n||free"});
-        row("name spaces", next + '>' + QByteArray("<a xmlns='c'/>").repeated(20) + "<NAME>m",
+        row("name spaces", next + '>' + QByteArray("<a xmlns='c'/>").repeated(300) + "<NAME>m",
             {"||n||free", "||||free"});
         row("too long", next + "><!--" + QByteArray(8 << 20, ' ') + "--></DEVICE><DEVICE>", {"||n||free", "||||free"});
         QTest::newRow("declarations") << "<!DOCTYPE D [<!ENTITY a 'b'>]>" + Devices.mid(21) << QStringList();
@@ -294,7 +290,7 @@ private Q_SLOTS:
             QCOMPARE(devices.size(), cut.count("<DEVICE>"));
             const QStringList texts = devices.join('|').split('|');
             for (const QByteArray text : {"B1", "S1", "P1", "S2", "Second"})
-                QCOMPARE(texts.contains(text), cut.contains(text + (text == "P1" ? "</PATIENT_ID>" : "<")));
+                QCOMPARE(texts.contains(text), cut.contains(text + '<'));
             for (const QString& text : texts) // whole or not at all
                 QVERIFY(QString("|B1|S1|Sanvio Merivo|P1|paired||S2|Second|free|").contains('|' + text + '|'));
         }
