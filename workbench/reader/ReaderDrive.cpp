@@ -21,8 +21,6 @@ const int LookEveryMs = 10;
 /// the time that a busy writer may need between the two.
 const int LooksForGood = 2;
 const int LooksForBad = 10;
-/// On a busy computer the notification of a write can come when its command has been taken already.
-const int LateNoticeMs = 300;
 /// A few ticks of whoever polls the status.
 const int HalfStatusMs = 250;
 

@@ -15,6 +15,9 @@
 
 #include <memory>
 
+/// On a busy computer the system's notification of a write can come so late that the write has been seen already.
+constexpr int LateNoticeMs = 300;
+
 /// When and how large a file was last seen; two equal stamps mean that nobody has written it in between.
 struct FileStamp
 {

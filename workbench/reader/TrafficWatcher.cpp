@@ -122,7 +122,8 @@ void TrafficWatcher::lookAtFile(const QString& name)
             return;
         bytes = source.readAll();
     }
-    const bool hasChanged = stamp != seen.stamp || bytes != seen.bytes || m_written.contains(path);
+    const bool isLate = seen.isTold && m_clock.elapsed() - seen.toldMs < LateNoticeMs;
+    const bool hasChanged = stamp != seen.stamp || bytes != seen.bytes || (m_written.contains(path) && !isLate);
     seen.isTold = seen.isTold && !hasChanged;
     seen.stamp = stamp;
     seen.bytes = bytes;
@@ -157,6 +158,7 @@ bool TrafficWatcher::tell(const QString& name)
             return false;
         bytes = source.readAll();
     }
+    m_seen[name].toldMs = m_clock.elapsed();
     tell(ReaderNames::Folder + QLatin1Char('/') + name, bytes);
     return true;
 }

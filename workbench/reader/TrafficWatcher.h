@@ -38,6 +38,7 @@ private:
         FileStamp stamp;
         QByteArray bytes; // of a small file
         bool isTold = false;
+        qint64 toldMs = 0; // if it is told
     };
 
     void look();
