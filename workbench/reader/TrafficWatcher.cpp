@@ -23,6 +23,17 @@ bool isWrittenInSteps(const QString& name)
     return name == ReaderNames::Command || QDir::match(ReaderNames::ExchangeFilter, name);
 }
 
+QByteArray wordOfCommand(const QByteArray& commandFile)
+{
+    return commandFile.mid(commandFile.indexOf('=') + 1).split(' ').first().trimmed();
+}
+
+bool speaksOf(const QByteArray& status, const QByteArray& word)
+{
+    constexpr int LabelLength = 4;
+    return status.split('\n').value(1).mid(LabelLength).trimmed().compare(word, Qt::CaseInsensitive) == 0;
+}
+
 } // namespace
 
 TrafficWatcher::TrafficWatcher(const QString& drivePath, QObject* parent)
@@ -132,9 +143,16 @@ void TrafficWatcher::lookAtFile(const QString& name)
         return;
     // A reader can be quicker than a command rests here, and what it answers comes after the command all the same. The
     // end of a read-out vouches for the exchange file.
-    if (name != ReaderNames::Command)
+    if (name != ReaderNames::Command && !(name == ReaderNames::Status && isLateAnswer(bytes)))
         tellPending(name == ReaderNames::Status && !isRunning(bytes));
     m_seen[name].isTold = tell(name);
+}
+
+/// Whether a status answers the command that was told last, seen only when the next one had been written too.
+bool TrafficWatcher::isLateAnswer(const QByteArray& status) const
+{
+    const Seen command = m_seen.value(ReaderNames::Command);
+    return !command.isTold && speaksOf(status, m_lastWord) && !speaksOf(status, wordOfCommand(command.bytes));
 }
 
 /// Tells the command that doesn't rest yet, at the end also the exchange files.
@@ -159,6 +177,8 @@ bool TrafficWatcher::tell(const QString& name)
         bytes = source.readAll();
     }
     m_seen[name].toldMs = m_clock.elapsed();
+    if (name == ReaderNames::Command)
+        m_lastWord = wordOfCommand(bytes);
     tell(ReaderNames::Folder + QLatin1Char('/') + name, bytes);
     return true;
 }

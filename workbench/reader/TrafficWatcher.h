@@ -44,6 +44,7 @@ private:
     void look();
     void lookAtTrigger();
     void lookAtFile(const QString& name);
+    bool isLateAnswer(const QByteArray& status) const;
     void tellPending(bool isEnd);
     bool tell(const QString& name);
     void tell(const QString& file, const std::optional<QByteArray>& bytes);
@@ -55,5 +56,6 @@ private:
     QTimer m_timer;
     QElapsedTimer m_clock;
     FileStamp m_trigger;
+    QByteArray m_lastWord; // of the command that was told last
     QHash<QString, Seen> m_seen;
 };
