@@ -7,6 +7,23 @@
 #include <algorithm>
 #include <cmath>
 
+namespace {
+
+/// A field's name as a message tells it: in JSON's own quotes and escapes unless it is a plain word, as a message of a
+/// field named ": " couldn't be taken apart.
+QString shownName(const QString& name)
+{
+    const bool isWord = !name.isEmpty() && std::all_of(name.cbegin(), name.cend(), [](QChar c) {
+        return c.isLetterOrNumber() || c == QLatin1Char('_') || c == QLatin1Char('-');
+    });
+    if (isWord)
+        return name;
+    const QByteArray list = QJsonDocument(QJsonArray{name}).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(list.mid(1, list.size() - 2));
+}
+
+} // namespace
+
 JsonFields::JsonFields(const QJsonValue& value, const QString& path, QStringList* errors)
     : m_path(path)
     , m_object(value.toObject())
@@ -19,7 +36,7 @@ JsonFields::JsonFields(const QJsonValue& value, const QString& path, QStringList
 
 QString JsonFields::pathOf(const QString& name) const
 {
-    const QString shown = name.isEmpty() ? QStringLiteral("\"\"") : name;
+    const QString shown = shownName(name);
     return m_path.isEmpty() ? shown : m_path + QLatin1Char('.') + shown;
 }
 
