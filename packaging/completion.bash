@@ -24,7 +24,9 @@ _merivo()
 
     if [[ $option =~ ^--[a-z-]+$ ]]; then
         value=$(sed -n "s/^  .*$option <\([^>]*\)>.*/\1/p" <<<"$help")
-    elif [[ $cur != -* && $help == *$'\nArguments:\n'* ]]; then
+    fi
+    # Also behind an option that takes no value.
+    if [[ -z $value && $cur != -* && $help == *$'\nArguments:\n'* ]]; then
         value=FOLDER # of the reader's drive
     fi
     case $value in
