@@ -3,6 +3,7 @@
 # Shared by the scripts of this folder; sourced, not run.
 
 set -euo pipefail
+called_from=$PWD
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
@@ -15,6 +16,14 @@ fail() {
 build_packages=(cmake g++ ninja-build qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev
                 libqt5xmlpatterns5-dev libqt5sql5-sqlite libkf5archive-dev fonts-dejavu-core)
 check_packages=("${build_packages[@]}" binutils clang-format clang-tidy git python3)
+
+# from_caller PATH: what the caller means by a path, which may be relative to where the script was called from.
+from_caller() {
+    case $1 in
+    /*) printf '%s\n' "$1" ;;
+    *) printf '%s\n' "$called_from/$1" ;;
+    esac
+}
 
 # install_missing PACKAGE...: installs by apt-get what dpkg doesn't know as installed, and says what.
 install_missing() {
