@@ -25,7 +25,7 @@ namespace {
 struct Size
 {
     int mebibytes;
-    int roundsFactor; ///< a small file is quickly done, and needs more rounds for a steady median
+    int roundsFactor; ///< a small file is quickly done, and needs more rounds to have an undisturbed one
 };
 
 constexpr std::array<Size, 3> Sizes{{{1, 10}, {8, 4}, {64, 1}}};

@@ -206,6 +206,8 @@ public:
             std::printf("Memory after run %d, compared with run %d: %+lld KiB, wanted: at most %lld\n", m_runs, WarmRun,
                         growth, AllowedGrowthKiB);
             kept = kept && growth <= AllowedGrowthKiB;
+        } else {
+            std::printf("Memory isn't compared in fewer than %d runs\n", WarmRun + 1);
         }
         std::printf("%s\n", kept ? "kept" : "NOT KEPT");
         return kept;
