@@ -6,6 +6,8 @@
 #include "fuzz/Drive.h"
 #include "reader/DeviceList.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace {
@@ -23,6 +25,91 @@ bool isPlain(const QByteArray& bytes)
     return std::none_of(std::begin(others), std::end(others),
                         [&bytes](const QByteArray& other) { return bytes.contains(other); }) &&
            bytes.lastIndexOf("<?") <= 0;
+}
+
+/// The field of a record that stands in an element of this path, if it is one.
+QString* fieldAt(const QStringList& path, DeviceInfo& device)
+{
+    const QString place = path.mid(2).join(QLatin1Char('/'));
+    if (path.mid(0, 2) != QStringList({QStringLiteral("DEVICELIST"), QStringLiteral("DEVICE")}))
+        return nullptr;
+    if (place == QLatin1String("NAME"))
+        return &device.deviceName;
+    if (place == QLatin1String("SERIALNR"))
+        return &device.serialNumber;
+    if (place == QLatin1String("INTERFACE/BTADR"))
+        return &device.btAddress;
+    return place == QLatin1String("INTERFACE/PATIENT_ID") ? &device.patientId : nullptr;
+}
+
+/// A second reading, of tags without attributes and of printable texts: the records that end ahead of anything else.
+struct PlainReading
+{
+    QList<DeviceInfo> devices;
+    bool isWhole = false; ///< there is nothing else in the list
+};
+
+PlainReading plainReading(const QByteArray& bytes)
+{
+    static const QRegularExpression head(QStringLiteral("^<\\?xml version=\"1.0\"( encoding=\"UTF-8\")?\\?>"));
+    static const QRegularExpression token(
+        QStringLiteral("\\G(?:<(?<begun>[A-Z_]+)(?<empty>/?)>|</(?<ended>[A-Z_]+)>|[ -%'-;=?-~\n]+)"));
+    const QString text = QString::fromUtf8(bytes);
+    PlainReading reading;
+    DeviceInfo device;
+    QStringList path;
+    int place = head.match(text).capturedEnd();
+    for (place = std::max(place, 0); place < text.size() && !reading.isWhole;) {
+        const QRegularExpressionMatch match = token.match(text, place);
+        if (!match.hasMatch())
+            return reading;
+        place = match.capturedEnd();
+        const QString begun = match.captured(QStringLiteral("begun"));
+        QString ended = match.captured(QStringLiteral("ended"));
+        if (!begun.isEmpty()) {
+            if ((path.isEmpty() && begun != QLatin1String("DEVICELIST")) || fieldAt(path, device))
+                return reading;
+            path.append(begun);
+            if (path.size() == 2)
+                device = {};
+            if (QString* field = fieldAt(path, device))
+                field->clear();
+            if (!match.captured(QStringLiteral("empty")).isEmpty())
+                ended = begun;
+        } else if (ended.isEmpty()) {
+            if (path.isEmpty() && !match.captured().trimmed().isEmpty())
+                return reading;
+            if (QString* field = fieldAt(path, device))
+                field->append(match.captured());
+        }
+        if (ended.isEmpty())
+            continue;
+        if (path.isEmpty() || path.last() != ended)
+            return reading;
+        if (path.size() == 2 && ended == QLatin1String("DEVICE")) {
+            if (device.deviceName == QLatin1String("Cygnara"))
+                device.deviceName = QStringLiteral("Sanvio Merivo");
+            if (device.patientId == QLatin1String("0"))
+                device.patientId.clear();
+            device.paired = !device.patientId.isEmpty();
+            reading.devices.append(device);
+        }
+        path.removeLast();
+        reading.isWhole = path.isEmpty();
+    }
+    return reading;
+}
+
+/// Whatever stands behind them, the records that a plain list begins with are there.
+void checkPlain(const QList<DeviceInfo>& devices, const QByteArray& bytes)
+{
+    // Bytes that are no text can cost the records just ahead of them, and many name spaces end a list.
+    if (QString::fromUtf8(bytes).toUtf8() != bytes || bytes.count("xmlns") > 256)
+        return;
+    const PlainReading plain = plainReading(bytes);
+    require(devices.size() >= plain.devices.size() && (!plain.isWhole || devices.size() == plain.devices.size()) &&
+                std::equal(plain.devices.cbegin(), plain.devices.cend(), devices.cbegin(), areEqual),
+            "a second reading of what is plain gives the same");
 }
 
 void checkDevice(const DeviceInfo& device, const QByteArray& bytes)
@@ -48,6 +135,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(devices.size() <= std::max(bytes.count("DEVICE") - 1, 0), "a record for a DEVICE at most");
     for (const DeviceInfo& device : devices)
         checkDevice(device, bytes);
+    checkPlain(devices, bytes);
 
     // Wherever a list breaks off, what stood ahead of the last element that it still has is as before.
     const auto place = static_cast<int>(qHash(bytes) % static_cast<uint>(bytes.size() + 1));
@@ -55,6 +143,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QList<DeviceInfo> fewer = readDeviceList(drive.misc(), name);
     for (int i = 0; i < std::min(devices.size(), fewer.size()) - 1; ++i)
         require(areEqual(devices.at(i), fewer.at(i)), "a break changes nothing ahead of it");
+    checkPlain(fewer, bytes.left(place));
     for (const DeviceInfo& device : fewer)
         checkDevice(device, bytes.left(place));
     return 0;
