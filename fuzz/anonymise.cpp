@@ -5,11 +5,15 @@
 
 #include "fuzz/Drive.h"
 #include "workbench/reader/ReaderCommand.h"
+#include "workbench/reader/ReaderDrive.h"
 #include "workbench/reader/Traffic.h"
 #include "workbench/reader/TrafficAnonymiser.h"
 
 #include <QHash>
 #include <QRegularExpression>
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -30,17 +34,30 @@ private:
     QHash<QString, QString> m_back;
 };
 
-/// The values of the commands, which are a patient's and pumps' own.
+/// The values of the commands and of the device lists, which are a patient's and pumps' own, as far as nothing else can
+/// look like them: they have a letter and a digit, and neither blanks nor other marks.
 QStringList secretsOf(const QVector<TrafficEntry>& entries)
 {
-    QStringList secrets;
+    static const QRegularExpression value(QStringLiteral("<(?:NAME|SERIALNR|BTADR|PATIENT_ID)>([^<>&]*)</"));
+    static const QRegularExpression distinct(
+        QStringLiteral("^(?=.*[A-Za-z])(?=.*[0-9])[A-Za-z0-9][A-Za-z0-9-]{4,}[A-Za-z0-9]\\z"));
+    QStringList values;
     for (const TrafficEntry& entry : entries) {
+        if (!entry.bytes || entry.bytes->contains('\0'))
+            continue;
         QString fault;
         const auto command =
-            entry.isCommand() && entry.bytes ? parseCommandFile(*entry.bytes, &fault) : std::optional<ReaderCommand>();
+            entry.isCommand() ? parseCommandFile(*entry.bytes, &fault) : std::optional<ReaderCommand>();
         if (command)
-            secrets += {command->serialNumber, command->patientId};
+            values += {command->serialNumber, command->address, command->patientId};
+        if (entry.name() != ReaderNames::DeviceList)
+            continue;
+        for (auto found = value.globalMatch(QString::fromLatin1(*entry.bytes)); found.hasNext();)
+            values += found.next().captured(1);
     }
+    QStringList secrets;
+    std::copy_if(values.cbegin(), values.cend(), std::back_inserter(secrets),
+                 [](const QString& text) { return distinct.match(text).hasMatch() && !Anonymiser::isPlain(text); });
     return secrets;
 }
 
@@ -69,12 +86,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(other.isTrigger() || isTrafficFile(other.name()), "a file stays the reader's");
         require((other.bytes || other.filler) == (entry.bytes || entry.filler), "a file is there or gone");
         files.add(entry.file, other.file);
-        const QString shown = QString::fromUtf8(trafficLine(other));
-        for (const QString& secret : secrets) {
-            static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9]{6,}$"));
-            if (plain.match(secret).hasMatch() && !Anonymiser::isPlain(secret))
-                require(!shown.contains(secret), "no pump and no patient shows");
-        }
+        const QByteArray content = other.bytes.value_or(QByteArray());
+        const QString shown =
+            other.file + QLatin1Char('\n') + QString::fromLatin1(content.constData(), content.size()); // zeros too
+        for (const QString& secret : secrets)
+            require(!shown.contains(secret, Qt::CaseInsensitive), "no pump and no patient shows");
     }
     return 0;
 }

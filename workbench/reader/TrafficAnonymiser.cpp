@@ -176,8 +176,9 @@ QString TrafficAnonymiser::command(const QString& text)
     const QString given = text.mid(at + mark.size());
     const QString word = given.section(QLatin1Char(' '), 0, 0);
     const QString rest = given.mid(word.size());
-    const bool hasConstant = word == QLatin1String("SEARCH") || word == QLatin1String("BTPAIRCONFIRM");
-    return marksOf(text.left(at)) + mark + marksOf(word) + (hasConstant ? rest : m_words.hide(rest));
+    static const QStringList Constants = {QStringLiteral("SEARCH 00100"), QStringLiteral("BTPAIRCONFIRM 0"),
+                                          QStringLiteral("BTPAIRCONFIRM 1")};
+    return marksOf(text.left(at)) + mark + marksOf(word) + (Constants.contains(given) ? rest : m_words.hide(rest));
 }
 
 QString TrafficAnonymiser::status(const QString& text)
@@ -204,6 +205,7 @@ QString TrafficAnonymiser::status(const QString& text)
             const int code = line.lastIndexOf(QLatin1Char('-')) + 1;
             bool isNumber = false;
             line.midRef(code).chopped(std::min(1, line.size() - code)).toInt(&isNumber);
+            isNumber = isNumber && !line.back().isLetterOrNumber(); // or it is one word with what stands before it
             line =
                 marksOf(line.left(code)) + (isNumber ? line.mid(code) : m_words.scrub(line.mid(code), Numbers::Hide));
         } else {
