@@ -13,7 +13,7 @@
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
-#include "reader/StatusFileParser.h"
+#include "reader/RunEnd.h"
 #include "toolkit/LmIcons.h"
 #include "toolkit/LmMessageBox.h"
 #include "toolkit/LmWidgets.h"
@@ -87,16 +87,14 @@ void MainDialog::prepareReader()
     }
 
     CommandFileWriter::instance()->abort();
-    connect(parser, &StatusFileParser::finished, this, &MainDialog::onPrepareFinished, Qt::QueuedConnection);
+    awaitRunEnd(this, &MainDialog::onPrepareFinished);
     parser->start(QueryTimeoutSec, 0, 0);
 }
 
 void MainDialog::onPrepareFinished(bool success)
 {
-    StatusFileParser* parser = StatusFileParser::instance();
-    disconnect(parser, &StatusFileParser::finished, this, &MainDialog::onPrepareFinished);
+    const CommandStatus status = takeRunEnd(this, &MainDialog::onPrepareFinished).status;
 
-    const CommandStatus status = parser->m_lastStatus.status;
     if (!success)
         logFailure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: not executed."));
     else if (status == CommandStatus::Done)
@@ -113,24 +111,21 @@ void MainDialog::queryPairedPump()
 {
     if (endedWithSession())
         return;
-    StatusFileParser* parser = StatusFileParser::instance();
-    connect(parser, &StatusFileParser::finished, this, &MainDialog::onPairedPumpQueryFinished, Qt::QueuedConnection);
+    awaitRunEnd(this, &MainDialog::onPairedPumpQueryFinished);
     PatientSession::instance()->setPump({}, {});
     CommandFileWriter::instance()->isPaired(PatientSession::instance()->patientId());
     ++m_queryCount;
-    parser->start(QueryTimeoutSec, 0, 0);
+    StatusFileParser::instance()->start(QueryTimeoutSec, 0, 0);
     refresh();
 }
 
 void MainDialog::onPairedPumpQueryFinished(bool success)
 {
-    StatusFileParser* parser = StatusFileParser::instance();
     // From the first answer on a silent reader is the business of the pump dialogs.
-    disconnect(parser, &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout);
-    disconnect(parser, &StatusFileParser::finished, this, &MainDialog::onPairedPumpQueryFinished);
+    disconnect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout);
+    const StatusRecord record = takeRunEnd(this, &MainDialog::onPairedPumpQueryFinished);
     if (endedWithSession())
         return;
-    const StatusRecord record = parser->m_lastStatus;
 
     if (!success) {
         onPairedPumpQueryNotExecuted();

@@ -6,7 +6,7 @@
 #include "dialogs/DialogHeader.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
-#include "reader/StatusFileParser.h"
+#include "reader/RunEnd.h"
 #include "toolkit/LmMessageBox.h"
 #include "workflows/AddPumpControl.h"
 
@@ -212,19 +212,18 @@ void PumpAddDialog::stopSearch()
     m_DialogButtonBox->setEnabled(false);
     // A report that is still on its way must not offer "Stop" again.
     disconnect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
-    StatusFileParser* parser = StatusFileParser::instance();
-    parser->cancel();
+    StatusFileParser::instance()->cancel();
     CommandFileWriter::instance()->abort();
-    QTimer::singleShot(PauseAfterAbortMs, this, [this, parser] {
-        connect(parser, &StatusFileParser::finished, this, &PumpAddDialog::onAbortFinished, Qt::QueuedConnection);
-        parser->start(20, 10, 5);
+    QTimer::singleShot(PauseAfterAbortMs, this, [this] {
+        awaitRunEnd(this, &PumpAddDialog::onAbortFinished);
+        StatusFileParser::instance()->start(20, 10, 5);
     });
 }
 
 void PumpAddDialog::onAbortFinished(bool success)
 {
     m_busyMovie.stop();
-    disconnect(StatusFileParser::instance(), &StatusFileParser::finished, this, &PumpAddDialog::onAbortFinished);
+    takeRunEnd(this, &PumpAddDialog::onAbortFinished);
     connect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
     if (!success)
         warn(tr("Something is wrong with the devicereader. Please reconnect it to the PC."));

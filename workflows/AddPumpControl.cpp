@@ -8,7 +8,7 @@
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
-#include "reader/StatusFileParser.h"
+#include "reader/RunEnd.h"
 
 #include <QSet>
 
@@ -35,22 +35,10 @@ AddPumpControl::AddPumpControl(IServices* services, IDatabase* database, QObject
     , m_database(database)
 {}
 
-void AddPumpControl::awaitEnd(Handler handler)
-{
-    connect(StatusFileParser::instance(), &StatusFileParser::finished, this, handler, Qt::QueuedConnection);
-}
-
-StatusRecord AddPumpControl::takeEnd(Handler handler)
-{
-    StatusFileParser* parser = StatusFileParser::instance();
-    disconnect(parser, &StatusFileParser::finished, this, handler);
-    return parser->m_lastStatus;
-}
-
 void AddPumpControl::startPairingSearch()
 {
     StatusFileParser* parser = StatusFileParser::instance();
-    awaitEnd(&AddPumpControl::onPairingSearchFinished);
+    awaitRunEnd(this, &AddPumpControl::onPairingSearchFinished);
     connect(parser, &StatusFileParser::progress, this, &AddPumpControl::onPairingSearchProgress, Qt::QueuedConnection);
     onPairingSearchProgress(0);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing search."));
@@ -67,7 +55,7 @@ void AddPumpControl::onPairingSearchFinished(bool success)
 {
     disconnect(StatusFileParser::instance(), &StatusFileParser::progress, this,
                &AddPumpControl::onPairingSearchProgress);
-    const StatusRecord record = takeEnd(&AddPumpControl::onPairingSearchFinished);
+    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onPairingSearchFinished);
 
     if (!success) {
         logFailure(QStringLiteral("=!= [Add Controller] Pairing search failed."));
@@ -138,7 +126,7 @@ void AddPumpControl::startPairing(int row)
         return;
     const DeviceInfo& device = m_devices.at(row);
     m_serialNumber = device.serialNumber;
-    awaitEnd(&AddPumpControl::onPairingProcessFinished);
+    awaitRunEnd(this, &AddPumpControl::onPairingProcessFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing process: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->pair(device.btAddress, m_serialNumber, PatientSession::instance()->patientId());
     StatusFileParser::instance()->start(120, 0, 0);
@@ -146,7 +134,7 @@ void AddPumpControl::startPairing(int row)
 
 void AddPumpControl::onPairingProcessFinished(bool success)
 {
-    const StatusRecord record = takeEnd(&AddPumpControl::onPairingProcessFinished);
+    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onPairingProcessFinished);
     const int status = int(record.status);
 
     if (!success) {
@@ -166,7 +154,7 @@ void AddPumpControl::onPairingProcessFinished(bool success)
 
 void AddPumpControl::startPairingConfirm(bool confirm)
 {
-    awaitEnd(confirm ? &AddPumpControl::onPairingConfirmFinished : &AddPumpControl::onPairingDeclineFinished);
+    awaitRunEnd(this, confirm ? &AddPumpControl::onPairingConfirmFinished : &AddPumpControl::onPairingDeclineFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing confirm: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->confirmPairing(confirm);
     StatusFileParser::instance()->start(60, 0, 0);
@@ -174,7 +162,7 @@ void AddPumpControl::startPairingConfirm(bool confirm)
 
 void AddPumpControl::onPairingConfirmFinished(bool success)
 {
-    const StatusRecord record = takeEnd(&AddPumpControl::onPairingConfirmFinished);
+    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onPairingConfirmFinished);
     const int status = int(record.status);
 
     if (!success) {
@@ -198,7 +186,7 @@ void AddPumpControl::onPairingConfirmFinished(bool success)
 
 void AddPumpControl::onPairingDeclineFinished(bool success)
 {
-    const StatusRecord record = takeEnd(&AddPumpControl::onPairingDeclineFinished);
+    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onPairingDeclineFinished);
 
     if (!success) {
         logFailure(QStringLiteral("=!= [Add Controller] Pairing decline failed."));
@@ -215,7 +203,7 @@ void AddPumpControl::startReassign(int row)
     if (row < 0 || row >= m_devices.size())
         return;
     m_serialNumber = m_devices.at(row).serialNumber;
-    awaitEnd(&AddPumpControl::onReassignFinished);
+    awaitRunEnd(this, &AddPumpControl::onReassignFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start Reassign process: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->reassign(m_serialNumber, PatientSession::instance()->patientId());
     StatusFileParser::instance()->start(30, 0, 0);
@@ -223,7 +211,7 @@ void AddPumpControl::startReassign(int row)
 
 void AddPumpControl::onReassignFinished(bool success)
 {
-    const StatusRecord record = takeEnd(&AddPumpControl::onReassignFinished);
+    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onReassignFinished);
     const int status = int(record.status);
 
     if (!success) {

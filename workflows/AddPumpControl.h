@@ -11,7 +11,6 @@
 
 class IDatabase;
 class IServices;
-struct StatusRecord;
 
 /// Ties a pump to the open patient: a search, then either a pairing and the user's verdict on its code, or a
 /// reassignment of a pump that the reader has paired to another patient. Clears the reader's pairings with patients who
@@ -66,11 +65,6 @@ Q_SIGNALS:
     void pumpAssigned();
 
 private:
-    using Handler = void (AddPumpControl::*)(bool success);
-
-    void awaitEnd(Handler handler);
-    StatusRecord takeEnd(Handler handler);
-
     void onPairingSearchProgress(int percentage);
     void onPairingSearchFinished(bool success);
     void onPairingProcessFinished(bool success);

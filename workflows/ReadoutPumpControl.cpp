@@ -7,7 +7,7 @@
 #include "reader/CommandFileWriter.h"
 #include "reader/DeviceList.h"
 #include "reader/ErrorHandler.h"
-#include "reader/StatusFileParser.h"
+#include "reader/RunEnd.h"
 #include "toolkit/LmMessageBox.h"
 
 #include <QDir>
@@ -20,19 +20,16 @@ ReadoutPumpControl::ReadoutPumpControl(QObject* parent)
 
 void ReadoutPumpControl::startSearching(const QString& serialNumber)
 {
-    StatusFileParser* parser = StatusFileParser::instance();
-    connect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onSearchingFinished, Qt::QueuedConnection);
+    awaitRunEnd(this, &ReadoutPumpControl::onSearchingFinished);
     m_serialNumber = serialNumber;
     logTrace(QStringLiteral("<== [Read Controller] Start searching: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->search();
-    parser->start(20, 0, 0);
+    StatusFileParser::instance()->start(20, 0, 0);
 }
 
 void ReadoutPumpControl::onSearchingFinished(bool success)
 {
-    StatusFileParser* parser = StatusFileParser::instance();
-    disconnect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onSearchingFinished);
-    const StatusRecord record = parser->m_lastStatus;
+    const StatusRecord record = takeRunEnd(this, &ReadoutPumpControl::onSearchingFinished);
 
     // A cancelled search is told as such, whatever the run's outcome.
     if (record.status == CommandStatus::Canceled) {
@@ -74,7 +71,7 @@ void ReadoutPumpControl::onSearchingFinished(bool success)
 void ReadoutPumpControl::startReadout(const QString& serialNumber)
 {
     StatusFileParser* parser = StatusFileParser::instance();
-    connect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onReadoutFinished, Qt::QueuedConnection);
+    awaitRunEnd(this, &ReadoutPumpControl::onReadoutFinished);
     connect(parser, &StatusFileParser::progress, this, &ReadoutPumpControl::onReadoutProgress, Qt::QueuedConnection);
     // Ahead of the new serial number: the opening report still carries the earlier one.
     onReadoutProgress(0);
@@ -91,10 +88,8 @@ void ReadoutPumpControl::onReadoutProgress(int percentage)
 
 void ReadoutPumpControl::onReadoutFinished(bool success)
 {
-    StatusFileParser* parser = StatusFileParser::instance();
-    const StatusRecord record = parser->m_lastStatus;
-    disconnect(parser, &StatusFileParser::progress, this, &ReadoutPumpControl::onReadoutProgress);
-    disconnect(parser, &StatusFileParser::finished, this, &ReadoutPumpControl::onReadoutFinished);
+    disconnect(StatusFileParser::instance(), &StatusFileParser::progress, this, &ReadoutPumpControl::onReadoutProgress);
+    const StatusRecord record = takeRunEnd(this, &ReadoutPumpControl::onReadoutFinished);
 
     if (record.status == CommandStatus::Canceled) {
         logFailure(QStringLiteral("=!= [Read Controller] Readout canceled: error='%1'.").arg(record.error));

@@ -6,7 +6,7 @@
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
-#include "reader/StatusFileParser.h"
+#include "reader/RunEnd.h"
 
 RemovePumpControl::RemovePumpControl(QObject* parent)
     : QObject(parent)
@@ -14,19 +14,16 @@ RemovePumpControl::RemovePumpControl(QObject* parent)
 
 void RemovePumpControl::startRemoving()
 {
-    StatusFileParser* parser = StatusFileParser::instance();
-    connect(parser, &StatusFileParser::finished, this, &RemovePumpControl::onRemovingFinished, Qt::QueuedConnection);
+    awaitRunEnd(this, &RemovePumpControl::onRemovingFinished);
     const QString serialNumber = PatientSession::instance()->pumpSerialNumber();
     logTrace(QStringLiteral("<== [Remove Controller] Start removing: snr='%1'.").arg(serialNumber));
     CommandFileWriter::instance()->deleteAddress(serialNumber);
-    parser->start(20, 0, 0);
+    StatusFileParser::instance()->start(20, 0, 0);
 }
 
 void RemovePumpControl::onRemovingFinished(bool success)
 {
-    StatusFileParser* parser = StatusFileParser::instance();
-    disconnect(parser, &StatusFileParser::finished, this, &RemovePumpControl::onRemovingFinished);
-    const StatusRecord record = parser->m_lastStatus;
+    const StatusRecord record = takeRunEnd(this, &RemovePumpControl::onRemovingFinished);
 
     if (!success) {
         logFailure(QStringLiteral("=!= [Remove Controller] Removing failed."));
