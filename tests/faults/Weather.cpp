@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstdarg>
 #include <ctime>
+#include <memory>
 #include <mutex>
 
 namespace {
@@ -24,10 +25,10 @@ constexpr Nanoseconds Second = 1000000000;
 
 std::atomic<double> speed{1};
 std::atomic<Nanoseconds> wallShift{0};
-std::function<void(const QByteArray&)> openingAction;
 enum Watch : char { Unwatched, Watched, Full };
 std::array<std::atomic<char>, 4096> watches{}; // by file descriptor
 std::mutex mutex;                              // for the rest
+std::shared_ptr<const Weather::OpeningAction> openingAction;
 QByteArray spoiledPath;
 Weather::Failure spoiledBy = Weather::Open;
 int spoiledTurn = -1;
@@ -35,6 +36,8 @@ int operations = 0;
 int failures = 0;
 Nanoseconds speedSince = 0; // of the real clock
 Nanoseconds leadThen = 0;
+/// The main thread, and the plug-in's: it alone opens the trigger file.
+thread_local bool isSpoilt = getpid() == gettid();
 
 /// The C library's own function of that name.
 template <class Function>
@@ -58,7 +61,16 @@ bool fails(Weather::Failure failure)
 bool isMeant(const char* path)
 {
     const std::lock_guard lock(mutex);
-    return spoiledTurn >= 0 && QByteArray::fromRawData(path, int(qstrlen(path))).startsWith(spoiledPath);
+    const auto name = QByteArray::fromRawData(path, int(qstrlen(path)));
+    isSpoilt = isSpoilt || name.endsWith("/MISCNoCommand.txt");
+    return isSpoilt && spoiledTurn >= 0 && name.startsWith(spoiledPath);
+}
+
+/// To be called without the mutex: it opens files on its own.
+std::shared_ptr<const Weather::OpeningAction> currentOpeningAction()
+{
+    const std::lock_guard lock(mutex);
+    return openingAction;
 }
 
 std::atomic<char>& watchOf(int file)
@@ -120,9 +132,11 @@ int Weather::spoiled()
     return failures;
 }
 
-void Weather::onOpening(const std::function<void(const QByteArray&)>& action)
+void Weather::onOpening(const OpeningAction& action)
 {
-    openingAction = action;
+    auto next = action ? std::make_shared<const OpeningAction>(action) : nullptr;
+    const std::lock_guard lock(mutex);
+    openingAction.swap(next);
 }
 
 void Weather::setSpeed(double factor)
@@ -147,8 +161,8 @@ int open64(const char* path, int flags, ...)
     va_start(arguments, flags);
     const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    if (openingAction)
-        openingAction(path);
+    if (const auto action = currentOpeningAction())
+        (*action)(path);
     const bool meant = isMeant(path);
     if (meant && fails(Weather::Open))
         return failWith(EIO);

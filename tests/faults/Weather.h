@@ -12,13 +12,15 @@
 namespace Weather {
 enum Failure { Open, Read, CutRead, Write, NoSpace, Close, List, Kill };
 
-/// The @p nth such operation on paths that begin with @p path fails, or each for 0. A cut read ends in the middle, a
+/// The @p nth such operation of the main or the plug-in's thread on paths that begin with @p path fails, or each for 0;
+/// the host's watcher of the traffic has its own. A cut read ends in the middle, a
 /// full drive takes half of what is written, and a kill ends the process at a write. One order at a time.
 void spoil(Failure failure, int nth, const QByteArray& path);
 /// How many operations failed since then.
 int spoiled();
-/// Is called ahead of each opening of a file. Any thread.
-void onOpening(const std::function<void(const QByteArray& path)>& action);
+using OpeningAction = std::function<void(const QByteArray& path)>;
+/// @p action is called ahead of each opening of a file, in the thread that opens.
+void onOpening(const OpeningAction& action);
 /// All clocks, waits and sleeps run so many times as fast from now on.
 void setSpeed(double speed);
 /// Sets the wall clock forth or back, and leaves the monotonic one alone.

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -16,6 +17,7 @@
 #include <QPushButton>
 #include <QSocketNotifier>
 #include <QTableView>
+#include <QThread>
 #include <QTimer>
 
 #include <unistd.h>
@@ -45,7 +47,8 @@ public:
         connect(&m_timer, &QTimer::timeout, this, &SteeredHost::look);
         connect(&host.log(), &HostLog::rowsInserted, this, [this](const QModelIndex&, int row, int last) {
             for (; row <= last; ++row)
-                tell({{"record", m_host.log().index(row, HostLog::MessageColumn).data().toString()}});
+                tell({{"record", m_host.log().index(row, HostLog::MessageColumn).data().toString()},
+                      {"level", m_host.log().index(row, HostLog::LevelColumn).data().toString()}});
         });
         m_timer.start(30);
     }
@@ -105,9 +108,17 @@ void SteeredHost::obey(const QString& verb, const QString& value)
         m_host.events().closeDiary();
     else if (verb == "diary")
         m_host.events().openDiary({value, {"Name", value}});
-    else if (verb == "swap")
+    else if (verb == "slip-away") // between the plug-in's trigger and its reading of the status
+        Weather::onOpening([drive = value](const QByteArray& path) {
+            thread_local bool hasTriggered = false;
+            if (path.endsWith("/MISCNoCommand.txt"))
+                hasTriggered = true;
+            else if (hasTriggered && path.endsWith("/STATUS.TXT"))
+                QDir().rename(drive, drive + ".away");
+        });
+    else if (verb == "swap") // by the plug-in and the host, not by the watcher of the traffic
         Weather::onOpening([nth = value.toInt()](const QByteArray& path) mutable {
-            if (path.contains("/MISC/I") && --nth == 0)
+            if (QThread::currentThread() == qApp->thread() && path.contains("/MISC/I") && --nth == 0)
                 if (QFile file(path); file.open(QIODevice::Append))
                     file.write("changed");
         });
