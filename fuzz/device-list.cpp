@@ -51,7 +51,7 @@ struct PlainReading
 
 PlainReading plainReading(const QByteArray& bytes)
 {
-    static const QRegularExpression head(QStringLiteral("^<\\?xml version=\"1.0\"( encoding=\"UTF-8\")?\\?>"));
+    static const QRegularExpression head(QStringLiteral("^<\\?xml version=\"1\\.0\"( encoding=\"UTF-8\")?\\?>"));
     static const QRegularExpression token(
         QStringLiteral("\\G(?:<(?<begun>[A-Z_]+)(?<empty>/?)>|</(?<ended>[A-Z_]+)>|[ -%'-;=?-~\n]+)"));
     const QString text = QString::fromUtf8(bytes);
