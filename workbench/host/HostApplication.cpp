@@ -178,7 +178,10 @@ void HostApplication::writeReport(const QString& path, bool withPersonalData)
             result->isSaved = report.save(path, withPersonalData, &result->sentence);
         }));
     QObject::connect(m_reportThread.get(), &QThread::finished, &m_window, [this, result] {
-        result->isSaved ? m_window.showNotice(result->sentence) : m_window.showError(result->sentence);
+        if (result->isSaved)
+            m_window.showNotice(result->sentence);
+        else
+            m_window.showError(result->sentence);
         m_log.write(QStringLiteral("host"), result->isSaved ? QStringLiteral("Info") : QStringLiteral("Error"),
                     result->sentence);
     });
