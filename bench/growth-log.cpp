@@ -22,9 +22,9 @@
 namespace {
 
 constexpr std::array<int, 4> Rates{1, 10, 100, 1000};
-constexpr int FullTable = 20000; ///< records, as many as the host's table keeps
-const QString Message = QStringLiteral("=?= <%1; BTREAD; running; ; 0> status of the benchmark.");
-const char* const Mark = "status of the benchmark."; ///< of a message in the log's file, where the host has lines too
+constexpr int FullTable = 20000;                     ///< records, as many as the host's table keeps
+const char* const Mark = "status of the benchmark."; ///< tells our messages from the host's own in the log's file
+const QString Message = QStringLiteral("=?= <%1; BTREAD; running; ; 0> ") + QLatin1String(Mark);
 
 /// Writes records at that rate, evenly, in a thread of its own.
 class Writer final : public QThread
