@@ -4,6 +4,8 @@
 
 #include <QtGlobal>
 
+#include <string>
+
 /// A clock for the whole process that moves when nothing else does, so that hours of waiting take as long as the work
 /// in between.
 ///
@@ -18,7 +20,14 @@ namespace VirtualTime {
 
 /// From now on the clock is this one. Ahead of the application object, once.
 void start();
-/// The virtual time since start(), in milliseconds.
+/// In place of start(): shares the clock in @p file, of 4096 zeros at first, with another process; @p party is 0 for
+/// one of them and 1 for the other. Only one of them runs at a time, and the clock stands while a thread is at work or
+/// waits for something else than time and descriptors. So what the two do to each other comes in the same order each
+/// time. A process can go and come again; without party 0 the clock stands. False if the file can't be used.
+bool join(const std::string& file, int party);
+/// Sets the wall clock of this process forth or back, and leaves the other clocks alone.
+void shiftWallClock(qint64 seconds);
+/// The virtual time since start() or join(), in milliseconds.
 double milliseconds();
 /// The real time since start(), in milliseconds.
 double realMilliseconds();

@@ -48,7 +48,6 @@ int runStaleDrive(int commands)
         if (looks == answer.ends)
             show(answer, "done");
     });
-    Weather::setSpeed(100);
     CommandFileWriter* writer = CommandFileWriter::create(drive.path());
     StatusFileParser* parser = StatusFileParser::create(drive.path());
     int outcomes[3] = {}; // right ones, time-outs, old ones

@@ -5,8 +5,6 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,17 +12,11 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
-#include <ctime>
 #include <memory>
 #include <mutex>
 
 namespace {
 
-using Nanoseconds = qint64;
-constexpr Nanoseconds Second = 1000000000;
-
-std::atomic<double> speed{1};
-std::atomic<Nanoseconds> wallShift{0};
 enum Watch : char { Unwatched, Watched, Full };
 std::array<std::atomic<char>, 4096> watches{}; // by file descriptor
 std::mutex mutex;                              // for the rest
@@ -34,8 +26,6 @@ Weather::Failure spoiledBy = Weather::Open;
 int spoiledTurn = -1;
 int operations = 0;
 int failures = 0;
-Nanoseconds speedSince = 0; // of the real clock
-Nanoseconds leadThen = 0;
 /// The main thread, and the plug-in's: it alone opens the trigger file.
 thread_local bool isSpoilt = getpid() == gettid();
 
@@ -100,20 +90,6 @@ ssize_t written(int file, size_t size, Put put)
     return put(size / 2);
 }
 
-Nanoseconds realTime(clockid_t id)
-{
-    BEHIND(clock_gettime);
-    timespec time{};
-    real(id, &time);
-    return time.tv_sec * Second + time.tv_nsec;
-}
-
-/// How far the clocks of the process are ahead of the real ones. The mutex is held.
-Nanoseconds lead()
-{
-    return leadThen + Nanoseconds(double(realTime(CLOCK_MONOTONIC) - speedSince) * (speed - 1));
-}
-
 } // namespace
 
 void Weather::spoil(Failure failure, int nth, const QByteArray& path)
@@ -137,19 +113,6 @@ void Weather::onOpening(const OpeningAction& action)
     auto next = action ? std::make_shared<const OpeningAction>(action) : nullptr;
     const std::lock_guard lock(mutex);
     openingAction.swap(next);
-}
-
-void Weather::setSpeed(double factor)
-{
-    const std::lock_guard lock(mutex);
-    leadThen = lead();
-    speedSince = realTime(CLOCK_MONOTONIC);
-    speed = factor;
-}
-
-void Weather::shiftWallClock(qint64 seconds)
-{
-    wallShift += seconds * Second;
 }
 
 extern "C" {
@@ -210,35 +173,4 @@ DIR* opendir(const char* path)
     return nullptr;
 }
 
-int clock_gettime(clockid_t id, timespec* time)
-{
-    const std::lock_guard lock(mutex);
-    const bool isWall = id == CLOCK_REALTIME;
-    const Nanoseconds ahead = isWall || id == CLOCK_MONOTONIC ? lead() : 0;
-    const Nanoseconds all = realTime(id) + ahead + (isWall ? wallShift.load() : 0);
-    *time = {all / Second, all % Second};
-    return 0;
-}
-
-int gettimeofday(timeval* time, void*)
-{
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    *time = {now.tv_sec, now.tv_nsec / 1000};
-    return 0;
-}
-
-int poll(pollfd* files, nfds_t count, int timeout)
-{
-    BEHIND(poll);
-    return real(files, count, timeout > 0 ? int(timeout / speed) + 1 : timeout);
-}
-
-int nanosleep(const timespec* time, timespec* rest)
-{
-    BEHIND(nanosleep);
-    const auto all = Nanoseconds(double(time->tv_sec * Second + time->tv_nsec) / speed);
-    const timespec part{all / Second, all % Second};
-    return real(&part, rest);
-}
-}
+} // extern "C"

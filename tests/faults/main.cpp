@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
+#include "bench/endurance/VirtualTime.h"
 #include "faults/Weather.h"
 #include "host/IComponent.h"
 #include "workbench/host/HostApplication.h"
@@ -15,72 +16,74 @@
 #include <QMessageBox>
 #include <QMetaEnum>
 #include <QPushButton>
-#include <QSocketNotifier>
 #include <QTableView>
 #include <QThread>
+#include <QThreadPool>
 #include <QTimer>
 
-#include <unistd.h>
-
 #include <cstdio>
+#include <iostream>
+#include <string>
+#include <utility>
 
 int runStaleDrive(int commands);
 
 namespace {
 
-void tell(const QJsonObject& object)
-{
-    std::puts(QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
-    std::fflush(stdout);
-}
-
 /// The host of this process, steered by lines on standard input: a verb, and a value behind a blank. Tells on standard
-/// output, one JSON object a line each, of what can be pressed in the window in front whenever that changes, of each
-/// press ahead of it, of each record that the log gets, and of the end of a run of the plug-in.
+/// output, one JSON object a line each with the time, of what can be pressed in the window in front whenever that has
+/// changed, of each record that the log gets, of each second, and of the end of a run of the plug-in. Behind each it
+/// stands still, and with it the time, until it reads "go".
 class SteeredHost final : public QObject
 {
 public:
     explicit SteeredHost(HostApplication& host)
         : m_host(host)
     {
-        connect(&m_input, &QSocketNotifier::activated, this, &SteeredHost::readOrders);
-        connect(&m_timer, &QTimer::timeout, this, &SteeredHost::look);
         connect(&host.log(), &HostLog::rowsInserted, this, [this](const QModelIndex&, int row, int last) {
             for (; row <= last; ++row)
                 tell({{"record", m_host.log().index(row, HostLog::MessageColumn).data().toString()},
                       {"level", m_host.log().index(row, HostLog::LevelColumn).data().toString()}});
         });
-        m_timer.start(30);
+        connect(&m_looks, &QTimer::timeout, this, &SteeredHost::look);
+        connect(&m_seconds, &QTimer::timeout, this, [this] { tell({}); });
+        connect(&m_repetition, &QTimer::timeout, this, [this] { m_told = {}; });
+        m_repetition.setSingleShot(true);
+        tell({{"ready", true}});
+        m_looks.start(30);
+        m_seconds.start(1000);
     }
 
 private:
-    void readOrders();
+    void tell(QJsonObject object);
     void obey(const QString& verb, const QString& value);
     void runPlugin();
     void press(const QString& name);
+    QJsonObject see();
     void look();
 
     HostApplication& m_host;
-    QSocketNotifier m_input{STDIN_FILENO, QSocketNotifier::Read};
-    QTimer m_timer;
-    QByteArray m_orders;
+    QTimer m_looks;
+    QTimer m_seconds;
+    QTimer m_repetition; // of what was told, for a press without effect
     QMap<QString, QPointer<QWidget>> m_choices;
     QJsonObject m_seen;
+    QJsonObject m_told;
 };
 
-void SteeredHost::readOrders()
+void SteeredHost::tell(QJsonObject object)
 {
-    char bytes[4096];
-    const auto size = ::read(STDIN_FILENO, bytes, sizeof bytes);
-    if (size <= 0)
-        QCoreApplication::quit();
-    m_orders.append(bytes, int(size));
-    for (int end = m_orders.indexOf('\n'); end >= 0; end = m_orders.indexOf('\n')) {
-        const QString order = QString::fromUtf8(m_orders.left(end));
-        m_orders.remove(0, end + 1);
+    object["at"] = VirtualTime::milliseconds();
+    std::puts(QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
+    std::fflush(stdout);
+    std::string order;
+    while (std::getline(std::cin, order) && order != "go") {
         // Not from here: an order can begin a loop, in which the next must be read.
-        QTimer::singleShot(0, this, [this, order] { obey(order.section(' ', 0, 0), order.section(' ', 1)); });
+        const QString text = QString::fromStdString(order);
+        QTimer::singleShot(0, this, [this, text] { obey(text.section(' ', 0, 0), text.section(' ', 1)); });
     }
+    if (!std::cin)
+        QCoreApplication::quit();
 }
 
 void SteeredHost::obey(const QString& verb, const QString& value)
@@ -94,10 +97,12 @@ void SteeredHost::obey(const QString& verb, const QString& value)
         runPlugin();
     else if (verb == "press")
         press(value);
-    else if (verb == "speed")
-        Weather::setSpeed(value.toDouble());
+    else if (verb == "after")
+        QTimer::singleShot(value.section(' ', 0, 0).toInt(), this, [this, value] {
+            tell({{"due", value.section(' ', 1)}});
+        });
     else if (verb == "clock")
-        Weather::shiftWallClock(value.toInt());
+        VirtualTime::shiftWallClock(value.toInt());
     else if (verb == "add")
         database.addPatient({value, {"Name", value}});
     else if (verb == "change" && database.changePatient({value, {"Other", value}}))
@@ -138,12 +143,12 @@ void SteeredHost::runPlugin()
     const int spoiled = Weather::spoiled();
     Weather::spoil(Weather::Open, 0, {});
     Weather::onOpening({});
-    look();
-    tell({{"ended", true}, {"spoiled", spoiled}});
+    // The log shows its records a little later.
+    QTimer::singleShot(300, this, [this, spoiled] { tell({{"ended", true}, {"spoiled", spoiled}}); });
 }
 
 /// By the names of buttons, of standard buttons, and of the cells in a table's first column.
-void SteeredHost::look()
+QJsonObject SteeredHost::see()
 {
     static const QMetaEnum standard = QMetaEnum::fromType<QDialogButtonBox::StandardButtons>();
     m_choices.clear();
@@ -165,15 +170,24 @@ void SteeredHost::look()
                                  : ""},
                 {"choices", QJsonArray::fromStringList(m_choices.keys())}};
     }
-    if (seen != m_seen)
+    return seen;
+}
+
+/// What passes from one look to the next isn't told of.
+void SteeredHost::look()
+{
+    const QJsonObject seen = see();
+    if (seen == std::exchange(m_seen, seen) && seen != m_told) {
+        m_repetition.stop();
+        m_told = seen;
         tell({{"seen", seen}});
-    m_seen = seen;
+    }
 }
 
 void SteeredHost::press(const QString& name)
 {
-    look();
-    tell({{"pressed", name}});
+    m_repetition.start(3000);
+    see();
     QWidget* widget = m_choices.value(name);
     if (auto* button = qobject_cast<QPushButton*>(widget)) {
         button->click();
@@ -189,7 +203,13 @@ void SteeredHost::press(const QString& name)
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QByteArray clock = qgetenv("MERIVO_TRIAL_CLOCK"); // for two processes
+    if (clock.isEmpty())
+        VirtualTime::start();
+    else if (!VirtualTime::join(clock.toStdString(), 0))
+        qFatal("%s: can't be used as a clock", clock.constData());
     const QApplication application(argc, argv);
+    QThreadPool::globalInstance()->setExpiryTimeout(0); // the clock waits for a thread that doesn't wait for time
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == "--stale-drive")
         return runStaleDrive(arguments.value(2).toInt());
