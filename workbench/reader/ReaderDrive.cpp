@@ -140,7 +140,7 @@ void ReaderDrive::show(const Status& status)
 bool ReaderDrive::writeInPlace(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
-    return (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()) ||
+    return (file.open(QIODevice::WriteOnly) && Platform::writeThrough(file, bytes)) ||
            fail(QStringLiteral("%1: %2").arg(path, file.errorString()));
 }
 

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/TrafficRecorder.h"
 
+#include "workbench/support/Platform.h"
+
 #include <QDir>
 
 TrafficRecorder::TrafficRecorder(const QString& drivePath, QObject* parent)
@@ -13,7 +15,7 @@ TrafficRecorder::TrafficRecorder(const QString& drivePath, QObject* parent)
 
 TrafficRecorder::~TrafficRecorder()
 {
-    m_watcher.stop();
+    stop();
 }
 
 bool TrafficRecorder::start(const QString& fileName, QString* error)
@@ -32,12 +34,19 @@ bool TrafficRecorder::start(const QString& fileName, QString* error)
     return true;
 }
 
+bool TrafficRecorder::stop()
+{
+    m_watcher.stop();
+    const bool isWhole = m_file.isOpen();
+    m_file.close();
+    return isWhole;
+}
+
 void TrafficRecorder::write(const TrafficEntry& entry)
 {
     if (!m_file.isOpen())
         return;
-    const QByteArray line = trafficLine(entry);
-    if (m_file.write(line) == line.size() && m_file.flush())
+    if (Platform::writeThrough(m_file, trafficLine(entry)))
         return;
     const QString error = QStringLiteral("%1: %2").arg(m_file.fileName(), m_file.errorString());
     m_file.close();

@@ -15,11 +15,13 @@ class TrafficRecorder final : public QObject
 
 public:
     explicit TrafficRecorder(const QString& drivePath, QObject* parent = nullptr);
-    /// Writes down what has changed since the last look.
     ~TrafficRecorder() override;
 
     /// Begins to record into @p fileName, which mustn't exist. False with a sentence that names the file.
     bool start(const QString& fileName, QString* error);
+    /// Writes down what has changed since the last look, and ends the recording. False if not all of it was written;
+    /// failed() has told why.
+    bool stop();
 
 Q_SIGNALS:
     /// The recording can't be written any more.

@@ -8,6 +8,7 @@
 #include "workbench/reader/TrafficAnonymiser.h"
 #include "workbench/reader/TrafficRecorder.h"
 #include "workbench/reader/TrafficReplay.h"
+#include "workbench/support/Platform.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -124,12 +125,16 @@ public:
     void write(const QString& line)
     {
         const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
-        m_file.write(QStringLiteral("%1 %2\n").arg(time, line).toUtf8());
-        m_file.flush();
+        const QByteArray record = QStringLiteral("%1 %2\n").arg(time, line).toUtf8();
+        const bool isWritten = Platform::writeThrough(m_file, record);
+        if (!isWritten && !m_isFailureTold)
+            complain(Failure, QStringLiteral("%1: %2").arg(m_file.fileName(), m_file.errorString()));
+        m_isFailureTold = !isWritten;
     }
 
 private:
     QFile m_file;
+    bool m_isFailureTold = false;
 };
 
 /// WrongCall, told, for options that contradict each other.
@@ -207,6 +212,15 @@ int playScenario(const QCommandLineParser& parser, const Scenario& scenario, Rea
     return serve(QStringLiteral("merivo-reader: serving %1").arg(drive.path()));
 }
 
+int serveDrive(const QCommandLineParser& parser, const Scenario& scenario, ReaderDrive& drive, LogFile& log)
+{
+    if (parser.isSet(WatchOption))
+        return serve(QStringLiteral("merivo-reader: watching %1").arg(drive.path()));
+    if (parser.isSet(ReplayOption))
+        return playRecording(parser, drive, log);
+    return playScenario(parser, scenario, drive, log);
+}
+
 int run(const QCommandLineParser& parser)
 {
     if (parser.isSet(ListFaultsOption)) {
@@ -240,15 +254,16 @@ int run(const QCommandLineParser& parser)
     if (!parser.isSet(WatchOption) && !drive.open(&error))
         return complain(Failure, error);
     TrafficRecorder recorder(drive.path());
-    QObject::connect(&recorder, &TrafficRecorder::failed, qApp, giveUp, Qt::QueuedConnection);
+    // Told at once, also behind the event loop's end; only the end has to wait until the loop runs.
+    QObject::connect(&recorder, &TrafficRecorder::failed, qApp, [](const QString& fault) { complain(Failure, fault); });
+    QObject::connect(
+        &recorder, &TrafficRecorder::failed, qApp, [] { QCoreApplication::exit(Failure); }, Qt::QueuedConnection);
     if (parser.isSet(RecordOption) && !recorder.start(parser.value(RecordOption), &error))
         return complain(Failure, error);
 
-    if (parser.isSet(WatchOption))
-        return serve(QStringLiteral("merivo-reader: watching %1").arg(drive.path()));
-    if (parser.isSet(ReplayOption))
-        return playRecording(parser, drive, log);
-    return playScenario(parser, scenario, drive, log);
+    const int status = serveDrive(parser, scenario, drive, log);
+    const bool isWhole = !parser.isSet(RecordOption) || recorder.stop();
+    return isWhole ? status : Failure;
 }
 
 } // namespace

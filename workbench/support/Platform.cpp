@@ -32,3 +32,9 @@ std::filesystem::path Platform::nativePath(const QString& path)
     return std::filesystem::path(QFile::encodeName(path).toStdString());
 #endif
 }
+
+bool Platform::writeThrough(QFile& file, const QByteArray& bytes)
+{
+    // A disk that gets full takes a part without an error, and Qt has no reason to give. The rest brings it.
+    return file.write(bytes) == bytes.size() && (file.flush() || file.flush());
+}

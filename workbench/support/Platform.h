@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <filesystem>
+
+class QFile;
 
 /// What differs between the systems that the programs run on, and what Qt's platforms make of it. Any thread.
 namespace Platform {
@@ -17,5 +20,9 @@ bool isKnownNoise(const QString& message);
 
 /// A path as the standard library takes it, with all characters that the system allows in it.
 std::filesystem::path nativePath(const QString& path);
+
+/// Appends to an open file and hands all to the system. False if that fails, with the reason in the file's
+/// errorString().
+bool writeThrough(QFile& file, const QByteArray& bytes);
 
 } // namespace Platform
