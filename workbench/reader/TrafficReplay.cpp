@@ -42,7 +42,8 @@ void TrafficReplay::start()
 
 bool TrafficReplay::atAnswer() const
 {
-    return m_next < m_entries.size() && !m_entries.at(m_next).isCommand();
+    // A command that goes away, as with the whole drive, waits for nobody.
+    return m_next < m_entries.size() && !(m_entries.at(m_next).isCommand() && m_entries.at(m_next).bytes);
 }
 
 void TrafficReplay::onCommandWritten(const QByteArray& bytes)
