@@ -26,7 +26,7 @@ QString leakIn(const QByteArray& bytes, QStringList planted = {})
             << "1961-03-09"
             << "09.03.1961"
             << "47110815"
-            << "merivo-jane" << QChar(0xeb);
+            << "merivo-jane" << QChar(0xeb) << QChar(0xab);
     for (const QString& value : qAsConst(planted)) {
         const QByteArray wide(reinterpret_cast<const char*>(value.utf16()), value.size() * 2);
         for (const QByteArray& form : {value.toUtf8(), value.toLatin1(), value.toUtf8().toHex(), wide})
@@ -74,6 +74,7 @@ private Q_SLOTS:
         QVERIFY(seen[4].contains(seen[0].section(' ', 3, 3).remove(':') + "</BTADR><PATIENT_ID>0</PATIENT_ID></"));
         QVERIFY(seen[1].contains("done\r\nResult  = " + serial + "\r\nError code -31.\r\n"));
         QVERIFY(seen[3].endsWith("Status  = done\nResult  = " + file + "\nError code -0.\n"));
+        QVERIFY(!seen.last().contains("Lost") && !seen.last().contains('7'));
         QVERIFY(seen[5].endsWith("\nFirmware version 3.2.23") && seen[6].split('\n').size() == 6);
     }
 

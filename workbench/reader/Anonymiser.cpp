@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/Anonymiser.h"
 
-#include <QRandomGenerator>
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 
 namespace {
 
@@ -62,6 +63,15 @@ QString folded(QString text)
     return text;
 }
 
+/// The first characters of a value as a number, since every place of a text is looked up by them.
+quint64 headOf(const QString& text, int at, int length)
+{
+    quint64 head = 0;
+    for (int i = 0; i < length; ++i)
+        head = head << 16 | text.at(at + i).unicode();
+    return head;
+}
+
 bool isKept(const QString& word, Anonymiser::Numbers numbers)
 {
     const bool isNumber =
@@ -101,17 +111,17 @@ int wordAt(const QString& text, int at)
 
 void Anonymiser::know(const QString& value)
 {
-    const QString known = folded(value.trimmed());
+    // Without the marks at its ends, as a text is searched from where a word begins.
+    const auto begin = std::find_if(value.cbegin(), value.cend(), isOfWord);
+    const auto end = std::find_if(value.crbegin(), std::make_reverse_iterator(begin), isOfWord).base();
+    const QString known = folded(QString(begin, static_cast<int>(end - begin)));
     // Zero stands for nobody and for no pump.
-    if (known.isEmpty() || known == QLatin1String("0"))
+    if (known.isEmpty() || known == QLatin1String("0") || m_known.contains(known))
         return;
-    QVector<QString>& sameHead = m_known[known.left(HeadLength)];
-    if (sameHead.contains(known))
-        return;
-    const auto isShorter = [&known](const QString& other) {
-        return other.size() < known.size();
-    };
-    sameHead.insert(std::find_if(sameHead.begin(), sameHead.end(), isShorter), known);
+    m_known.insert(known);
+    QVector<int>& lengths = m_lengths[headOf(known, 0, std::min(HeadLength, known.size()))];
+    if (!lengths.contains(known.size()))
+        lengths.insert(std::upper_bound(lengths.begin(), lengths.end(), known.size(), std::greater<>()), known.size());
     m_taken.insert(known);
     for (int at = 0; at < known.size(); ++at) {
         const int length = wordAt(known, at);
@@ -132,20 +142,21 @@ bool Anonymiser::isPlain(const QString& text)
 }
 
 /// The length of the known value that begins there; 0: none.
-int Anonymiser::knownAt(const QString& text, int at) const
+int Anonymiser::knownAt(const QString& folded, int at) const
 {
-    const bool isAtBegin = at == 0 || !isOfWord(text.at(at - 1));
-    for (int head = std::min(HeadLength, text.size() - at); head > 0; --head) {
+    const bool isAtBegin = at == 0 || !isOfWord(folded.at(at - 1));
+    for (int head = std::min(HeadLength, folded.size() - at); head > 0; --head) {
         if (head < HeadLength && !isAtBegin)
             break;
-        const auto found = m_known.constFind(folded(text.mid(at, head)));
-        if (found == m_known.constEnd())
+        const auto found = m_lengths.constFind(headOf(folded, at, head));
+        if (found == m_lengths.constEnd())
             continue;
-        for (const QString& known : *found) {
-            const int end = at + known.size();
-            const bool isAtEnd = end >= text.size() || !isOfWord(text.at(end));
-            if (folded(text.mid(at, known.size())) == known && (known.size() >= HeadLength || isAtEnd))
-                return known.size();
+        for (const int length : *found) {
+            const int end = at + length;
+            if (end > folded.size() || (length < HeadLength && end < folded.size() && isOfWord(folded.at(end))))
+                continue;
+            if (m_known.contains(folded.mid(at, length)))
+                return length;
         }
     }
     return 0;
@@ -154,6 +165,7 @@ int Anonymiser::knownAt(const QString& text, int at) const
 QString Anonymiser::replace(const QString& text, Numbers numbers, bool keepVocabulary)
 {
     QString result;
+    const QString key = folded(text);
     for (int at = 0; at < text.size();) {
         if (!isOfWord(text.at(at))) {
             result += text.at(at++);
@@ -161,16 +173,19 @@ QString Anonymiser::replace(const QString& text, Numbers numbers, bool keepVocab
         }
         // A word ends where a known value begins in its middle.
         int end = at + 1;
-        int length = std::max(knownAt(text, at), hexadecimalAt(text, at));
+        int length = std::max(knownAt(key, at), hexadecimalAt(text, at));
         const bool isKnown = length > 0;
         if (!isKnown) {
-            while (end < text.size() && isOfWord(text.at(end)) && knownAt(text, end) == 0)
+            while (end < text.size() && isOfWord(text.at(end)) && knownAt(key, end) == 0)
                 ++end;
             length = end - at;
         }
         const QString word = text.mid(at, length);
+        // What is left of a word behind a known value, as of an id that another one begins with, counts nothing.
+        const bool isRest = at > 0 && isOfWord(text.at(at - 1));
         at += length;
-        if (!isKnown && keepVocabulary && isKept(word, numbers)) {
+        const bool isCut = isRest || (at < text.size() && isOfWord(text.at(at)));
+        if (!isKnown && keepVocabulary && isKept(word, isCut ? Numbers::Hide : numbers)) {
             result += word;
             continue;
         }
@@ -197,7 +212,7 @@ QString Anonymiser::replacementOf(const QString& word)
         for (const QChar c : qAsConst(key)) {
             const ushort least = QLatin1Char(c.isDigit() ? '0' : 'a').unicode();
             const int count = c.isDigit() ? 10 : isHexadecimal ? 6 : 26;
-            drawn += QChar(least + QRandomGenerator::system()->bounded(count));
+            drawn += QChar(least + m_random.bounded(count));
         }
         // There are few words of a letter or two. Where they run out a replacement may be a word that means something,
         // and then a longer one, but never that of another word.

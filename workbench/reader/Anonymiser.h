@@ -4,6 +4,7 @@
 
 #include <QChar>
 #include <QHash>
+#include <QRandomGenerator>
 #include <QSet>
 #include <QString>
 #include <QVector>
@@ -24,7 +25,7 @@ public:
         Hide,
     };
 
-    /// A value that must not be seen: from here on it is also found inside words. In two or three characters it counts
+    /// A value that must not be seen: from here on it is also found inside words. In up to three characters it counts
     /// only if it stands alone. Tell all values before the first text.
     void know(const QString& value);
 
@@ -38,11 +39,15 @@ public:
 
 private:
     QString replace(const QString& text, Numbers numbers, bool keepVocabulary);
-    int knownAt(const QString& text, int at) const;
+    int knownAt(const QString& folded, int at) const;
     QString replacementOf(const QString& word);
 
-    QHash<QString, QVector<QString>> m_known; // case-folded, by their first characters, longest first
-    QHash<QString, QString> m_replacements;   // case-folded words to lower-case ones
-    QSet<QString> m_drawn;                    // the replacements
-    QSet<QString> m_taken;                    // known values and their words, which no replacement may be
+    QSet<QString> m_known;                  // case-folded
+    QHash<quint64, QVector<int>> m_lengths; // of the known values by their first characters, longest first
+    QHash<QString, QString> m_replacements; // case-folded words to lower-case ones
+    // What is drawn doesn't depend on what it replaces, so a sequence that could be told serves; the system's own
+    // source is slow.
+    QRandomGenerator m_random = QRandomGenerator::securelySeeded();
+    QSet<QString> m_drawn; // the replacements
+    QSet<QString> m_taken; // known values and their words, which no replacement may be
 };

@@ -5,7 +5,6 @@
 #include "workbench/reader/JsonFields.h"
 #include "workbench/reader/ReaderDrive.h"
 
-#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 
@@ -96,13 +95,20 @@ bool TrafficEntry::isTrigger() const
     return file == ReaderNames::Trigger;
 }
 
+bool isExchangeName(const QString& name)
+{
+    const QString ending = QStringLiteral(".xml");
+    return name.size() > ending.size() && name.startsWith(QLatin1Char('I'), Qt::CaseInsensitive) &&
+           name.endsWith(ending, Qt::CaseInsensitive);
+}
+
 bool isTrafficFile(const QString& name)
 {
     if (name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')))
         return false;
     return name == ReaderNames::Command || name == ReaderNames::Status || name == ReaderNames::DeviceList ||
            (name.startsWith(QLatin1Char('V')) && name.contains(QLatin1String(".log"), Qt::CaseInsensitive)) ||
-           QDir::match(ReaderNames::ExchangeFilter, name);
+           isExchangeName(name);
 }
 
 QByteArray trafficLine(const TrafficEntry& entry)

@@ -39,6 +39,9 @@ struct TrafficEntry
     QString name() const;
 };
 
+/// True for what ReaderNames::ExchangeFilter finds. QDir::match() would compile it anew for each name.
+bool isExchangeName(const QString& name);
+
 /// True for the files of MISC, by name, that make up the exchange between reader and computer.
 bool isTrafficFile(const QString& name);
 

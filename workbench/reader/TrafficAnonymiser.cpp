@@ -6,7 +6,6 @@
 #include "workbench/reader/ReaderDrive.h"
 
 #include <QCryptographicHash>
-#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QXmlStreamReader>
@@ -21,22 +20,26 @@ using Numbers = Anonymiser::Numbers;
 constexpr int CommandLabel = 4;
 constexpr int ValueLabel = 10;
 constexpr int VersionLine = 4;
-const QString PairedQuery = QStringLiteral("BTISPAIRED");
+constexpr int PrivateUse = 0xe000;
+const QByteArray ByteOrderMark = QByteArrayLiteral("\xef\xbb\xbf");
 /// The one pump name that isn't somebody's choice: the plug-in goes by it.
 const QString ProductName = QStringLiteral("Cygnara");
 
-/// The computer writes in the codec of its locale. Every Latin-1 text has the same letters where it is ASCII.
+/// The computer writes in the codec of its locale. Where that isn't UTF-8 nobody knows which bytes above ASCII are
+/// letters, so all of them are taken for some; no word with them is kept.
 QString decoded(const QByteArray& bytes, bool* isUtf8)
 {
-    // With the size given, since a zero byte ends the text otherwise.
-    const QString text = QString::fromUtf8(bytes.constData(), bytes.size());
-    *isUtf8 = text.toUtf8() == bytes;
-    return *isUtf8 ? text : QString::fromLatin1(bytes.constData(), bytes.size());
-}
-
-bool isExchangeName(const QString& name)
-{
-    return QDir::match(ReaderNames::ExchangeFilter, name);
+    // With the size given, since a zero byte ends the text otherwise. The mark at the begin would be dropped.
+    const QByteArray mark = bytes.startsWith(ByteOrderMark) ? ByteOrderMark : QByteArray();
+    QString text = QString::fromUtf8(bytes.constData() + mark.size(), bytes.size() - mark.size());
+    *isUtf8 = mark + text.toUtf8() == bytes;
+    if (*isUtf8)
+        return mark.isEmpty() ? text : QChar(QChar::ByteOrderMark) + text;
+    text = QString::fromLatin1(bytes.constData(), bytes.size());
+    for (QChar& c : text)
+        if (c.unicode() >= 0x80)
+            c = QChar(PrivateUse + c.unicode());
+    return text;
 }
 
 QString commandWordOf(const QStringList& statusLines)
@@ -44,30 +47,38 @@ QString commandWordOf(const QStringList& statusLines)
     return statusLines.value(1).mid(CommandLabel).trimmed().toUpper();
 }
 
-/// What stands between two tags, with its entities resolved.
+/// True if the command's result is a serial number or a confirmation code.
+bool isIdOf(const QString& commandWord)
+{
+    return commandWord == QLatin1String("BTISPAIRED") || commandWord == QLatin1String("BTPAIR");
+}
+
+/// What stands between two tags, with its entities and CDATA sections resolved.
 QString plainText(const QString& content)
 {
-    if (!content.contains(QLatin1Char('&')))
+    if (!content.contains(QLatin1Char('&')) && !content.contains(QLatin1Char('<')))
         return content;
     QXmlStreamReader xml(QLatin1String("<a>") + content + QLatin1String("</a>"));
     return xml.readNextStartElement() ? xml.readElementText() : QString();
 }
 
 /// Calls @p part for each piece of a device list, tag by tag: the name of the start tag ahead of it, empty for a tag
-/// itself and for what stands elsewhere; the piece.
+/// or comment itself and for what stands elsewhere; the piece. A list may break off inside a value.
 void eachPart(const QString& list, const std::function<void(const QString&, const QString&)>& part)
 {
-    static const QRegularExpression Tag(QStringLiteral("<[^<>]*>"));
+    static const QRegularExpression Tag(QStringLiteral("<(?!!\\[CDATA)[^<>]*>"));
+    static const QRegularExpression End(QStringLiteral("[\\s/>]"));
     QString element;
     int at = 0;
     for (auto tags = Tag.globalMatch(list); tags.hasNext();) {
         const QRegularExpressionMatch tag = tags.next();
         part(element, list.mid(at, tag.capturedStart() - at));
         part({}, tag.captured());
-        element = tag.captured().mid(1).section(QRegularExpression(QStringLiteral("[\\s/>]")), 0, 0);
+        if (!tag.captured().startsWith(QLatin1String("<!")))
+            element = tag.captured().mid(1).section(End, 0, 0);
         at = tag.capturedEnd();
     }
-    part({}, list.mid(at));
+    part(element, list.mid(at));
 }
 
 bool isIdentity(const QString& element)
@@ -100,7 +111,7 @@ void TrafficAnonymiser::learn(const QVector<TrafficEntry>& entries)
                 know(value);
         } else if (entry.isStatus()) {
             const QStringList lines = text.split(QLatin1Char('\n'));
-            if (commandWordOf(lines) == PairedQuery)
+            if (isIdOf(commandWordOf(lines)))
                 know(lines.value(3).mid(ValueLabel).trimmed());
         } else if (entry.name() == ReaderNames::DeviceList) {
             eachPart(text, [&know](const QString& element, const QString& content) {
@@ -133,7 +144,7 @@ TrafficEntry TrafficAnonymiser::anonymised(const TrafficEntry& entry)
 /// What a file is made of, labels, words and tags, stays as it is, also if somebody's name is among it.
 QString TrafficAnonymiser::marksOf(const QString& text)
 {
-    return Anonymiser::isPlain(text) ? text : m_words.scrub(text);
+    return Anonymiser::isPlain(text) ? text : m_words.scrub(text, Numbers::Hide);
 }
 
 QString TrafficAnonymiser::nameOf(const QString& name)
@@ -195,10 +206,9 @@ QString TrafficAnonymiser::status(const QString& text)
             line = m_words.scrub(line, Numbers::Hide);
         } else if (i == 3) {
             const QString result = value.trimmed();
-            const bool isId = command == PairedQuery || command == QLatin1String("BTPAIR");
             line = marksOf(line.left(label)) + (isNobodys(result)        ? value
                                                 : isExchangeName(result) ? exchangeName(value)
-                                                : isId                   ? m_words.hide(value)
+                                                : isIdOf(command)        ? m_words.hide(value)
                                                                          : m_words.scrub(value));
         } else if (i == 4) {
             // The code stands between the last hyphen and one last character.
@@ -220,12 +230,14 @@ QString TrafficAnonymiser::deviceList(const QString& text)
 {
     QString result;
     eachPart(text, [&](const QString& element, const QString& part) {
-        if (element.isEmpty())
-            result += marksOf(part);
+        if (part.startsWith(QLatin1String("<?xml")))
+            result += m_words.scrub(part);
+        else if (element.isEmpty())
+            result += part.startsWith(QLatin1String("<!")) ? m_words.scrub(part, Numbers::Hide) : marksOf(part);
         else if (isIdentity(element))
             result += isNobodys(part) ? part : m_words.hide(plainText(part)).toHtmlEscaped();
         else
-            result += m_words.scrub(part, Numbers::Hide);
+            result += m_words.scrub(plainText(part), Numbers::Hide).toHtmlEscaped();
     });
     return result;
 }

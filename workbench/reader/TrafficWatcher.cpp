@@ -20,7 +20,17 @@ const qint64 SmallFile = 65536; // bytes
 /// look. The others the reader replaces in one step.
 bool isWrittenInSteps(const QString& name)
 {
-    return name == ReaderNames::Command || QDir::match(ReaderNames::ExchangeFilter, name);
+    return name == ReaderNames::Command || isExchangeName(name);
+}
+
+/// False where the drive goes away or fails: what could be read until then isn't the file's content.
+bool read(const QString& path, QByteArray* bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    *bytes = file.readAll();
+    return file.error() == QFile::NoError;
 }
 
 QByteArray wordOfCommand(const QByteArray& commandFile)
@@ -103,7 +113,8 @@ void TrafficWatcher::look()
     }
     const QStringList known = m_seen.keys();
     for (const QString& name : known) {
-        if (names.contains(name))
+        // A drive that comes back brings an old command along, which nobody gives again.
+        if (names.contains(name) || name == ReaderNames::Command)
             continue;
         m_seen.remove(name);
         tell(ReaderNames::Folder + QLatin1Char('/') + name, std::nullopt);
@@ -127,12 +138,8 @@ void TrafficWatcher::lookAtFile(const QString& name)
     const FileStamp stamp = FileStamp::of(path);
     Seen& seen = m_seen[name];
     QByteArray bytes;
-    if (stamp.size <= SmallFile) {
-        QFile source(path);
-        if (!source.open(QIODevice::ReadOnly))
-            return;
-        bytes = source.readAll();
-    }
+    if (stamp.size <= SmallFile && !read(path, &bytes))
+        return;
     const bool isLate = seen.isTold && m_clock.elapsed() - seen.toldMs < LateNoticeMs;
     const bool hasChanged = stamp != seen.stamp || bytes != seen.bytes || (m_written.contains(path) && !isLate);
     seen.isTold = seen.isTold && !hasChanged;
@@ -170,12 +177,8 @@ void TrafficWatcher::tellPending(bool isEnd)
 bool TrafficWatcher::tell(const QString& name)
 {
     QByteArray bytes = m_seen.value(name).bytes;
-    if (m_seen.value(name).stamp.size > SmallFile) {
-        QFile source(pathOf(name));
-        if (!source.open(QIODevice::ReadOnly))
-            return false;
-        bytes = source.readAll();
-    }
+    if (m_seen.value(name).stamp.size > SmallFile && !read(pathOf(name), &bytes))
+        return false;
     m_seen[name].toldMs = m_clock.elapsed();
     if (name == ReaderNames::Command)
         m_lastWord = wordOfCommand(bytes);
