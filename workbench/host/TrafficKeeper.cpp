@@ -3,10 +3,12 @@
 #include "workbench/host/TrafficKeeper.h"
 
 #include "workbench/reader/TrafficWatcher.h"
+#include "workbench/support/Platform.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QMap>
+#include <QRegularExpression>
 
 #include <functional>
 #include <limits>
@@ -15,7 +17,30 @@
 
 namespace {
 
-const QString NamePattern = QStringLiteral("traffic-*.jsonl");
+const QString NameForm = QStringLiteral("traffic-%1.jsonl");
+const QString TimeForm = QStringLiteral("yyyyMMdd-hhmmss-zzz");
+
+/// Digits alone in the place of the time: what someone else has put into the folder stays, and goes into no report.
+QStringList nameFilter()
+{
+    static const QRegularExpression Letter(QStringLiteral("[A-Za-z]"));
+    return {NameForm.arg(QString(TimeForm).replace(Letter, QStringLiteral("[0-9]")))};
+}
+
+int sizeOf(const TrafficEntry& entry)
+{
+    return entry.bytes ? entry.bytes->size() : 0;
+}
+
+/// Of the content the size stays, and whether it differs from another.
+void dropContent(TrafficEntry& entry)
+{
+    if (!entry.bytes)
+        return;
+    const uint mark = qHash(*entry.bytes) & uint(std::numeric_limits<int>::max());
+    entry.filler = TrafficFiller{sizeOf(entry), static_cast<int>(mark)};
+    entry.bytes.reset();
+}
 
 /// Lives on the keeper's thread, but for its making.
 class TrafficStore final : public QObject
@@ -54,31 +79,34 @@ private:
     {
         if (!m_file.isOpen())
             return;
-        if (entry.bytes && entry.bytes->size() > m_limits.contentBytes) {
-            const uint mark = qHash(*entry.bytes) & uint(std::numeric_limits<int>::max());
-            entry.filler = TrafficFiller{entry.bytes->size(), static_cast<int>(mark)};
-            entry.bytes.reset();
-        }
-        if (!entry.isCommand() && !entry.isTrigger())
-            m_state.insert(entry.file, entry);
+        if (sizeOf(entry) > m_limits.contentBytes)
+            dropContent(entry);
+        m_state.remove(entry.file);
         const bool isFull = m_file.size() + trafficLine(entry).size() > m_limits.fileBytes;
-        // The state has this entry already, unless it is a command or a trigger.
-        if (isFull && m_file.size() > m_stateBytes && (!nextFile(entry.ms) || m_state.contains(entry.file)))
+        if (isFull && m_file.size() > m_stateBytes && !nextFile(entry.ms))
             return;
+        if (!entry.isCommand() && !entry.isTrigger() && (entry.bytes || entry.filler))
+            m_state.insert(entry.file, entry);
         entry.ms -= m_begin;
         write(entry);
     }
 
-    /// Goes on in another file, which begins with all that lies on the drive.
+    /// Goes on in another file, which begins with all that lies on the drive. Where that is much the largest contents
+    /// are left out, so that half of the file is there for what happens.
     bool nextFile(qint64 ms)
     {
         m_begin = ms;
         if (!openNext())
             return false;
-        for (TrafficEntry entry : qAsConst(m_state)) {
+        QMultiMap<int, QString> bySize;
+        for (auto it = m_state.cbegin(); it != m_state.cend(); ++it)
+            bySize.insert(sizeOf(*it), it.key());
+        for (const QString& file : qAsConst(bySize)) {
+            TrafficEntry entry = *m_state.constFind(file);
             entry.ms = 0;
-            const bool isGone = !entry.bytes && !entry.filler;
-            if (!isGone && m_file.size() + trafficLine(entry).size() < m_limits.fileBytes && !write(entry))
+            if (m_file.size() + trafficLine(entry).size() > m_limits.fileBytes / 2)
+                dropContent(entry);
+            if (!write(entry))
                 return false;
         }
         m_stateBytes = m_file.size();
@@ -90,16 +118,11 @@ private:
         m_file.close();
         m_stateBytes = 0;
         makeRoom();
-        const QString time = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss-zzz"));
-        m_file.setFileName(m_folder.filePath(QString(NamePattern).replace(QLatin1Char('*'), time)));
+        m_file.setFileName(m_folder.filePath(NameForm.arg(QDateTime::currentDateTime().toString(TimeForm))));
         return m_file.open(QIODevice::WriteOnly | QIODevice::Append) || fail();
     }
 
-    bool write(const TrafficEntry& entry)
-    {
-        const QByteArray line = trafficLine(entry);
-        return (m_file.write(line) == line.size() && m_file.flush()) || fail();
-    }
+    bool write(const TrafficEntry& entry) { return Platform::writeThrough(m_file, trafficLine(entry)) || fail(); }
 
     bool fail()
     {
@@ -112,7 +135,7 @@ private:
     /// Removes what is too old, and the oldest until there is room for one more file.
     void makeRoom()
     {
-        QFileInfoList files = m_folder.entryInfoList({NamePattern}, QDir::Files, QDir::Name);
+        QFileInfoList files = m_folder.entryInfoList(nameFilter(), QDir::Files, QDir::Name);
         qint64 total = m_limits.fileBytes;
         for (const QFileInfo& file : qAsConst(files))
             total += file.size();
@@ -168,5 +191,5 @@ void TrafficKeeper::end()
 
 QStringList TrafficKeeper::recordingsIn(const QString& folder)
 {
-    return QDir(folder).entryList({NamePattern}, QDir::Files, QDir::Name);
+    return QDir(folder).entryList(nameFilter(), QDir::Files, QDir::Name);
 }
