@@ -12,6 +12,8 @@
 #include <QSysInfo>
 #include <QThread>
 
+#include <utility>
+
 namespace {
 
 /// How many hosts of one user can keep diagnostics at a time.
@@ -49,6 +51,8 @@ HostApplication::~HostApplication()
 {
     if (m_reportThread)
         m_reportThread->wait();
+    // No event brings its end any more, but the log is to have it.
+    tellReport();
     m_events.closeDiary();
     Q_EMIT m_events.appShutdown(IShutdownEvtPtr::create());
     m_window.hide();
@@ -167,25 +171,27 @@ void HostApplication::writeReport(const QString& path, bool withPersonalData)
         return;
     }
     m_window.showNotice(QStringLiteral("The report '%1' is being written.").arg(QDir::toNativeSeparators(path)));
-    struct Result
-    {
-        bool isSaved = false;
-        QString sentence;
-    };
-    const auto result = std::make_shared<Result>();
+    const auto result = std::make_shared<ReportResult>();
+    m_reportResult = result;
     m_reportThread.reset(
         QThread::create([report = HostReport(reportSources()), path, withPersonalData, result]() mutable {
             result->isSaved = report.save(path, withPersonalData, &result->sentence);
         }));
-    QObject::connect(m_reportThread.get(), &QThread::finished, &m_window, [this, result] {
-        if (result->isSaved)
-            m_window.showNotice(result->sentence);
-        else
-            m_window.showError(result->sentence);
-        m_log.write(QStringLiteral("host"), result->isSaved ? QStringLiteral("Info") : QStringLiteral("Error"),
-                    result->sentence);
-    });
+    QObject::connect(m_reportThread.get(), &QThread::finished, &m_window, [this] { tellReport(); });
     m_reportThread->start();
+}
+
+void HostApplication::tellReport()
+{
+    const auto result = std::exchange(m_reportResult, nullptr);
+    if (!result)
+        return;
+    if (result->isSaved)
+        m_window.showNotice(result->sentence);
+    else
+        m_window.showError(result->sentence);
+    m_log.write(QStringLiteral("host"), result->isSaved ? QStringLiteral("Info") : QStringLiteral("Error"),
+                result->sentence);
 }
 
 bool HostApplication::saveReport(const HostOptions& options, QString* sentence)
@@ -196,13 +202,9 @@ bool HostApplication::saveReport(const HostOptions& options, QString* sentence)
     if (QFileInfo::exists(databaseOf(options)))
         m_database.open(databaseOf(options));
     ReportSources sources = reportSources();
-    sources.logs.clear();
+    sources.logs = HostLog::filesAt(QDir(m_diagnosticsFolder).filePath(LogName), HostOptions::MostLogFiles);
     if (!options.log.isEmpty())
         sources.logs.append(options.log);
-    const QStringList names =
-        QDir(m_diagnosticsFolder).entryList({LogName + QLatin1Char('*')}, QDir::Files, QDir::Name);
-    for (const QString& name : names)
-        sources.logs.prepend(QDir(m_diagnosticsFolder).filePath(name));
     return HostReport(sources).save(options.report, options.personal, sentence);
 }
 
@@ -212,6 +214,9 @@ ReportSources HostApplication::reportSources()
     sources.logs = m_log.files();
     sources.trafficFolder = m_diagnosticsFolder;
     sources.personal = personalData(m_database);
+    sources.unknown = m_database.errorText();
+    if (m_database.path().isEmpty() && sources.unknown.isEmpty())
+        sources.unknown = QStringLiteral("there is no patient database '%1'").arg(databaseOf(m_options));
     const IPlugin* plugin = m_pluginHost.plugin();
     sources.versions = {
         {QStringLiteral("merivo-host"), QLatin1String(MERIVO_PLUGIN_VERSION)},
@@ -234,8 +239,8 @@ ReportSources HostApplication::reportSources()
         {QStringLiteral("SimulationPath"), m_options.simulation},
         {QStringLiteral("log"), m_options.log},
         {QStringLiteral("diagnostics"), m_diagnosticsFolder},
-        {QStringLiteral("log-size"), QString::number(m_options.logKib)},
-        {QStringLiteral("log-files"), QString::number(m_options.logFiles)},
+        {QStringLiteral("log-size"), m_options.logKib},
+        {QStringLiteral("log-files"), m_options.logFiles},
     };
     return sources;
 }

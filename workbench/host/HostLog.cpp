@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/HostLog.h"
 
+#include "workbench/support/Platform.h"
+
 #include <QBrush>
 #include <QColor>
 #include <QGuiApplication>
@@ -31,6 +33,11 @@ QColor colourOf(HostLog::Level level)
         break;
     }
     return QGuiApplication::palette().color(QPalette::Text);
+}
+
+QString asidePath(const QString& path, int number)
+{
+    return number == 0 ? path : path + QLatin1Char('.') + QString::number(number);
 }
 
 QString onOneLine(QString text)
@@ -99,34 +106,39 @@ void HostLog::writeToFile(const Record& record)
     const QByteArray line = fields.join(QLatin1Char('\t')).toUtf8() + '\n';
     if (m_limits.bytes > 0 && m_file.size() > 0 && m_file.size() + line.size() > m_limits.bytes)
         startNewFile();
-    if (m_file.write(line) == line.size() && m_file.flush())
+    if (Platform::writeThrough(m_file, line))
         return;
     const QString sentence = QStringLiteral("log file '%1': %2").arg(m_file.fileName(), m_file.errorString());
     m_file.close();
     Q_EMIT fileFailed(sentence);
 }
 
-/// Where a file can't be put aside, the log goes on in the one that there is: no record is lost for a limit.
+/// Where a file can't be put aside, the log goes on in the one that there is: no record is lost for a limit. The older
+/// ones move up no further than to the gap that an attempt has left, or each attempt would push one more out.
 void HostLog::startNewFile()
 {
+    const QString path = m_file.fileName();
     m_file.close();
-    QFile::remove(asidePath(m_limits.files - 1));
-    for (int number = m_limits.files - 1; number > 0; --number)
-        QFile::rename(asidePath(number - 1), asidePath(number));
+    int free = 1;
+    while (free < m_limits.files - 1 && QFile::exists(asidePath(path, free)))
+        ++free;
+    QFile::remove(asidePath(path, free));
+    for (int number = free; number > 0; --number)
+        QFile::rename(asidePath(path, number - 1), asidePath(path, number));
     m_file.open(QIODevice::WriteOnly | QIODevice::Append);
-}
-
-QString HostLog::asidePath(int number) const
-{
-    return number == 0 ? m_file.fileName() : m_file.fileName() + QLatin1Char('.') + QString::number(number);
 }
 
 QStringList HostLog::files() const
 {
+    return filesAt(m_file.fileName(), m_limits.bytes > 0 ? m_limits.files : 1);
+}
+
+QStringList HostLog::filesAt(const QString& path, int most)
+{
     QStringList paths;
-    for (int number = m_limits.bytes > 0 ? m_limits.files - 1 : 0; number >= 0; --number)
-        if (QFile::exists(asidePath(number)))
-            paths.append(asidePath(number));
+    for (int number = most - 1; number >= 0; --number)
+        if (QFile::exists(asidePath(path, number)))
+            paths.append(asidePath(path, number));
     return paths;
 }
 

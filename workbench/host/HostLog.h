@@ -34,6 +34,8 @@ public:
     bool openFile(const QString& path, QString* error, const LogLimits& limits = {});
     /// The files of the log, the oldest first.
     QStringList files() const;
+    /// Those that there are of a log of up to @p most files, the oldest first.
+    static QStringList filesAt(const QString& path, int most);
 
     /// One record. @p channel tells the level; details may be empty.
     void write(const QString& source, const QString& channel, const QString& message, const QStringList& details = {});
@@ -68,7 +70,6 @@ private:
     void showWaiting();
     void writeToFile(const Record& record);
     void startNewFile();
-    QString asidePath(int number) const;
 
     QVector<Record> m_records;
     int m_rowCount = 0; ///< how many of them the table shows; the others wait for the timer

@@ -50,7 +50,8 @@ struct NumberOption
 constexpr NumberOption NumberOptions[] = {
     {"log-size", "KIB", "Size of a log file at which a new one is begun. Default: 1024.", 1, 1024 * 1024,
      &HostOptions::logKib},
-    {"log-files", "COUNT", "Number of log files that are kept. Default: 5.", 2, 99, &HostOptions::logFiles},
+    {"log-files", "COUNT", "Number of log files that are kept. Default: 5.", 2, HostOptions::MostLogFiles,
+     &HostOptions::logFiles},
 };
 
 /// Fills the parser in the order of the help text.

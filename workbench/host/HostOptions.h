@@ -8,6 +8,8 @@
 /// What the program was asked for.
 struct HostOptions
 {
+    static constexpr int MostLogFiles = 99;
+
     QString database;    ///< empty: a file in the user's data folder
     QString plugin;      ///< empty: the library beside the program or in the build tree
     QString drive;       ///< empty: no reader

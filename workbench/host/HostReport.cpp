@@ -20,18 +20,15 @@
 
 namespace {
 
+using Numbers = Anonymiser::Numbers;
+
 /// Of one log file; more than the rotating ones hold.
 constexpr qint64 MostOfALog = qint64(8) * 1024 * 1024;
 constexpr int LogFields = 5;
 
-QByteArray linesOf(const QVector<QPair<QString, QString>>& pairs, Anonymiser* words)
+QByteArray lineOf(const QString& name, const QString& value)
 {
-    QString text;
-    for (const auto& [name, value] : pairs)
-        // A setting that is a number alone is nobody's.
-        text += name + QLatin1String(": ") + (words && value.toInt() == 0 ? words->scrub(value) : value) +
-                QLatin1Char('\n');
-    return text.toUtf8();
+    return (name + QLatin1String(": ") + value + QLatin1Char('\n')).toUtf8();
 }
 
 /// The last lines of a file; nothing if it can't be read.
@@ -42,18 +39,21 @@ std::optional<QByteArray> endOf(const QString& path)
         return std::nullopt;
     if (file.size() > MostOfALog && file.seek(file.size() - MostOfALog))
         file.readLine();
-    return file.readAll();
+    const QByteArray bytes = file.readAll();
+    return file.error() == QFile::NoError ? std::make_optional(bytes) : std::nullopt;
 }
 
 /// Of a log's line the time stays, and what the programs write themselves.
-QByteArray anonymisedLog(const QByteArray& log, Anonymiser& words)
+QByteArray anonymisedLog(const QByteArray& log, Anonymiser& words, Numbers numbers)
 {
     QStringList lines = QString::fromUtf8(log.constData(), log.size()).split(QLatin1Char('\n'));
     for (QString& line : lines) {
         const QString time = line.section(QLatin1Char('\t'), 0, 0);
+        // Written again, since much that isn't a record's time passes for a date, such as a birthday.
         const bool isRecord =
-            line.count(QLatin1Char('\t')) == LogFields - 1 && QDateTime::fromString(time, Qt::ISODateWithMs).isValid();
-        line = isRecord ? time + words.scrub(line.mid(time.size())) : words.scrub(line, Anonymiser::Numbers::Hide);
+            line.count(QLatin1Char('\t')) == LogFields - 1 &&
+            QDateTime::fromString(time, Qt::ISODateWithMs).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")) == time;
+        line = isRecord ? time + words.scrub(line.mid(time.size()), numbers) : words.scrub(line, Numbers::Hide);
     }
     return lines.join(QLatin1Char('\n')).toUtf8();
 }
@@ -80,9 +80,6 @@ QStringList personalData(HostDatabase& database)
         const QDate birthday = QDate::fromString(patient.ids.value(2), Qt::ISODate);
         if (birthday.isValid())
             values.append(shownDate(birthday));
-        const QVector<ImportFacts> imports = database.imports(patient.puid);
-        for (const ImportFacts& facts : imports)
-            values.append(facts.mac);
     }
     return values;
 }
@@ -92,6 +89,11 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
     TrafficAnonymiser anonymiser;
     Anonymiser* words = withPersonalData ? nullptr : &anonymiser.words();
     m_missing.clear();
+
+    // First of all, since the host goes on writing and may put a file aside.
+    QVector<QPair<QString, std::optional<QByteArray>>> logs;
+    for (const QString& path : m_sources.logs)
+        logs.append({QFileInfo(path).fileName(), endOf(path)});
 
     // All that is to be hidden is told before the first text is looked at.
     QMap<QString, QVector<TrafficEntry>> recordings;
@@ -107,15 +109,17 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
             if (entries)
                 recordings.insert(name, *entries);
             else
-                m_missing.append(name + QLatin1String(" (damaged, so what is personal in it can't be told)"));
+                m_missing.append(name + QLatin1String(" (gone or damaged, so what is personal in it can't be told)"));
             anonymiser.learn(recordings.value(name));
         }
     }
 
     QVector<Member> result;
-    for (const QString& path : m_sources.logs) {
-        const QString name = QFileInfo(path).fileName();
-        const auto bytes = endOf(path);
+    const Numbers numbers = m_sources.unknown.isEmpty() ? Numbers::KeepShort : Numbers::Hide;
+    if (words && numbers == Numbers::Hide)
+        m_missing.append(QStringLiteral("all numbers of the log, since nobody could tell which are a patient's (%1)")
+                             .arg(words->scrub(m_sources.unknown)));
+    for (const auto& [name, bytes] : qAsConst(logs)) {
         if (!bytes) {
             m_missing.append((words ? words->scrub(name) : name) + QLatin1String(" (can't be read)"));
             continue;
@@ -123,21 +127,27 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
         // The file's name may be the user's own.
         const QString number = m_sources.logs.size() > 1 ? QStringLiteral("-%1").arg(result.size() + 1) : QString();
         result.append({QStringLiteral("log/host%1.log").arg(number), QStringLiteral("log of the host and the plug-in"),
-                       words ? anonymisedLog(*bytes, *words) : *bytes});
+                       words ? anonymisedLog(*bytes, *words, numbers) : *bytes});
     }
     for (const QString& name : names) {
-        const bool isSound = recordings.contains(name);
-        if (words && !isSound)
+        if (words && !recordings.contains(name))
             continue;
-        result.append({QStringLiteral("traffic/") + name,
-                       QStringLiteral("traffic of one run; play it with merivo-reader --replay"),
-                       words ? recordingOf(recordings.take(name), anonymiser)
-                             : endOf(traffic.filePath(name)).value_or(QByteArray())});
+        const auto bytes = words ? recordingOf(recordings.take(name), anonymiser) : endOf(traffic.filePath(name));
+        if (bytes)
+            result.append({QStringLiteral("traffic/") + name,
+                           QStringLiteral("traffic of one run; play it with merivo-reader --replay"), *bytes});
+        else
+            m_missing.append(name + QLatin1String(" (can't be read)"));
     }
-    result.append(
-        {QStringLiteral("versions.txt"), QStringLiteral("programs and system"), linesOf(m_sources.versions, nullptr)});
-    result.append({QStringLiteral("settings.txt"), QStringLiteral("what the host runs with"),
-                   linesOf(m_sources.settings, words)});
+    QByteArray versions, settings;
+    for (const auto& [name, version] : m_sources.versions)
+        versions += lineOf(name, version);
+    for (const auto& [name, value] : m_sources.settings) {
+        const bool isText = value.type() == QVariant::String;
+        settings += lineOf(name, words && isText ? words->scrub(value.toString()) : value.toString());
+    }
+    result.append({QStringLiteral("versions.txt"), QStringLiteral("programs and system"), versions});
+    result.append({QStringLiteral("settings.txt"), QStringLiteral("what the host runs with"), settings});
     return result;
 }
 

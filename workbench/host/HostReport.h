@@ -6,6 +6,7 @@
 #include <QPair>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 #include <QVector>
 
 class HostDatabase;
@@ -13,15 +14,16 @@ class HostDatabase;
 /// What a report is made of.
 struct ReportSources
 {
-    QStringList logs;                          ///< paths, the oldest first
-    QString trafficFolder;                     ///< empty: no traffic is kept
-    QVector<QPair<QString, QString>> versions; ///< of programs and system
-    QVector<QPair<QString, QString>> settings; ///< that the program runs with
-    QStringList personal;                      ///< what is somebody's, wherever it stands
+    QStringList logs;                           ///< paths, the oldest first
+    QString trafficFolder;                      ///< empty: no traffic is kept
+    QVector<QPair<QString, QString>> versions;  ///< of programs and system
+    QVector<QPair<QString, QVariant>> settings; ///< that the program runs with; what is no text is nobody's
+    QStringList personal;                       ///< what is somebody's, wherever it stands
+    QString unknown;                            ///< why that isn't all; empty: it is
 };
 
 /// What the database and the system know as somebody's, the database's GUID too. On the thread of the database, which
-/// may be closed.
+/// may be closed. A failure is in its errorText().
 QStringList personalData(HostDatabase& database);
 
 /// Writes one archive (zip) for whoever is to find out what went wrong: a list of its contents, log, versions, settings
