@@ -74,7 +74,8 @@ private Q_SLOTS:
         QVERIFY(seen[4].contains(seen[0].section(' ', 3, 3).remove(':') + "</BTADR><PATIENT_ID>0</PATIENT_ID></"));
         QVERIFY(seen[1].contains("done\r\nResult  = " + serial + "\r\nError code -31.\r\n"));
         QVERIFY(seen[3].endsWith("Status  = done\nResult  = " + file + "\nError code -0.\n"));
-        QVERIFY(!seen.last().contains("Lost") && !seen.last().contains('7'));
+        QVERIFY(!seen.last().contains("Lost") && !seen.last().contains('7') && !seen[10].contains("-7."));
+        QVERIFY(seen.last().contains("\"1.0\" encoding=\"ISO-8859-1\"?>"));
         QVERIFY(seen[5].endsWith("\nFirmware version 3.2.23") && seen[6].split('\n').size() == 6);
     }
 

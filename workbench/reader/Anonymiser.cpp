@@ -99,6 +99,16 @@ int hexadecimalAt(const QString& text, int at)
     return end < text.size() && isOfWord(text.at(end)) ? 0 : length;
 }
 
+/// Whether a hyphen, a slash or an underscore joins what stands there to another word, as in a serial number.
+bool isJoined(const QString& text, int at, int end)
+{
+    const auto joins = [&text](int mark, int beyond) {
+        return mark >= 0 && beyond >= 0 && mark < text.size() && beyond < text.size() &&
+               QLatin1String("-/_").contains(text.at(mark)) && isOfWord(text.at(beyond));
+    };
+    return joins(at - 1, at - 2) || joins(end, end + 1);
+}
+
 int wordAt(const QString& text, int at)
 {
     int end = at;
@@ -183,8 +193,9 @@ QString Anonymiser::replace(const QString& text, Numbers numbers, bool keepVocab
         const QString word = text.mid(at, length);
         // What is left of a word behind a known value, as of an id that another one begins with, counts nothing.
         const bool isRest = at > 0 && isOfWord(text.at(at - 1));
+        const bool isPart = isRest || isJoined(text, at, at + length);
         at += length;
-        const bool isCut = isRest || (at < text.size() && isOfWord(text.at(at)));
+        const bool isCut = isPart || (at < text.size() && isOfWord(text.at(at)));
         if (!isKnown && keepVocabulary && isKept(word, isCut ? Numbers::Hide : numbers)) {
             result += word;
             continue;

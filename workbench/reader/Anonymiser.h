@@ -21,7 +21,9 @@ class Anonymiser final
 {
 public:
     enum class Numbers {
-        KeepShort, ///< Up to three digits stay: they count, or tell seconds, versions and error codes.
+        /// Up to three digits stay where no hyphen, slash or underscore joins them to a word: they count, or tell
+        /// seconds, versions and error codes.
+        KeepShort,
         Hide,
     };
 

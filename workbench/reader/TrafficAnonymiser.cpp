@@ -8,6 +8,7 @@
 #include <QCryptographicHash>
 #include <QFile>
 #include <QRegularExpression>
+#include <QTextCodec>
 #include <QXmlStreamReader>
 
 #include <algorithm>
@@ -40,6 +41,13 @@ QString decoded(const QByteArray& bytes, bool* isUtf8)
         if (c.unicode() >= 0x80)
             c = QChar(PrivateUse + c.unicode());
     return text;
+}
+
+/// An exchange file's name without what makes it one, as in "I*.xml".
+QString stemOf(const QString& exchangeName)
+{
+    constexpr int Marks = 5;
+    return exchangeName.mid(1, exchangeName.size() - Marks);
 }
 
 QString commandWordOf(const QStringList& statusLines)
@@ -81,6 +89,16 @@ void eachPart(const QString& list, const std::function<void(const QString&, cons
     part(element, list.mid(at));
 }
 
+/// The first tag of a list, which names no encoding but one that there is.
+bool isDeclaration(const QString& tag)
+{
+    static const QRegularExpression Form(
+        QStringLiteral("^<\\?xml version=[\"']1\\.[01][\"'](?: encoding=[\"']([\\w.-]+)[\"'])?\\s*\\?>$"));
+    const QRegularExpressionMatch match = Form.match(tag);
+    const QByteArray encoding = match.captured(1).toLatin1();
+    return match.hasMatch() && (encoding.isEmpty() || QTextCodec::codecForName(encoding));
+}
+
 bool isIdentity(const QString& element)
 {
     return element == QLatin1String("NAME") || element == QLatin1String("SERIALNR") ||
@@ -102,6 +120,8 @@ void TrafficAnonymiser::learn(const QVector<TrafficEntry>& entries)
             m_words.know(value);
     };
     for (const TrafficEntry& entry : entries) {
+        if (isExchangeName(entry.name()))
+            know(stemOf(entry.name()));
         bool isUtf8 = false;
         const QString text = decoded(entry.bytes.value_or(QByteArray()), &isUtf8);
         if (entry.isCommand()) {
@@ -162,8 +182,8 @@ QString TrafficAnonymiser::nameOf(const QString& name)
 
 QString TrafficAnonymiser::exchangeName(const QString& name)
 {
-    constexpr int Ending = 4;
-    return name.left(1) + m_words.scrub(name.mid(1, name.size() - 1 - Ending)) + name.right(Ending);
+    const QString stem = stemOf(name);
+    return name.left(1) + m_words.hide(stem) + name.mid(1 + stem.size());
 }
 
 QString TrafficAnonymiser::contentOf(const TrafficEntry& entry, const QString& text)
@@ -206,10 +226,11 @@ QString TrafficAnonymiser::status(const QString& text)
             line = m_words.scrub(line, Numbers::Hide);
         } else if (i == 3) {
             const QString result = value.trimmed();
-            line = marksOf(line.left(label)) + (isNobodys(result)        ? value
-                                                : isExchangeName(result) ? exchangeName(value)
-                                                : isIdOf(command)        ? m_words.hide(value)
-                                                                         : m_words.scrub(value));
+            line = marksOf(line.left(label)) + (isNobodys(result) ? value
+                                                : isExchangeName(result)
+                                                    ? QString(value).replace(result, exchangeName(result))
+                                                : isIdOf(command) ? m_words.hide(value)
+                                                                  : m_words.scrub(value));
         } else if (i == 4) {
             // The code stands between the last hyphen and one last character.
             const int code = line.lastIndexOf(QLatin1Char('-')) + 1;
@@ -230,8 +251,8 @@ QString TrafficAnonymiser::deviceList(const QString& text)
 {
     QString result;
     eachPart(text, [&](const QString& element, const QString& part) {
-        if (part.startsWith(QLatin1String("<?xml")))
-            result += m_words.scrub(part);
+        if (isDeclaration(part))
+            result += part;
         else if (element.isEmpty())
             result += part.startsWith(QLatin1String("<!")) ? m_words.scrub(part, Numbers::Hide) : marksOf(part);
         else if (isIdentity(element))
