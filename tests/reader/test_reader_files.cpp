@@ -11,10 +11,12 @@
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
 
+#include <QCursor>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QRegularExpression>
 #include <QTest>
+#include <QWindow>
 
 #include <utility>
 
@@ -356,6 +358,22 @@ private Q_SLOTS:
         QTEST(m_host.journal.lines.join(' '), "calls");
         // Two lines a pause: there were no others.
         QCOMPARE(m_messages->texts(QtDebugMsg, "default").size(), (stepsIn ? 2 : 0) + (stepsOut ? 2 : 0));
+    }
+
+    void waitTakesTheUsersInput()
+    {
+        struct : QWindow
+        {
+            void mouseMoveEvent(QMouseEvent*) override { hasMoved = true; }
+            bool hasMoved = false;
+        } window;
+        window.setGeometry(100, 100, 200, 200);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCursor::setPos(150, 150); // into the queue, unlike QTest's events, which go past it
+        QVERIFY(!window.hasMoved);
+        UsbDeviceAdapter::wait(20);
+        QVERIFY(window.hasMoved);
     }
 
     void waitWithoutTime()

@@ -16,6 +16,12 @@
 #include <atomic>
 #include <utility>
 
+#ifdef Q_OS_LINUX
+#include <sys/syscall.h>
+#include <sys/time.h>
+#include <unistd.h>
+#endif
+
 Q_DECLARE_METATYPE(ReaderFolder::Answer)
 using InMidRun = void (*)(const ReaderFolder&);
 Q_DECLARE_METATYPE(InMidRun)
@@ -42,7 +48,19 @@ void cancel(const ReaderFolder&)
     CommandFileWriter::instance()->abort(); // as the dialogs do; from here on the word is another one
 }
 
+std::atomic<int> s_clockShift{0}; ///< of the wall clock, in seconds
+
 } // namespace
+
+#ifdef Q_OS_LINUX
+/// Stands in for the C library's, by which Qt reads the wall clock alone.
+extern "C" Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
+{
+    const long result = syscall(SYS_gettimeofday, time, nullptr);
+    time->tv_sec += s_clockShift;
+    return static_cast<int>(result);
+}
+#endif
 
 class TestReaderPolling : public QObject
 {
@@ -63,6 +81,7 @@ private Q_SLOTS:
         m_parser = StatusFileParser::create(m_folder->drive());
         m_ends.clear();
         m_percentages.clear();
+        s_clockShift = 0;
         m_host.journal.clear();
         const auto end = [this](const QString& signal) {
             m_ends.append(signal);
@@ -138,6 +157,12 @@ private Q_SLOTS:
             [](const ReaderFolder& f) { f.writeFile("STATUS.TXT", "\nCmd=BTREAD\n"); });
         row("drive gone", {{20, "running"}}, ample, "timeout, err Error [1], status 0, state 1",
             [](const ReaderFolder& f) { QDir(f.drive()).removeRecursively(); });
+#ifdef Q_OS_LINUX
+        row("clock set back", {{20, "running"}, {600, "done", "R", 7}}, ample,
+            "finished(1), mcp Stop [1], status 2, state 2", [](const ReaderFolder&) { s_clockShift = -3600; });
+        row("clock set forth", {{20, "running"}}, ample, "timeout, err Unfinished [1], status 0, state 1",
+            [](const ReaderFolder&) { s_clockShift = 3600; });
+#endif
     }
     void run()
     {
@@ -165,7 +190,7 @@ private Q_SLOTS:
 
         static const QRegularExpression line(
             "^(mcp|err)\\|--- (?|(Stop|Cancel|Error)|'(Un\\w+) command' timeout) during "
-            "polling \\(linear progress: \\d+ of -?\\d+ = \\d+%\\) detected/notified "
+            "polling \\(linear progress: -?\\d+ of -?\\d+ = -?\\d+%\\) detected/notified "
             "(\\[changed=[01]\\])\\.\\|\\|$");
         const QStringList ends = m_host.journal.lines.filter(line);
         QCOMPARE(ends.size(), 1);
@@ -178,6 +203,7 @@ private Q_SLOTS:
         // As the reader last wrote them, also after a cancel.
         QCOMPARE(record.result, answers.isEmpty() ? "old" : answers.last().result);
         QCOMPARE(record.error, answers.isEmpty() ? 3 : answers.last().error);
+        QVERIFY(std::all_of(m_percentages.cbegin(), m_percentages.cend(), [](int p) { return p >= 0 && p <= 100; }));
         QVERIFY(limits[2] != 0 || m_percentages.isEmpty());                              // ended at its first tick
         QVERIFY(state != StatusFileParser::Started || m_seen == CommandStatus::Running); // in mid-run too
 
