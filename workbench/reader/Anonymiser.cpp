@@ -158,10 +158,10 @@ int Anonymiser::knownAt(const QString& folded, int at) const
     for (int head = std::min(HeadLength, folded.size() - at); head > 0; --head) {
         if (head < HeadLength && !isAtBegin)
             break;
-        const auto found = m_lengths.constFind(headOf(folded, at, head));
-        if (found == m_lengths.constEnd())
+        const auto found = m_lengths.find(headOf(folded, at, head));
+        if (found == m_lengths.cend())
             continue;
-        for (const int length : *found) {
+        for (const int length : found->second) {
             const int end = at + length;
             if (end > folded.size() || (length < HeadLength && end < folded.size() && isOfWord(folded.at(end))))
                 continue;

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QVector>
 
+#include <unordered_map>
+
 /// Replaces what could tell of a person, a device or a key by something of the same form: each digit by a digit, each
 /// letter by an ASCII letter of the same case, all else stays. The same word gets the same replacement as long as the
 /// object lives, two words never get the same one. The replacements are drawn at random and kept nowhere, so nothing
@@ -44,8 +46,10 @@ private:
     int knownAt(const QString& folded, int at) const;
     QString replacementOf(const QString& word);
 
-    QSet<QString> m_known;                  // case-folded
-    QHash<quint64, QVector<int>> m_lengths; // of the known values by their first characters, longest first
+    QSet<QString> m_known; // case-folded
+    // Of the known values by their first characters, longest first. Not a QHash, whose hash of such a number throws the
+    // first two characters and the next two together.
+    std::unordered_map<quint64, QVector<int>> m_lengths;
     QHash<QString, QString> m_replacements; // case-folded words to lower-case ones
     // What is drawn doesn't depend on what it replaces, so a sequence that could be told serves; the system's own
     // source is slow.
