@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 namespace {
@@ -114,6 +115,31 @@ private Q_SLOTS:
         for (const QString& name : qAsConst(names)) {
             const auto entries = loadTraffic(folder.filePath(name), &errors);
             QVERIFY(entries && QFileInfo(folder.filePath(name)).size() <= 4000 && entries->at(0).filler);
+        }
+    }
+
+    void logGoesOnBehindAFullDisk()
+    {
+        const QTemporaryDir folder;
+        for (const int restMs : {0, 60000}) {
+            const QString path = folder.filePath("log%1").arg(restMs);
+            QVERIFY(QFile::link("/dev/full", path));
+            HostLog log;
+            const QSignalSpy failures(&log, &HostLog::fileFailed);
+            QString error;
+            QVERIFY(log.openFile(path, &error, {0, 2, restMs}));
+            for (const char* message : {"first", "second", "third"})
+                log.write("host", "Info", message);
+            QVERIFY(QFile::remove(path));
+            log.write("host", "Info", "fourth");
+            log.write("host", "Info", "fifth");
+            QCOMPARE(failures.size(), 1);
+            QStringList messages;
+            for (const QString& line : QString(bytesOf(path)).split('\n'))
+                messages.append(line.section('\t', 3, 3));
+            const QString gap = "The log couldn't be written: 3 records are missing here.";
+            QCOMPARE(messages,
+                     restMs ? QStringList(QString()) : QStringList({QString(), gap, "fourth", "fifth", QString()}));
         }
     }
 

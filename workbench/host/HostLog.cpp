@@ -65,6 +65,7 @@ bool HostLog::openFile(const QString& path, QString* error, const LogLimits& lim
     if (m_file.open(QIODevice::WriteOnly | QIODevice::Append))
         return true;
     *error = QStringLiteral("log file '%1': %2").arg(path, m_file.errorString());
+    m_file.setFileName(QString());
     return false;
 }
 
@@ -97,20 +98,51 @@ void HostLog::showWaiting()
     endInsertRows();
 }
 
-void HostLog::writeToFile(const Record& record)
+QByteArray HostLog::lineOf(const Record& record)
 {
-    if (!m_file.isOpen())
-        return;
     const QStringList fields{record.time.toString(Qt::ISODateWithMs), record.channel, record.source,
                              onOneLine(record.message), onOneLine(record.details)};
-    const QByteArray line = fields.join(QLatin1Char('\t')).toUtf8() + '\n';
+    return fields.join(QLatin1Char('\t')).toUtf8() + '\n';
+}
+
+void HostLog::writeToFile(const Record& record)
+{
+    if (m_file.fileName().isEmpty())
+        return;
+    if (!m_file.isOpen() && !takeFileUpAgain()) {
+        ++m_lacking;
+        return;
+    }
+    const QByteArray line = lineOf(record);
     if (m_limits.bytes > 0 && m_file.size() > 0 && m_file.size() + line.size() > m_limits.bytes)
         startNewFile();
     if (Platform::writeThrough(m_file, line))
         return;
     const QString sentence = QStringLiteral("log file '%1': %2").arg(m_file.fileName(), m_file.errorString());
     m_file.close();
+    m_rest.setRemainingTime(m_limits.restMs);
+    m_lacking = 1;
     Q_EMIT fileFailed(sentence);
+}
+
+bool HostLog::takeFileUpAgain()
+{
+    if (!m_rest.hasExpired())
+        return false;
+    m_rest.setRemainingTime(m_limits.restMs);
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Append))
+        return false;
+    const Record gap{QDateTime::currentDateTime(),
+                     Warning,
+                     QStringLiteral("host"),
+                     QStringLiteral("Warning"),
+                     QStringLiteral("The log couldn't be written: %1 records are missing here.").arg(m_lacking),
+                     {}};
+    // Behind a line end, as what failed can have left a part of its line.
+    if (Platform::writeThrough(m_file, '\n' + lineOf(gap)))
+        return true;
+    m_file.close();
+    return false;
 }
 
 /// Where a file can't be put aside, the log goes on in the one that there is: no record is lost for a limit. The older

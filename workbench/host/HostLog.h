@@ -4,6 +4,7 @@
 
 #include <QAbstractTableModel>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QStringList>
 #include <QTimer>
@@ -15,6 +16,9 @@ struct LogLimits
 {
     qint64 bytes = 0; ///< of one file, unless one record alone is longer; 0: no limit
     int files = 2;    ///< with the one that is written, at least 2
+    /// How long a file that couldn't be written rests before it is tried again, as a slow drive would hold up each
+    /// record; in milliseconds.
+    int restMs = 60000;
 };
 
 /// The host's log, as a table for the window and as lines in a file. The file holds every record, at once; the table
@@ -53,7 +57,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 Q_SIGNALS:
-    /// The log file can't be written any more; records still come to the table.
+    /// The log file can't be written; records still come to the table. Once it can be again, a line there tells how
+    /// many it lacks.
     void fileFailed(const QString& sentence);
 
 private:
@@ -68,7 +73,9 @@ private:
     };
 
     void showWaiting();
+    static QByteArray lineOf(const Record& record);
     void writeToFile(const Record& record);
+    bool takeFileUpAgain();
     void startNewFile();
 
     QVector<Record> m_records;
@@ -76,4 +83,6 @@ private:
     QTimer m_showTimer;
     QFile m_file;
     LogLimits m_limits;
+    QDeadlineTimer m_rest;
+    int m_lacking = 0; ///< records that the file lacks since it failed
 };
