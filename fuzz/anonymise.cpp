@@ -35,13 +35,17 @@ private:
 };
 
 /// The values of the commands and of the device lists, which are a patient's and pumps' own, as far as nothing else can
-/// look like them: they have a letter and a digit, and neither blanks nor other marks.
+/// look like them: they have a letter, a digit and four of both in a row, and neither blanks nor other marks. With them
+/// their longer numbers, which tell a pump too.
 QStringList secretsOf(const QVector<TrafficEntry>& entries)
 {
     static const QRegularExpression value(QStringLiteral("<(?:NAME|SERIALNR|BTADR|PATIENT_ID)>([^<>&]*)</"));
     static const QRegularExpression distinct(
-        QStringLiteral("^(?=.*[A-Za-z])(?=.*[0-9])[A-Za-z0-9][A-Za-z0-9-]{4,}[A-Za-z0-9]\\z"));
+        QStringLiteral("^(?=.*[A-Za-z])(?=.*[0-9])(?=.*[A-Za-z0-9]{4})[A-Za-z0-9][A-Za-z0-9-]{4,}[A-Za-z0-9]\\z"));
+    static const QRegularExpression declaration(QStringLiteral("<\\?[^>]*>"));
+    static const QRegularExpression number(QStringLiteral("[0-9]{6,}"));
     QStringList values;
+    QString declarations; // which stay
     for (const TrafficEntry& entry : entries) {
         if (!entry.bytes || entry.bytes->contains('\0'))
             continue;
@@ -52,25 +56,34 @@ QStringList secretsOf(const QVector<TrafficEntry>& entries)
             values += {command->serialNumber, command->address, command->patientId};
         if (entry.name() != ReaderNames::DeviceList)
             continue;
-        for (auto found = value.globalMatch(QString::fromLatin1(*entry.bytes)); found.hasNext();)
+        const QString list = QString::fromLatin1(*entry.bytes);
+        for (auto found = value.globalMatch(list); found.hasNext();)
             values += found.next().captured(1);
+        for (auto found = declaration.globalMatch(list); found.hasNext();)
+            declarations += found.next().captured();
     }
     QStringList secrets;
-    std::copy_if(values.cbegin(), values.cend(), std::back_inserter(secrets),
-                 [](const QString& text) { return distinct.match(text).hasMatch() && !Anonymiser::isPlain(text); });
+    std::copy_if(values.cbegin(), values.cend(), std::back_inserter(secrets), [&declarations](const QString& text) {
+        return distinct.match(text).hasMatch() && !Anonymiser::isPlain(text) && !declarations.contains(text);
+    });
+    for (const QString& secret : QStringList(secrets))
+        for (auto found = number.globalMatch(secret); found.hasNext();)
+            secrets += found.next().captured();
     return secrets;
 }
 
 /// Whether one of these values stands in what the recording becomes.
 bool isShown(const QStringList& secrets, const QVector<TrafficEntry>& entries)
 {
+    static const QRegularExpression errorCode(QStringLiteral("Error code -[0-9]+"));
     TrafficAnonymiser anonymiser;
     anonymiser.learn(entries);
     for (const TrafficEntry& entry : entries) {
         const TrafficEntry other = anonymiser.anonymised(entry);
         const QByteArray content = other.bytes.value_or(QByteArray());
-        const QString shown =
+        QString shown =
             other.file + QLatin1Char('\n') + QString::fromLatin1(content.constData(), content.size()); // zeros too
+        shown.remove(errorCode); // stays, whatever it is
         for (const QString& secret : secrets)
             if (shown.contains(secret, Qt::CaseInsensitive))
                 return true;

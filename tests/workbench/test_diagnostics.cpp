@@ -77,6 +77,9 @@ private Q_SLOTS:
         QVERIFY(seen[3].endsWith("Status  = done\nResult  = " + file + "\nError code -0.\n"));
         QVERIFY(!seen.last().contains("Lost") && !seen.last().contains('7') && !seen[10].contains("-7."));
         QVERIFY(seen.last().contains("\"1.0\" encoding=\"ISO-8859-1\"?>"));
+        // A serial number is the same inside a longer name, and a list breaks off where it did.
+        QVERIFY(seen[12].startsWith('I' + serial) && seen[13].contains(" & ") && seen[13].contains("ID>0</"));
+        QVERIFY(seen[13].contains("<?xml version = '1.0'\nencoding='UTF-8'  standalone='no'?>"));
         QVERIFY(seen[5].endsWith("\nFirmware version 3.2.23") && seen[6].split('\n').size() == 6);
     }
 

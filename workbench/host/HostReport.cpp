@@ -144,7 +144,7 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
         versions += lineOf(name, version);
     for (const auto& [name, value] : m_sources.settings) {
         const bool isText = value.type() == QVariant::String;
-        settings += lineOf(name, words && isText ? words->scrub(value.toString()) : value.toString());
+        settings += lineOf(name, words && isText ? words->scrub(value.toString(), numbers) : value.toString());
     }
     result.append({QStringLiteral("versions.txt"), QStringLiteral("programs and system"), versions});
     result.append({QStringLiteral("settings.txt"), QStringLiteral("what the host runs with"), settings});

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/Anonymiser.h"
 
-#include <QRegularExpression>
-
 #include <algorithm>
 #include <functional>
 #include <iterator>
@@ -81,22 +79,28 @@ bool isKept(const QString& word, Anonymiser::Numbers numbers)
     return vocabulary().contains(word) || vocabulary().contains(word.toLower());
 }
 
-/// Addresses, GUIDs, MACs and keys: twelve hexadecimal digits or more, in pairs or not.
-const QRegularExpression& hexadecimal()
-{
-    static const QRegularExpression expression(QStringLiteral("[0-9A-Fa-f]{2}(?:[:-]?[0-9A-Fa-f]{2}){5,}"));
-    return expression;
-}
-
+/// Addresses, GUIDs, MACs and keys: twelve hexadecimal digits or more, in pairs or not. No regular expression, which
+/// would go through all the rest of the text for each word.
 int hexadecimalAt(const QString& text, int at)
 {
+    constexpr int LeastPairs = 6;
     if (at > 0 && isOfWord(text.at(at - 1)))
         return 0;
-    const int length = hexadecimal()
-                           .match(text, at, QRegularExpression::NormalMatch, QRegularExpression::AnchoredMatchOption)
-                           .capturedLength();
-    const int end = at + length;
-    return end < text.size() && isOfWord(text.at(end)) ? 0 : length;
+    const auto isDigit = [&text](int place) {
+        const char c = place < text.size() ? text.at(place).toLatin1() : '\0';
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+    };
+    int length = 0;
+    int pairs = 0;
+    for (int next = at; isDigit(next) && isDigit(next + 1);) {
+        next += 2;
+        ++pairs;
+        if (next == text.size() || !isOfWord(text.at(next)))
+            length = pairs < LeastPairs ? 0 : next - at;
+        if (next < text.size() && (text.at(next) == QLatin1Char(':') || text.at(next) == QLatin1Char('-')))
+            ++next;
+    }
+    return length;
 }
 
 /// Whether a hyphen, a slash or an underscore joins what stands there to another word, as in a serial number.
@@ -172,6 +176,15 @@ int Anonymiser::knownAt(const QString& folded, int at) const
     return 0;
 }
 
+bool Anonymiser::holdsKnown(const QString& text) const
+{
+    const QString key = folded(text);
+    for (int at = 0; at < key.size(); ++at)
+        if (isOfWord(key.at(at)) && knownAt(key, at) > 0)
+            return true;
+    return false;
+}
+
 QString Anonymiser::replace(const QString& text, Numbers numbers, bool keepVocabulary)
 {
     QString result;
@@ -228,8 +241,8 @@ QString Anonymiser::replacementOf(const QString& word)
         // There are few words of a letter or two. Where they run out a replacement may be a word that means something,
         // and then a longer one, but never that of another word.
         drawn += QString(tries / 10000, QLatin1Char('x'));
-        const bool isGood = drawn != key && !m_taken.contains(drawn) && !vocabulary().contains(drawn);
-        if (!m_drawn.contains(drawn) && (isGood || tries > 1000))
+        const bool isGood = !m_taken.contains(drawn) && !vocabulary().contains(drawn);
+        if (drawn != key && !m_drawn.contains(drawn) && (isGood || tries > 1000))
             replacement = drawn;
     }
     m_drawn.insert(replacement);

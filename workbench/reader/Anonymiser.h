@@ -33,6 +33,9 @@ public:
     /// only if it stands alone. Tell all values before the first text.
     void know(const QString& value);
 
+    /// True if a known value stands in the text.
+    bool holdsKnown(const QString& text) const;
+
     /// A text with all but the vocabulary replaced.
     QString scrub(const QString& text, Numbers numbers = Numbers::KeepShort) { return replace(text, numbers, true); }
     /// A text with every word replaced.

@@ -21,7 +21,10 @@ using Numbers = Anonymiser::Numbers;
 constexpr int CommandLabel = 4;
 constexpr int ValueLabel = 10;
 constexpr int VersionLine = 4;
+constexpr int ShortStem = 3; ///< would be known only where it stands alone, which it never does
 constexpr int PrivateUse = 0xe000;
+constexpr int LongestCode = 3; ///< behind another label than the reader's own
+const QString CodeLabel = QStringLiteral("Error code -");
 const QByteArray ByteOrderMark = QByteArrayLiteral("\xef\xbb\xbf");
 /// The one pump name that isn't somebody's choice: the plug-in goes by it.
 const QString ProductName = QStringLiteral("Cygnara");
@@ -61,13 +64,16 @@ bool isIdOf(const QString& commandWord)
     return commandWord == QLatin1String("BTISPAIRED") || commandWord == QLatin1String("BTPAIR");
 }
 
-/// What stands between two tags, with its entities and CDATA sections resolved.
-QString plainText(const QString& content)
+/// What stands between two tags, with its entities and CDATA sections resolved; up to the fault if there is one.
+QString plainText(const QString& content, bool* isSound)
 {
+    *isSound = true;
     if (!content.contains(QLatin1Char('&')) && !content.contains(QLatin1Char('<')))
         return content;
     QXmlStreamReader xml(QLatin1String("<a>") + content + QLatin1String("</a>"));
-    return xml.readNextStartElement() ? xml.readElementText() : QString();
+    const QString text = xml.readNextStartElement() ? xml.readElementText() : QString();
+    *isSound = !xml.hasError();
+    return text;
 }
 
 /// Calls @p part for each piece of a device list, tag by tag: the name of the start tag ahead of it, empty for a tag
@@ -89,11 +95,12 @@ void eachPart(const QString& list, const std::function<void(const QString&, cons
     part(element, list.mid(at));
 }
 
-/// The first tag of a list, which names no encoding but one that there is.
+/// A tag such as a list begins with, which names no encoding but one that there is.
 bool isDeclaration(const QString& tag)
 {
     static const QRegularExpression Form(
-        QStringLiteral("^<\\?xml version=[\"']1\\.[01][\"'](?: encoding=[\"']([\\w.-]+)[\"'])?\\s*\\?>$"));
+        QStringLiteral("^<\\?xml\\s+version\\s*=\\s*[\"']1\\.[01][\"'](?:\\s+encoding\\s*=\\s*[\"']([\\w.-]+)[\"'])?"
+                       "(?:\\s+standalone\\s*=\\s*[\"'](?:yes|no)[\"'])?\\s*\\?>$"));
     const QRegularExpressionMatch match = Form.match(tag);
     const QByteArray encoding = match.captured(1).toLatin1();
     return match.hasMatch() && (encoding.isEmpty() || QTextCodec::codecForName(encoding));
@@ -120,8 +127,6 @@ void TrafficAnonymiser::learn(const QVector<TrafficEntry>& entries)
             m_words.know(value);
     };
     for (const TrafficEntry& entry : entries) {
-        if (isExchangeName(entry.name()))
-            know(stemOf(entry.name()));
         bool isUtf8 = false;
         const QString text = decoded(entry.bytes.value_or(QByteArray()), &isUtf8);
         if (entry.isCommand()) {
@@ -135,10 +140,20 @@ void TrafficAnonymiser::learn(const QVector<TrafficEntry>& entries)
                 know(lines.value(3).mid(ValueLabel).trimmed());
         } else if (entry.name() == ReaderNames::DeviceList) {
             eachPart(text, [&know](const QString& element, const QString& content) {
+                bool isSound = false;
                 if (isIdentity(element))
-                    know(plainText(content));
+                    know(plainText(content, &isSound));
             });
         }
+    }
+    // As the name stands in a log, behind its "I". Where a serial number is in it, that alone is known, so that it is
+    // the same everywhere.
+    for (const TrafficEntry& entry : entries) {
+        if (!isExchangeName(entry.name()) || Anonymiser::isPlain(entry.name()))
+            continue;
+        const QString stem = stemOf(entry.name());
+        if (stem.size() > ShortStem && !m_words.holdsKnown(stem))
+            know(stem);
     }
 }
 
@@ -173,11 +188,11 @@ QString TrafficAnonymiser::nameOf(const QString& name)
         return exchangeName(name);
     if (Anonymiser::isPlain(name))
         return name;
-    // A firmware log: what makes it one stays.
+    // A firmware log: what makes it one stays. No number does, as another one's replacement may be the same.
     const QString ending = QStringLiteral(".log");
     const int at = name.indexOf(ending, 1, Qt::CaseInsensitive);
-    return name.left(1) + m_words.scrub(name.mid(1, at - 1)) + name.mid(at, ending.size()) +
-           m_words.scrub(name.mid(at + ending.size()));
+    return name.left(1) + m_words.scrub(name.mid(1, at - 1), Numbers::Hide) + name.mid(at, ending.size()) +
+           m_words.scrub(name.mid(at + ending.size()), Numbers::Hide);
 }
 
 QString TrafficAnonymiser::exchangeName(const QString& name)
@@ -237,8 +252,11 @@ QString TrafficAnonymiser::status(const QString& text)
             bool isNumber = false;
             line.midRef(code).chopped(std::min(1, line.size() - code)).toInt(&isNumber);
             isNumber = isNumber && !line.back().isLetterOrNumber(); // or it is one word with what stands before it
-            line =
-                marksOf(line.left(code)) + (isNumber ? line.mid(code) : m_words.scrub(line.mid(code), Numbers::Hide));
+            // Elsewhere than behind the reader's own words it may be the end of a serial number.
+            const bool isPart = code > 1 && line.at(code - 2).isLetterOrNumber();
+            const bool isShort = line.size() - code <= LongestCode + 1;
+            const bool isCode = isNumber && (line.left(code) == CodeLabel || (isShort && !isPart));
+            line = marksOf(line.left(code)) + (isCode ? line.mid(code) : m_words.scrub(line.mid(code), Numbers::Hide));
         } else {
             line = marksOf(line.left(label)) + marksOf(value);
         }
@@ -251,21 +269,25 @@ QString TrafficAnonymiser::deviceList(const QString& text)
 {
     QString result;
     eachPart(text, [&](const QString& element, const QString& part) {
+        bool isSound = true;
+        const QString plain = element.isEmpty() ? part : plainText(part, &isSound);
         if (isDeclaration(part))
             result += part;
         else if (element.isEmpty())
             result += part.startsWith(QLatin1String("<!")) ? m_words.scrub(part, Numbers::Hide) : marksOf(part);
+        else if (!isSound) // where an XML reader stops it has to stop again
+            result += m_words.hide(part);
         else if (isIdentity(element))
-            result += isNobodys(part) ? part : m_words.hide(plainText(part)).toHtmlEscaped();
+            result += isNobodys(plain) ? plain : m_words.hide(plain).toHtmlEscaped();
         else
-            result += m_words.scrub(plainText(part), Numbers::Hide).toHtmlEscaped();
+            result += m_words.scrub(plain, Numbers::Hide).toHtmlEscaped();
     });
     return result;
 }
 
 QString TrafficAnonymiser::firmwareLog(const QString& text)
 {
-    static const QRegularExpression Version(QStringLiteral("(?<= )\\d{1,3}(\\.\\d{1,3}){0,3}(?=\\r?$)"));
+    static const QRegularExpression Version(QStringLiteral("(?<= )\\d{1,3}(\\.\\d{1,3}){1,3}(?=\\r?$)"));
     QStringList lines = text.split(QLatin1Char('\n'));
     for (int i = 0; i < lines.size(); ++i) {
         const int version = i == VersionLine ? lines.at(i).indexOf(Version) : -1;
