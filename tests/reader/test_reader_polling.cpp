@@ -178,7 +178,10 @@ private Q_SLOTS:
         timer.start();
         m_parser->start(limits[0], limits[1], limits[2]);
         QTRY_VERIFY_WITH_TIMEOUT(m_host.journal.lines.size() > 3, Limit); // the begin of the run
-        QVERIFY(limits[2] ? timer.elapsed() < 300 : timer.elapsed() >= 500);
+        if (limits[2])
+            m_shortestDelay = std::min(m_shortestDelay, timer.elapsed());
+        else
+            QVERIFY(timer.elapsed() >= 500);
         if (inMidRun) {
             QTRY_VERIFY_WITH_TIMEOUT(!m_percentages.isEmpty() && (m_parser->m_state || answers.isEmpty()), Limit);
             inMidRun(*m_folder);
@@ -313,6 +316,11 @@ private Q_SLOTS:
         QCOMPARE(m_host.journal.lines.size(), records);
     }
 
+    void shortDelayIsShort()
+    {
+        QVERIFY(m_shortestDelay < 300); // a busy machine takes its time now and then, but not each time
+    }
+
 private:
     RecordingHost m_host;
     std::unique_ptr<ReaderFolder> m_folder;
@@ -322,6 +330,7 @@ private:
     QList<int> m_percentages;
     StatusRecord m_record;                         ///< what stood there as the run ended
     CommandStatus m_seen = CommandStatus::Unknown; ///< what stood in the record at the last progress
+    qint64 m_shortestDelay = Limit;                ///< until a run began that didn't ask for the usual delay
     std::atomic<int> m_strangers{0};               ///< signals emitted on any thread but the worker's
 };
 
