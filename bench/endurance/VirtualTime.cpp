@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <limits>
 #include <mutex>
@@ -16,6 +17,7 @@
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
@@ -316,6 +318,7 @@ void VirtualTime::start()
 
 bool VirtualTime::join(const std::string& file, int party)
 {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     s_party = party;
     s_file = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
     void* const memory = mmap(nullptr, sizeof(Clock), PROT_READ | PROT_WRITE, MAP_SHARED, s_file, 0);

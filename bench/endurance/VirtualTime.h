@@ -23,7 +23,8 @@ void start();
 /// In place of start(): shares the clock in @p file, of 4096 zeros at first, with another process; @p party is 0 for
 /// one of them and 1 for the other. Only one of them runs at a time, and the clock stands while a thread is at work or
 /// waits for something else than time and descriptors. So what the two do to each other comes in the same order each
-/// time. A process can go and come again; without party 0 the clock stands. False if the file can't be used.
+/// time. A process can go and come again; without party 0 the clock stands. The process ends with the thread that
+/// started it, as it might wait for its turn for ever. False if the file can't be used.
 bool join(const std::string& file, int party);
 /// Sets the wall clock of this process forth or back, and leaves the other clocks alone.
 void shiftWallClock(qint64 seconds);
