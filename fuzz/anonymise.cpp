@@ -75,7 +75,7 @@ QStringList secretsOf(const QVector<TrafficEntry>& entries)
 /// Whether one of these values stands in what the recording becomes.
 bool isShown(const QStringList& secrets, const QVector<TrafficEntry>& entries)
 {
-    static const QRegularExpression errorCode(QStringLiteral("Error code -[0-9]+"));
+    static const QRegularExpression errorCode(QStringLiteral("Error code -[\\s+]*[0-9]+"));
     TrafficAnonymiser anonymiser;
     anonymiser.learn(entries);
     for (const TrafficEntry& entry : entries) {

@@ -53,7 +53,7 @@ std::atomic<int> s_clockShift{0}; ///< of the wall clock, in seconds
 } // namespace
 
 #ifdef Q_OS_LINUX
-/// Stands in for the C library's, by which Qt reads the wall clock alone.
+/// Stands in for the C library's, by which Qt reads the wall clock and nothing else.
 extern "C" Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
 {
     const long result = syscall(SYS_gettimeofday, time, nullptr);
@@ -70,6 +70,11 @@ private Q_SLOTS:
     void initTestCase()
     {
         qInstallMessageHandler(countWarnings);
+#ifdef Q_OS_LINUX
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        s_clockShift = 3600;
+        QVERIFY(QDateTime::currentMSecsSinceEpoch() - now >= 3600000); // the stand-in is in place
+#endif
         Logger::instance(nullptr, &m_host.services);
     }
 
@@ -318,6 +323,8 @@ private Q_SLOTS:
 
     void shortDelayIsShort()
     {
+        if (m_shortestDelay == Limit)
+            QSKIP("The runs tell.");
         QVERIFY(m_shortestDelay < 300); // a busy machine takes its time now and then, but not each time
     }
 

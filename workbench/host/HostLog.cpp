@@ -40,6 +40,13 @@ QString asidePath(const QString& path, int number)
     return number == 0 ? path : path + QLatin1Char('.') + QString::number(number);
 }
 
+/// True if the file's last line has no end, as a full disk can leave it.
+bool isTorn(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.size() > 0 && file.seek(file.size() - 1) && file.read(1) != "\n";
+}
+
 QString onOneLine(QString text)
 {
     return text.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
@@ -58,14 +65,24 @@ HostLog::HostLog(QObject* parent)
     connect(&m_showTimer, &QTimer::timeout, this, &HostLog::showWaiting);
 }
 
+/// What the file lacks would be told nowhere else.
+HostLog::~HostLog()
+{
+    m_rest = QDeadlineTimer();
+    if (m_isWritten && !m_file.isOpen())
+        takeFileUpAgain();
+}
+
 bool HostLog::openFile(const QString& path, QString* error, const LogLimits& limits)
 {
     m_limits = limits;
     m_file.setFileName(path);
-    if (m_file.open(QIODevice::WriteOnly | QIODevice::Append))
+    m_isWritten = m_file.open(QIODevice::WriteOnly | QIODevice::Append);
+    if (m_isWritten && isTorn(path))
+        Platform::writeThrough(m_file, "\n");
+    if (m_isWritten)
         return true;
     *error = QStringLiteral("log file '%1': %2").arg(path, m_file.errorString());
-    m_file.setFileName(QString());
     return false;
 }
 
@@ -107,7 +124,7 @@ QByteArray HostLog::lineOf(const Record& record)
 
 void HostLog::writeToFile(const Record& record)
 {
-    if (m_file.fileName().isEmpty())
+    if (!m_isWritten)
         return;
     if (!m_file.isOpen() && !takeFileUpAgain()) {
         ++m_lacking;

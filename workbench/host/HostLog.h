@@ -33,6 +33,7 @@ public:
     static constexpr int LevelRole = Qt::UserRole;
 
     explicit HostLog(QObject* parent = nullptr);
+    ~HostLog() override;
 
     /// Appends every record from now on to that file as well, one line each. False if it can't be opened.
     bool openFile(const QString& path, QString* error, const LogLimits& limits = {});
@@ -82,6 +83,7 @@ private:
     int m_rowCount = 0; ///< how many of them the table shows; the others wait for the timer
     QTimer m_showTimer;
     QFile m_file;
+    bool m_isWritten = false; ///< the file could be opened; if it fails later it is tried again
     LogLimits m_limits;
     QDeadlineTimer m_rest;
     int m_lacking = 0; ///< records that the file lacks since it failed

@@ -117,11 +117,12 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
     QVector<Member> result;
     const Numbers numbers = m_sources.unknown.isEmpty() ? Numbers::KeepShort : Numbers::Hide;
     if (words && numbers == Numbers::Hide)
-        m_missing.append(QStringLiteral("all numbers of the log, since nobody could tell which are a patient's (%1)")
-                             .arg(words->scrub(m_sources.unknown)));
+        m_missing.append(
+            QStringLiteral("all numbers of log and settings, since nobody could tell which are a patient's (%1)")
+                .arg(words->scrub(m_sources.unknown, numbers)));
     for (const auto& [name, bytes] : qAsConst(logs)) {
         if (!bytes) {
-            m_missing.append((words ? words->scrub(name) : name) + QLatin1String(" (can't be read)"));
+            m_missing.append((words ? words->scrub(name, numbers) : name) + QLatin1String(" (can't be read)"));
             continue;
         }
         // The file's name may be the user's own.

@@ -123,7 +123,8 @@ int wordAt(const QString& text, int at)
 
 } // namespace
 
-void Anonymiser::know(const QString& value)
+/// Returns what is known from now on.
+QString Anonymiser::learn(const QString& value)
 {
     // Without the marks at its ends, as a text is searched from where a word begins.
     const auto begin = std::find_if(value.cbegin(), value.cend(), isOfWord);
@@ -131,7 +132,7 @@ void Anonymiser::know(const QString& value)
     const QString known = folded(QString(begin, static_cast<int>(end - begin)));
     // Zero stands for nobody and for no pump.
     if (known.isEmpty() || known == QLatin1String("0") || m_known.contains(known))
-        return;
+        return known;
     m_known.insert(known);
     QVector<int>& lengths = m_lengths[headOf(known, 0, std::min(HeadLength, known.size()))];
     if (!lengths.contains(known.size()))
@@ -142,6 +143,7 @@ void Anonymiser::know(const QString& value)
         m_taken.insert(known.mid(at, length));
         at += length;
     }
+    return known;
 }
 
 bool Anonymiser::isPlain(const QString& text)
@@ -155,8 +157,8 @@ bool Anonymiser::isPlain(const QString& text)
     return true;
 }
 
-/// The length of the known value that begins there; 0: none.
-int Anonymiser::knownAt(const QString& folded, int at) const
+/// The length of the longest known value of at most that length that begins there; 0: none.
+int Anonymiser::knownAt(const QString& folded, int at, int most) const
 {
     const bool isAtBegin = at == 0 || !isOfWord(folded.at(at - 1));
     for (int head = std::min(HeadLength, folded.size() - at); head > 0; --head) {
@@ -167,7 +169,8 @@ int Anonymiser::knownAt(const QString& folded, int at) const
             continue;
         for (const int length : found->second) {
             const int end = at + length;
-            if (end > folded.size() || (length < HeadLength && end < folded.size() && isOfWord(folded.at(end))))
+            if (length > most || end > folded.size() ||
+                (length < HeadLength && end < folded.size() && isOfWord(folded.at(end))))
                 continue;
             if (m_known.contains(folded.mid(at, length)))
                 return length;
@@ -180,7 +183,7 @@ bool Anonymiser::holdsKnown(const QString& text) const
 {
     const QString key = folded(text);
     for (int at = 0; at < key.size(); ++at)
-        if (isOfWord(key.at(at)) && knownAt(key, at) > 0)
+        if (isOfWord(key.at(at)) && knownAt(key, at, key.size()) > 0)
             return true;
     return false;
 }
@@ -196,10 +199,10 @@ QString Anonymiser::replace(const QString& text, Numbers numbers, bool keepVocab
         }
         // A word ends where a known value begins in its middle.
         int end = at + 1;
-        int length = std::max(knownAt(key, at), hexadecimalAt(text, at));
+        int length = std::max(knownAt(key, at, key.size()), hexadecimalAt(text, at));
         const bool isKnown = length > 0;
         if (!isKnown) {
-            while (end < text.size() && isOfWord(text.at(end)) && knownAt(key, end) == 0)
+            while (end < text.size() && isOfWord(text.at(end)) && knownAt(key, end, key.size()) == 0)
                 ++end;
             length = end - at;
         }
@@ -213,13 +216,34 @@ QString Anonymiser::replace(const QString& text, Numbers numbers, bool keepVocab
             result += word;
             continue;
         }
-        // Piece by piece, so that a piece on its own gets what it got inside the whole.
-        for (int piece = 0; piece < word.size();) {
-            const int hex = hexadecimalAt(word, piece);
-            const int size = hex > 0 ? hex : wordAt(word, piece);
-            result += size > 0 ? replacementOf(word.mid(piece, size)) : QString(word.at(piece));
-            piece += std::max(size, 1);
+        result += replacementOfPieces(word, m_names.contains(folded(word)));
+    }
+    return result;
+}
+
+/// Piece by piece, so that a piece on its own gets what it got inside the whole. Known values are pieces of names
+/// alone: of two numbers that were cut in different places the replacements could be the same.
+QString Anonymiser::replacementOfPieces(const QString& word, bool isName)
+{
+    QString result;
+    const QString key = folded(word);
+    const auto innerAt = [&](int at) {
+        return isName ? knownAt(key, at, key.size() - 1) : 0;
+    };
+    for (int at = 0; at < word.size();) {
+        int length = isOfWord(word.at(at)) ? innerAt(at) : 0;
+        if (length > 0) {
+            result += replacementOfPieces(word.mid(at, length), false);
+        } else if (length = hexadecimalAt(word, at); length > 0) {
+            result += replacementOf(word.mid(at, length));
+        } else if (!isOfWord(word.at(at))) {
+            result += word.at(at);
+        } else {
+            for (length = 1; at + length < word.size() && isOfWord(word.at(at + length)) && innerAt(at + length) == 0;)
+                ++length;
+            result += replacementOf(word.mid(at, length));
         }
+        at += std::max(length, 1);
     }
     return result;
 }

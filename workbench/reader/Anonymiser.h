@@ -31,7 +31,9 @@ public:
 
     /// A value that must not be seen: from here on it is also found inside words. In up to three characters it counts
     /// only if it stands alone. Tell all values before the first text.
-    void know(const QString& value);
+    void know(const QString& value) { learn(value); }
+    /// The same for a name that may be made of such values, which are in it what they are elsewhere.
+    void knowName(const QString& name) { m_names.insert(learn(name)); }
 
     /// True if a known value stands in the text.
     bool holdsKnown(const QString& text) const;
@@ -46,10 +48,13 @@ public:
 
 private:
     QString replace(const QString& text, Numbers numbers, bool keepVocabulary);
-    int knownAt(const QString& folded, int at) const;
+    int knownAt(const QString& folded, int at, int most) const;
+    QString learn(const QString& value);
+    QString replacementOfPieces(const QString& word, bool isName);
     QString replacementOf(const QString& word);
 
-    QSet<QString> m_known; // case-folded
+    QSet<QString> m_known; // case-folded, as are the names
+    QSet<QString> m_names;
     // Of the known values by their first characters, longest first. Not a QHash, whose hash of such a number throws the
     // first two characters and the next two together.
     std::unordered_map<quint64, QVector<int>> m_lengths;

@@ -68,7 +68,8 @@ bool isIdOf(const QString& commandWord)
 QString plainText(const QString& content, bool* isSound)
 {
     *isSound = true;
-    if (!content.contains(QLatin1Char('&')) && !content.contains(QLatin1Char('<')))
+    static const QRegularExpression marks(QStringLiteral("[&<]|\\]\\]>"));
+    if (!content.contains(marks))
         return content;
     QXmlStreamReader xml(QLatin1String("<a>") + content + QLatin1String("</a>"));
     const QString text = xml.readNextStartElement() ? xml.readElementText() : QString();
@@ -127,6 +128,10 @@ void TrafficAnonymiser::learn(const QVector<TrafficEntry>& entries)
             m_words.know(value);
     };
     for (const TrafficEntry& entry : entries) {
+        // As the name stands in a log, behind its "I".
+        const bool isPersonal = isExchangeName(entry.name()) && !Anonymiser::isPlain(entry.name());
+        if (isPersonal && stemOf(entry.name()).size() > ShortStem)
+            m_words.knowName(stemOf(entry.name()));
         bool isUtf8 = false;
         const QString text = decoded(entry.bytes.value_or(QByteArray()), &isUtf8);
         if (entry.isCommand()) {
@@ -145,15 +150,6 @@ void TrafficAnonymiser::learn(const QVector<TrafficEntry>& entries)
                     know(plainText(content, &isSound));
             });
         }
-    }
-    // As the name stands in a log, behind its "I". Where a serial number is in it, that alone is known, so that it is
-    // the same everywhere.
-    for (const TrafficEntry& entry : entries) {
-        if (!isExchangeName(entry.name()) || Anonymiser::isPlain(entry.name()))
-            continue;
-        const QString stem = stemOf(entry.name());
-        if (stem.size() > ShortStem && !m_words.holdsKnown(stem))
-            know(stem);
     }
 }
 
@@ -252,8 +248,9 @@ QString TrafficAnonymiser::status(const QString& text)
             bool isNumber = false;
             line.midRef(code).chopped(std::min(1, line.size() - code)).toInt(&isNumber);
             isNumber = isNumber && !line.back().isLetterOrNumber(); // or it is one word with what stands before it
-            // Elsewhere than behind the reader's own words it may be the end of a serial number.
-            const bool isPart = code > 1 && line.at(code - 2).isLetterOrNumber();
+            // Behind other words than the reader's it may be the end of a serial number.
+            const bool isPart = code > 1 && line.at(code - 2).isLetterOrNumber() &&
+                                (!Anonymiser::isPlain(line.left(code)) || m_words.holdsKnown(line));
             const bool isShort = line.size() - code <= LongestCode + 1;
             const bool isCode = isNumber && (line.left(code) == CodeLabel || (isShort && !isPart));
             line = marksOf(line.left(code)) + (isCode ? line.mid(code) : m_words.scrub(line.mid(code), Numbers::Hide));
