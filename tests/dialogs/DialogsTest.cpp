@@ -134,12 +134,10 @@ Story::Story(const QString& kind, bool translated, const QString& simulation, co
     StatusFileParser* parser = StatusFileParser::create(reader.drive());
     if (kind != "whole")
         QObject::disconnect(parser, &StatusFileParser::pollingRequested, nullptr, nullptr);
-    QObject::connect(
-        parser, &StatusFileParser::pollingRequested, parser,
-        [this](int stop, int start, int delay) {
-            askedFor = {stop, start, delay};
-        },
-        Qt::DirectConnection);
+    const auto remember = [this](int stop, int start, int delay) {
+        askedFor = {stop, start, delay};
+    };
+    QObject::connect(parser, &StatusFileParser::pollingRequested, parser, remember, Qt::DirectConnection);
     PatientSession::create(nullptr)->setPatientId("P1");
     PatientSession::instance()->setPids(pids);
     PatientSession::instance()->setPump(pump, "stays");

@@ -323,9 +323,7 @@ private Q_SLOTS:
 
     void shortDelayIsShort()
     {
-        if (m_shortestDelay == Limit)
-            QSKIP("The runs tell.");
-        QVERIFY(m_shortestDelay < 300); // a busy machine takes its time now and then, but not each time
+        QVERIFY(m_shortestDelay < 300 || m_shortestDelay == Limit); // a busy machine is late, but not each time
     }
 
 private:
