@@ -23,6 +23,7 @@ private Q_SLOTS:
                                         {"--locale", "en_GB", "--style-sheet", "red.qss"}};
         QVector<QImage> pictures;
         for (const QStringList& options : runs) {
+            qputenv("QT_SCALE_FACTOR", options.contains("red.qss") ? "2" : "1");
             const QString folder = QStringLiteral("new/%1").arg(pictures.size());
             QCOMPARE(Program(MERIVO_GALLERY_PROGRAM, options + QStringList{"--write", folder}, dir.path()).end(),
                      QString("0 "));
@@ -33,7 +34,8 @@ private Q_SLOTS:
             for (int i = 0; i < pictures.size() - 1; ++i)
                 QVERIFY(pictures.at(i) != pictures.constLast());
         }
-        QCOMPARE(pictures.at(3).pixelColor(20, 20), QColor(Qt::red));
+        const QImage& red = pictures.constLast(); // To the corner, at two device pixels per logical pixel.
+        QCOMPARE(red.pixelColor(red.rect().bottomRight() - QPoint(36, 36)), QColor(Qt::red));
     }
 
     void wrongCallsAreTold()

@@ -288,7 +288,7 @@ private Q_SLOTS:
             "patient P-1 Doe Jane 1970-02-03; open P-1; trigger; wait m_SimulationLabel text contains '.'\n"
             "answer Ok text responding within 30; wait log \"<-- Plugin component execution finished\" within 20\n"
             "click addPatientButton; type familyName Novak; type birthday 1990-02-30\n"
-            "wait PatientDialog/buttons/Save disabled; type birthday 1990-02-28; type puid P-2\n"
+            "wait PatientDialog/buttons/Save disabled; type birthday \"\"; type puid P-2\n"
             "click PatientDialog/buttons/Save; row patientTable P-2; key Ctrl+O; wait diary P-2\n"
             "click deletePatientButton; answer Delete text Novak; wait patientTable rows 1; expect diary closed\n"
             "picture sub/window HostWindow; patient P-1 Roe; quit",

@@ -78,7 +78,9 @@ QLabel* iconLabel(const QPixmap& pixmap)
 
 QPixmap picturePixmap(const QPicture& picture)
 {
-    QPixmap pixmap(48, 48);
+    const qreal ratio = lmDevicePixelRatio(nullptr);
+    QPixmap pixmap(QSize(48, 48) * ratio);
+    pixmap.setDevicePixelRatio(ratio);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     lmPaintPicture(&painter, picture, QPointF(0, 0), Qt::AlignLeft | Qt::AlignTop);

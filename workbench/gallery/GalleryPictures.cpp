@@ -33,17 +33,22 @@ QImage imageOf(const GalleryPage& page)
     QVector<QImage> parts{imageOf(page.widget)};
     for (QWidget* window : page.windows)
         parts.append(imageOf(window));
+    // In logical pixels; the images have all of the device's.
+    const qreal ratio = parts.constFirst().devicePixelRatio();
     QSize size;
-    for (const QImage& part : qAsConst(parts))
-        size = QSize(qMax(size.width(), part.width()), size.height() + part.height() + Gap);
+    for (const QImage& part : qAsConst(parts)) {
+        const QSize partSize = part.size() / ratio;
+        size = QSize(qMax(size.width(), partSize.width()), size.height() + partSize.height() + Gap);
+    }
 
-    QImage picture(size + QSize(2 * Gap, Gap), QImage::Format_RGB32);
+    QImage picture((size + QSize(2 * Gap, Gap)) * ratio, QImage::Format_RGB32);
+    picture.setDevicePixelRatio(ratio);
     picture.fill(QColor(200, 200, 200));
     QPainter painter(&picture);
     QPoint corner(Gap, Gap);
     for (const QImage& part : qAsConst(parts)) {
         painter.drawImage(corner, part);
-        corner.ry() += part.height() + Gap;
+        corner.ry() += (part.size() / ratio).height() + Gap;
     }
     return picture;
 }

@@ -123,6 +123,7 @@ int main(int argc, char** argv)
         QLocale::setDefault(QLocale(options.locale));
 
     qInstallMessageHandler(passMessage);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     int onlyTheName = 1; // the rest are options of ours, of which Qt would take some for its own
     QApplication application(onlyTheName, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Merivo Gallery"));

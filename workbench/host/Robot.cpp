@@ -330,8 +330,11 @@ Robot::Outcome Robot::type(const RobotStep& step)
             return;
         field->setFocus(Qt::OtherFocusReason);
         // As a user does who replaces what is there.
-        if (field->metaObject()->indexOfMethod("selectAll()") >= 0)
+        if (field->metaObject()->indexOfMethod("selectAll()") >= 0) {
             QMetaObject::invokeMethod(field, "selectAll");
+            if (text.isEmpty())
+                sendKey(Qt::Key_Delete, Qt::NoModifier, QString());
+        }
         for (const QChar character : text)
             sendKey(character.toUpper().unicode(), Qt::NoModifier, QString(character));
     });
