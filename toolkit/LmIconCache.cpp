@@ -4,9 +4,13 @@
 
 #include <QCache>
 #include <QDebug>
+#include <QFile>
 #include <QFileInfo>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <QXmlStreamReader>
+
+#include <utility>
 
 namespace {
 
@@ -20,35 +24,45 @@ LmIconCache& cache()
     return instance;
 }
 
-QPicture recordPicture(const QString& path)
+bool isSvg(const QString& path)
+{
+    return QFileInfo(path).suffix() == QLatin1String("svg");
+}
+
+QPicture recordSvg(QSvgRenderer& renderer)
 {
     QPicture picture;
-    if (QFileInfo(path).suffix() == QLatin1String("svg")) {
-        QSvgRenderer renderer(path);
-        const QRectF rect(QPointF(), renderer.viewBoxF().size());
-        if (renderer.isValid()) {
-            QPainter painter(&picture);
-            // Gives the picture the bounds of the whole view box, empty margins included.
-            painter.fillRect(rect, Qt::transparent);
-            renderer.render(&painter, rect);
-        }
-        return picture;
-    }
-
-    const QImage image(path);
-    if (!image.isNull()) {
+    const QRectF rect(QPointF(), renderer.viewBoxF().size());
+    if (renderer.isValid()) {
         QPainter painter(&picture);
-        painter.drawImage(0, 0, image);
+        // Gives the picture the bounds of the whole view box, empty margins included.
+        painter.fillRect(rect, Qt::transparent);
+        renderer.render(&painter, rect);
     }
     return picture;
 }
 
-/// A file may change or vanish, so that its picture is recorded together with the image. What is compiled in stays as
-/// it is, and can wait until somebody asks: recording a raster image encodes it anew, which takes longer than all the
-/// rest.
-bool isCompiledIn(const QString& path)
+QPicture recordRaster(const QImage& image)
 {
-    return path.startsWith(QLatin1String(":/"));
+    QPicture picture;
+    QPainter painter(&picture);
+    painter.drawImage(0, 0, image);
+    return picture;
+}
+
+/// A picture is that of the image when it was loaded, as a file may change and a resource be unregistered. An SVG file
+/// is recorded at once, because it may refer to other files. Recording an SVG resource takes longer than everything
+/// else, and most are never asked for as a picture: its bytes are kept in place of that.
+void keepSvg(LmIconItem& item)
+{
+    if (item.path.startsWith(QLatin1String(":/"))) {
+        QFile file(item.path);
+        if (file.open(QIODevice::ReadOnly))
+            item.svg = file.readAll();
+    } else {
+        QSvgRenderer renderer(item.path);
+        item.picture = recordSvg(renderer);
+    }
 }
 
 } // namespace
@@ -68,15 +82,20 @@ LmIconHandle lmTakeIconItem(const QString& path)
         qCritical().noquote() << QStringLiteral("icon \"%1\" cannot be loaded").arg(path);
         return nullptr;
     }
-    LmIconHandle item(new LmIconItem{path, std::nullopt, QPicture(), image, QIcon(path), image.size()});
-    if (!isCompiledIn(path))
-        item->picture = recordPicture(path);
+    LmIconHandle item(new LmIconItem{path, std::nullopt, QByteArray(), QPicture(), image, QIcon(path), image.size()});
+    if (isSvg(path))
+        keepSvg(*item);
     return item;
 }
 
 QPicture lmPictureOf(LmIconItem& item)
 {
-    if (!item.picture)
-        item.picture = recordPicture(item.path);
+    if (!item.picture && isSvg(item.path)) {
+        QXmlStreamReader reader(std::exchange(item.svg, {}));
+        QSvgRenderer renderer(&reader);
+        item.picture = recordSvg(renderer);
+    } else if (!item.picture) {
+        item.picture = recordRaster(item.image);
+    }
     return *item.picture;
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QIcon>
 #include <QImage>
 #include <QPicture>
@@ -16,6 +17,7 @@ struct LmIconItem
 {
     QString path;                    ///< The key.
     std::optional<QPicture> picture; ///< See lmPictureOf().
+    QByteArray svg;                  ///< Of an SVG resource whose picture hasn't been asked for.
     QPicture mirroredPicture;        ///< Made on demand; null before.
     QImage image;                    ///< At natural size.
     QIcon icon;                      ///< Made from the path, and given further pixmaps as sizes are asked for.

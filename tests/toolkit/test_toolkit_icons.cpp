@@ -6,8 +6,11 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
+#include <QResource>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWindow>
 
 #include <tuple>
 
@@ -31,7 +34,7 @@ private Q_SLOTS:
         raster.fill(Qt::blue);
         QVERIFY(raster.save(file("r.png")) && QFile::copy(file("r.png"), file("r.svg")));
         QFile svg(file("v.svg"));
-        QVERIFY(svg.open(QIODevice::WriteOnly) && svg.write(LeftSquare) > 0);
+        QVERIFY(svg.open(QIODevice::WriteOnly) && svg.write(LeftSquare) > 0 && svg.copy(file("v.SVG")));
     }
 
     void sizes()
@@ -57,6 +60,14 @@ private Q_SLOTS:
         const QImage image = lmPixmap(r, 50, 50).toImage();
         QCOMPARE(image.pixelColor(20 * scale - 1, 10 * scale - 1), QColor(Qt::blue));
         QCOMPARE(image.pixelColor(20 * scale, 0).alpha(), 0);
+
+        // The application's ratio is that of its start, so that this is another one for the window.
+        qGuiApp->primaryScreen()->setProperty("_q_scaleFactor", 3);
+        QWindow window;
+        QCOMPARE(lmDevicePixelRatio(&window), scale == 1 ? 1 : 3);
+        QCOMPARE(lmDevicePixelRatio(nullptr), scale);
+        QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, false);
+        QCOMPARE(lmDevicePixelRatio(&window) + lmDevicePixelRatio(nullptr), 2);
     }
 
     void unreadableImageIsToldAtEachRequest()
@@ -93,10 +104,18 @@ private Q_SLOTS:
         const QRectF right = lmPaintPicture(&painter, lmPicture(file("v.svg")), rect, Qt::AlignRight);
         lmPaintPicture(&painter, lmMirroredPicture(file("v.svg")), QPointF(89, 36), Qt::AlignLeft | Qt::AlignTop);
         lmPaintHatched(&painter, {3, 65, 21, 30}, QPen(Qt::black));
-        lmPaintHatched(&painter, {24, 65, 29, 30}, QPen(Qt::black));
+        lmPaintHatched(&painter, {24, 65, 29, 30}, QPen(Qt::red));
 
         QPicture sheet;
         QPainter other(&sheet);
+        // A resource's picture is that of its loading.
+        const QString flag = QStringLiteral(":/img/images/flag.svg");
+        QVERIFY(QResource::registerResource(GALLERY_RCC));
+        QVERIFY(!lmIcon(flag).isNull() && QResource::unregisterResource(GALLERY_RCC));
+        QVERIFY(lmPicture(flag).boundingRect() == QRect(0, 0, 48, 48) && lmMirroredPicture(flag).isNull());
+        // Capitals make a raster image; negative halves too go away from zero.
+        const QRectF capitals = lmPaintPicture(&other, lmPicture(file("v.SVG")), QPointF(-2.5, -3.5), 0x21);
+        QCOMPARE(capitals, QRectF(-3, -4, 20.5, 10.5));
         const QRectF bottom = lmPaintPicture(&other, lmPicture(file("v.svg")), rect, Qt::AlignBottom);
 
         // What rounding moves of the left and top edge, the size takes up.
@@ -107,7 +126,9 @@ private Q_SLOTS:
         QCOMPARE(pictures.pixelColor(70, 36).alpha() + pictures.pixelColor(91, 36).alpha(), 0);
         QCOMPARE(pictures, pictures.mirrored(true, false));
         for (int x = 0; x < image.width(); ++x) // The hatches of neighbours line up.
-            QCOMPARE(image.pixelColor(x, 80).alpha() > 0, x >= 3 && x < 53 && x % 8 == 1);
+            QCOMPARE(image.pixelColor(x, 80), QColor(x < 3 || x >= 53 || x % 8 != 1 ? Qt::transparent
+                                                     : x < 24                       ? Qt::black
+                                                                                    : Qt::red));
     }
 
     void colorizing()
@@ -121,9 +142,11 @@ private Q_SLOTS:
         QIcon raster(file("r.png"));
         QPixmap half(5, 5);
         half.fill(QColor(255, 0, 0, 128));
-        raster.addPixmap(half, QIcon::Disabled, QIcon::On);
+        for (const QIcon::Mode mode : {QIcon::Disabled, QIcon::Active, QIcon::Selected})
+            raster.addPixmap(half, mode, QIcon::On);
         const QIcon green = lmColorizeIcon(raster, Qt::green);
-        QCOMPARE(green.pixmap(5, 5, QIcon::Disabled, QIcon::On).toImage().pixelColor(2, 2), QColor(0, 255, 0, 128));
+        for (const QIcon::Mode mode : {QIcon::Disabled, QIcon::Active, QIcon::Selected})
+            QCOMPARE(green.pixmap(5, 5, mode, QIcon::On).toImage().pixelColor(2, 2), QColor(0, 255, 0, 128));
         QCOMPARE(green.pixmap(20, 10, QIcon::Normal, QIcon::Off).toImage().pixelColor(2, 2), QColor(Qt::green));
 
         const MessageCapture log;
