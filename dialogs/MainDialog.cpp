@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/MainDialog.h"
 
+#include "dialogs/DialogEnd.h"
 #include "dialogs/DialogHeader.h"
 #include "dialogs/FontFitter.h"
 #include "dialogs/PumpAddDialog.h"
@@ -13,9 +14,9 @@
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
+#include "reader/MessageBoxes.h"
 #include "reader/RunEnd.h"
 #include "toolkit/LmIcons.h"
-#include "toolkit/LmMessageBox.h"
 #include "toolkit/LmWidgets.h"
 
 #include <QTimer>
@@ -109,7 +110,7 @@ void MainDialog::onPrepareFinished(bool success)
 
 void MainDialog::queryPairedPump()
 {
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     awaitRunEnd(this, &MainDialog::onPairedPumpQueryFinished);
     PatientSession::instance()->setPump({}, {});
@@ -124,7 +125,7 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
     // From the first answer on a silent reader is the business of the pump dialogs.
     disconnect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout);
     const StatusRecord record = takeRunEnd(this, &MainDialog::onPairedPumpQueryFinished);
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
 
     if (!success) {
@@ -137,10 +138,9 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
         logFailure(QStringLiteral("=!= Paired pump query for patient '%1' failed: <%2 : %3>.")
                        .arg(patientId, QString::number(record.error), record.result));
         ErrorHandler::showError(record.error);
-        if (endedWithSession())
+        if (rejectIfDiaryChanged())
             return;
-        // Past the guard of reject(): the dialog is over, though what follows is carried out.
-        QDialog::reject();
+        closeAsRejected(this); // the next lines are carried out all the same
     }
 
     m_pairedPumpKnown = true;
@@ -157,11 +157,9 @@ void MainDialog::onPairedPumpQueryNotExecuted()
     if (m_queryCount > 1) {
         const QString text = tr("<b>Request of patient assigned paired pump failed.</b>") + QStringLiteral("<br/>") +
                              tr("Do you want to retry the request?");
-        LmMessageBox box(QMessageBox::Question,
-                         tr("Merivo Connections", "Message box title used in communication error/warning messages"),
-                         text, QMessageBox::Yes | QMessageBox::No, nullptr);
-        if (box.exec() != QMessageBox::Yes)
-            QDialog::reject();
+        if (ask(tr("Merivo Connections", "Message box title used in communication error/warning messages"), text) !=
+            QMessageBox::Yes)
+            closeAsRejected(this);
     }
     // Also after a No: the command still goes out while the dialog closes.
     queryPairedPump();
@@ -169,17 +167,14 @@ void MainDialog::onPairedPumpQueryNotExecuted()
 
 void MainDialog::onDeviceReaderTimeout()
 {
-    LmMessageBox box(
-        QMessageBox::Warning, tr("Merivo Connections", "Default message box title used within plugin warnings."),
-        tr("Something is wrong with the devicereader. Please reconnect it to the PC."), QMessageBox::Ok, nullptr);
-    box.exec();
-    // Past the guard of reject().
-    QDialog::reject();
+    warn(tr("Merivo Connections", "Default message box title used within plugin warnings."),
+         tr("Something is wrong with the devicereader. Please reconnect it to the PC."));
+    closeAsRejected(this);
 }
 
 void MainDialog::openAddDialog()
 {
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     int result = QDialog::Rejected;
     {
@@ -187,7 +182,7 @@ void MainDialog::openAddDialog()
         PumpAddDialog dialog(m_services, m_database, m_simulationPath, nullptr);
         result = dialog.exec();
     }
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     refresh();
     // A pump just assigned is read without being asked.
@@ -197,23 +192,23 @@ void MainDialog::openAddDialog()
 
 void MainDialog::openReadDialog()
 {
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     PumpReadDialog dialog(m_services, m_database, m_simulationPath, nullptr);
     connect(&dialog, &PumpReadDialog::importDataReady, this, &MainDialog::onImportDataReady);
     connect(&dialog, &PumpReadDialog::deviceReaderCritical, this, &MainDialog::reject, Qt::QueuedConnection);
     dialog.exec();
-    if (!endedWithSession())
+    if (!rejectIfDiaryChanged())
         refresh();
 }
 
 void MainDialog::openRemoveDialog()
 {
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     PumpRemoveDialog dialog(m_services, m_database, m_simulationPath, nullptr);
     const int result = dialog.exec();
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     refresh();
     if (result == QDialog::Accepted) {
@@ -224,7 +219,7 @@ void MainDialog::openRemoveDialog()
 
 void MainDialog::onImportDataReady()
 {
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     // What the host does with its diary on receiving the data is no concern of this run.
     m_isOver = true;
@@ -233,26 +228,22 @@ void MainDialog::onImportDataReady()
     reject();
 }
 
-/// Ends the run, once, if the diary that it was opened for is gone; tells whether it is.
-bool MainDialog::endedWithSession()
+/// Closes the dialog and reports it, once, if the diary was closed or changed. Returns true then.
+bool MainDialog::rejectIfDiaryChanged()
 {
-    if (m_sessionGuard.holds())
+    if (!m_sessionWatch.hasDiaryChanged())
         return false;
     if (!m_isOver) {
-        m_isOver = true; // ahead of the box, in whose event loop the reader may still answer
-        // What this run's command brought for its own patient has landed in the session of another.
+        m_isOver = true; // before the message box, in whose event loop the reader may still answer
+        // What this run's command yielded for its own patient is now in the session of another one.
         PatientSession::instance()->setPump({}, {});
         PatientSession::instance()->setExchangeFilePath({});
         logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));
         // The catalogue has no such text, so that it stands in one language.
-        LmMessageBox box(QMessageBox::Warning,
-                         tr("Merivo Connections", "Default message box title used within plugin warnings."),
-                         QStringLiteral("The patient's diary was closed or changed. Nothing was imported. Please open "
-                                        "the diary and start the plugin again."),
-                         QMessageBox::Ok, nullptr);
-        box.exec();
-        // Past the guard of reject().
-        QDialog::reject();
+        warn(tr("Merivo Connections", "Default message box title used within plugin warnings."),
+             QStringLiteral("The patient's diary was closed or changed. Nothing was imported. Please open the diary "
+                            "and start the plugin again."));
+        closeAsRejected(this);
     }
     return true;
 }

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "dialogs/SessionGuard.h"
+#include "plugin/session/SessionWatch.h"
 #include "ui_MainDialog.h"
 
 #include <QDialog>
@@ -46,7 +46,7 @@ private:
     void openReadDialog();
     void openRemoveDialog();
     void onImportDataReady();
-    bool endedWithSession();
+    bool rejectIfDiaryChanged();
     void refresh();
 
     IServices* m_services;
@@ -54,6 +54,6 @@ private:
     QString m_simulationPath;
     int m_queryCount = 0;           ///< paired pump queries started
     bool m_pairedPumpKnown = false; ///< false until a query has had an answer, then true for good
-    SessionGuard m_sessionGuard;
-    bool m_isOver = false; ///< the data were handed over, or the user told that the diary is another
+    SessionWatch m_sessionWatch;
+    bool m_isOver = false; ///< the data were handed over, or the end of the diary was reported
 };

@@ -3,11 +3,12 @@
 #include "dialogs/PumpAddDialog.h"
 
 #include "dialogs/DevicesModel.h"
+#include "dialogs/DialogEnd.h"
 #include "dialogs/DialogHeader.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
+#include "reader/MessageBoxes.h"
 #include "reader/RunEnd.h"
-#include "toolkit/LmMessageBox.h"
 #include "workflows/AddPumpControl.h"
 
 #include <QPushButton>
@@ -157,7 +158,7 @@ void PumpAddDialog::onPageEntered(int index)
     case ConfirmPage:
         m_busyMovie.start();
         m_DialogButtonBox->setEnabled(false);
-        if (!endedWithSession())
+        if (!rejectIfDiaryChanged())
             m_control->startPairingConfirm(true);
         break;
     default:
@@ -170,7 +171,7 @@ void PumpAddDialog::startPairing()
     const int row = selectedRow();
     if (row < 0)
         leave();
-    else if (!endedWithSession())
+    else if (!rejectIfDiaryChanged())
         m_control->startPairing(row);
 }
 
@@ -226,7 +227,7 @@ void PumpAddDialog::onAbortFinished(bool success)
     takeRunEnd(this, &PumpAddDialog::onAbortFinished);
     connect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
     if (!success)
-        warn(tr("Something is wrong with the devicereader. Please reconnect it to the PC."));
+        warnUser(tr("Something is wrong with the devicereader. Please reconnect it to the PC."));
     if (m_Pages->currentIndex() == StartPage)
         reloadPage();
     else
@@ -237,7 +238,7 @@ void PumpAddDialog::onSearchResults(const QList<DeviceInfo>& devices)
 {
     m_busyMovie.stop();
     if (devices.isEmpty()) {
-        warn(tr("No device was found."));
+        warnUser(tr("No device was found."));
         reloadPage();
         return;
     }
@@ -253,7 +254,7 @@ int PumpAddDialog::selectedRow()
     // first three rows count as selected. This is how the dialog is known to behave, and stays.
     if (!indexes.isEmpty() && indexes.first().row() < indexes.size())
         return indexes.first().row();
-    warn(tr("No device selected."));
+    warnUser(tr("No device selected."));
     return -1;
 }
 
@@ -288,15 +289,15 @@ void PumpAddDialog::onDeclineButton()
     m_busyMovie.start();
     m_ConfirmButton->setEnabled(false);
     m_DeclineButton->setEnabled(false);
-    if (!endedWithSession())
+    if (!rejectIfDiaryChanged())
         m_control->startPairingConfirm(false);
 }
 
-/// A decline ends the dialog whatever the reader made of it; the box is off, so past the guard of reject().
+/// A decline ends the dialog, whatever the reader's answer.
 void PumpAddDialog::onDeclineFinished()
 {
     if (m_Pages->currentIndex() == AssignPage)
-        done(Rejected);
+        closeAsRejected(this);
 }
 
 void PumpAddDialog::onPumpAssigned()
@@ -353,15 +354,14 @@ void PumpAddDialog::onReassignConfirmed()
         leave();
         return;
     }
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
 
     const DeviceInfo device = m_PumpsOverview->devicesModel()->deviceAt(row);
-    LmMessageBox box(QMessageBox::Question,
-                     tr("Merivo Connections", "Default message box title used within plugin questions."),
-                     reassignQuestion(device), QMessageBox::Yes | QMessageBox::No, nullptr);
-    // Behind a No the box stays off, as the click on OK left it: the user thinks again from the list, by "Prev".
-    if (box.exec() == QMessageBox::No || endedWithSession())
+    const QMessageBox::StandardButton answer = ask(
+        tr("Merivo Connections", "Default message box title used within plugin questions."), reassignQuestion(device));
+    // After a No the button box stays disabled, as the click on OK left it: "Prev" leads back to the list.
+    if (answer == QMessageBox::No || rejectIfDiaryChanged())
         return;
 
     m_OverviewButton->setEnabled(false);
@@ -388,10 +388,7 @@ void PumpAddDialog::leave()
     reject();
 }
 
-void PumpAddDialog::warn(const QString& text)
+void PumpAddDialog::warnUser(const QString& text)
 {
-    LmMessageBox box(QMessageBox::Warning,
-                     tr("Merivo Connections", "Default message box title used within plugin warnings."), text,
-                     QMessageBox::Ok, nullptr);
-    box.exec();
+    warn(tr("Merivo Connections", "Default message box title used within plugin warnings."), text);
 }

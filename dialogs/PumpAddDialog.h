@@ -55,7 +55,7 @@ private:
     QString reassignQuestion(const DeviceInfo& device) const;
 
     void leave();
-    void warn(const QString& text);
+    void warnUser(const QString& text);
 
     AddPumpControl* m_control; ///< child of the dialog
 };

@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/PumpDialog.h"
 
+#include "dialogs/DialogEnd.h"
 #include "dialogs/DialogHeader.h"
 #include "dialogs/FontFitter.h"
+#include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"
-#include "toolkit/LmMessageBox.h"
 #include "toolkit/LmWidgets.h"
 
 #include <QLabel>
@@ -25,13 +26,10 @@ PumpDialog::PumpDialog(IServices* services, IDatabase* database, QWidget* parent
 
 void PumpDialog::onDeviceReaderTimeout()
 {
-    LmMessageBox box(
-        QMessageBox::Warning, tr("Merivo Connections", "Default message box title used within plugin warnings."),
-        tr("Something is wrong with the devicereader. Please reconnect it to the PC."), QMessageBox::Ok, nullptr);
-    box.exec();
+    warn(tr("Merivo Connections", "Default message box title used within plugin warnings."),
+         tr("Something is wrong with the devicereader. Please reconnect it to the PC."));
     Q_EMIT deviceReaderCritical();
-    // Past the guard of reject(): Cancel is off while a command runs.
-    QDialog::reject();
+    closeAsRejected(this); // Cancel is disabled while a command runs
 }
 
 void PumpDialog::reject()
@@ -42,16 +40,16 @@ void PumpDialog::reject()
 
 void PumpDialog::accept()
 {
-    if (!endedWithSession())
+    if (!rejectIfDiaryChanged())
         QDialog::accept();
 }
 
-bool PumpDialog::endedWithSession()
+bool PumpDialog::rejectIfDiaryChanged()
 {
-    if (m_sessionGuard.holds())
-        return false;
-    QDialog::reject();
-    return true;
+    const bool hasChanged = m_sessionWatch.hasDiaryChanged();
+    if (hasChanged)
+        closeAsRejected(this);
+    return hasChanged;
 }
 
 void PumpDialog::fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "dialogs/SessionGuard.h"
+#include "plugin/session/SessionWatch.h"
 
 #include <QDialog>
 #include <QMovie>
@@ -25,7 +25,7 @@ public:
 
     /// Closes the dialog if isCancelEnabled(), otherwise does nothing.
     void reject() override;
-    /// Closes the dialog as Accepted, or as Rejected if endedWithSession().
+    /// Closes the dialog as Accepted, or as Rejected if the diary was closed or changed.
     void accept() override;
     /// True if the dialog has a Cancel button and that button is enabled.
     virtual bool isCancelEnabled() const = 0;
@@ -40,10 +40,10 @@ protected:
     void fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
                     const QString& simulationPath);
 
-    /// To be asked before each step for a patient, and again behind a question, during which the diary may have
-    /// changed. True if the dialog's diary is gone: then the dialog closes as Rejected, whatever its Cancel button, and
-    /// the step is left out. The user is told by whoever opened the dialog.
-    bool endedWithSession();
+    /// Closes the dialog as Rejected, whatever its Cancel button, if the diary was closed or changed since it opened.
+    /// Returns true then. Called before each step for a patient and again after a question, during which the diary may
+    /// have changed; the main dialog reports the end to the user.
+    bool rejectIfDiaryChanged();
 
     /// Shows the image at @p path on @p label, @p width wide, in the shape of the pixmap that the label has. A null
     /// label is ignored.
@@ -56,5 +56,5 @@ protected:
 private:
     void onDeviceReaderTimeout();
 
-    SessionGuard m_sessionGuard;
+    SessionWatch m_sessionWatch;
 };

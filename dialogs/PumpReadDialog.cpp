@@ -4,8 +4,8 @@
 
 #include "dialogs/DialogHeader.h"
 #include "plugin/session/PatientSession.h"
+#include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"
-#include "toolkit/LmMessageBox.h"
 #include "workflows/ReadoutPumpControl.h"
 
 #include <QTimer>
@@ -53,7 +53,7 @@ bool PumpReadDialog::isCancelEnabled() const
 
 void PumpReadDialog::startRead()
 {
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     setUpdatesEnabled(false);
     m_busyMovie.start();
@@ -111,7 +111,7 @@ void PumpReadDialog::onButtonClicked(QAbstractButton* button)
 
 void PumpReadDialog::acceptData()
 {
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     Q_EMIT importDataReady();
     // The data are handed over: whatever the host does with its diary on receiving them comes too late to matter.
@@ -121,13 +121,11 @@ void PumpReadDialog::acceptData()
 void PumpReadDialog::discardData()
 {
     if (StatusFileParser::instance()->m_state != StatusFileParser::Ended) {
-        LmMessageBox box(QMessageBox::Question,
-                         tr("Merivo Connections", "Default message box title used within plugin questions."),
-                         tr("<b>NOTE:</b><br/><i>The data recently read from the <b>Sanvio Merivo</b> pump <b>%1</b> "
-                            "will be discarded!</i><br/>Do you want to proceed anyway?")
-                             .arg(PatientSession::instance()->pumpSerialNumber()),
-                         QMessageBox::Yes | QMessageBox::No, nullptr);
-        if (box.exec() != QMessageBox::Yes)
+        const QString question = tr("<b>NOTE:</b><br/><i>The data recently read from the <b>Sanvio Merivo</b> pump "
+                                    "<b>%1</b> will be discarded!</i><br/>Do you want to proceed anyway?")
+                                     .arg(PatientSession::instance()->pumpSerialNumber());
+        if (ask(tr("Merivo Connections", "Default message box title used within plugin questions."), question) !=
+            QMessageBox::Yes)
             return;
     }
     reject();

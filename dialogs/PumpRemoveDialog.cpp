@@ -5,7 +5,7 @@
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogHeader.h"
 #include "plugin/session/PatientSession.h"
-#include "toolkit/LmMessageBox.h"
+#include "reader/MessageBoxes.h"
 #include "workflows/RemovePumpControl.h"
 
 #include <QDebug>
@@ -57,15 +57,15 @@ void PumpRemoveDialog::onButtonClicked(QAbstractButton* button)
 
 void PumpRemoveDialog::askAndRemove()
 {
-    if (endedWithSession())
+    if (rejectIfDiaryChanged())
         return;
     const PatientSession* session = PatientSession::instance();
     const QString question = tr("Are you sure to remove the pump <b>%1</b> from patient <b>%2</b>?")
                                  .arg(inQuestion(session->pumpSerialNumber()), inQuestion(session->patientName()));
-    LmMessageBox box(
-        QMessageBox::Question, tr("Merivo Connections", "Default message box title used within plugin questions."),
-        question + QStringLiteral("<br/>") + m_NoteLabel->text(), QMessageBox::Yes | QMessageBox::No, nullptr);
-    if (box.exec() != QMessageBox::Yes || endedWithSession())
+    const QMessageBox::StandardButton answer =
+        ask(tr("Merivo Connections", "Default message box title used within plugin questions."),
+            question + QStringLiteral("<br/>") + m_NoteLabel->text());
+    if (answer != QMessageBox::Yes || rejectIfDiaryChanged())
         return;
 
     m_DialogButtonBox->setEnabled(false);

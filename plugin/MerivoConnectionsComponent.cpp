@@ -8,9 +8,9 @@
 #include "plugin/session/LogChannels.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
+#include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"
 #include "reader/UsbDeviceAdapter.h"
-#include "toolkit/LmMessageBox.h"
 
 #include <QDir>
 #include <QFile>
@@ -139,7 +139,7 @@ bool MerivoConnectionsComponent::checkFirmware(const QString& drivePath)
 /// Ends a run that can't reach the dialog: the user first, then the log.
 bool MerivoConnectionsComponent::fail(QWidget* parent, const QString& text, const QString& logLine) const
 {
-    LmMessageBox(QMessageBox::Warning, title(), text, QMessageBox::Ok, parent).exec();
+    warn(title(), text, parent);
     logFailure(logLine);
     return false;
 }

@@ -3,7 +3,7 @@
 #include "reader/ErrorHandler.h"
 
 #include "plugin/session/LogChannels.h"
-#include "toolkit/LmMessageBox.h"
+#include "reader/MessageBoxes.h"
 
 #include <algorithm>
 #include <iterator>
@@ -59,7 +59,5 @@ void ErrorHandler::showError(int errorCode)
         text = tr(known->text);
     }
 
-    LmMessageBox box(QMessageBox::Warning, windowTitle, title + QStringLiteral("<br/>") + text, QMessageBox::Ok,
-                     nullptr);
-    box.exec();
+    warn(windowTitle, title + QStringLiteral("<br/>") + text);
 }

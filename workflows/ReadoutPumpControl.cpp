@@ -7,8 +7,8 @@
 #include "reader/CommandFileWriter.h"
 #include "reader/DeviceList.h"
 #include "reader/ErrorHandler.h"
+#include "reader/MessageBoxes.h"
 #include "reader/RunEnd.h"
-#include "toolkit/LmMessageBox.h"
 
 #include <QDir>
 
@@ -60,9 +60,8 @@ void ReadoutPumpControl::onSearchingFinished(bool success)
         return;
     }
 
-    LmMessageBox box(QMessageBox::Warning, tr("Merivo Connections", "Message box title used when read pump failed."),
-                     tr("The paired device for the patient can't be found."), QMessageBox::Ok, nullptr);
-    box.exec();
+    warn(tr("Merivo Connections", "Message box title used when read pump failed."),
+         tr("The paired device for the patient can't be found."));
     logFailure(QStringLiteral("=!= [Read Controller] Searching failed: no paired pump with snr='%1' for patient found.")
                    .arg(m_serialNumber));
     Q_EMIT searchingFinished(record.status);
