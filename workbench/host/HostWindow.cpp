@@ -354,11 +354,13 @@ void HostWindow::refreshStatus()
 
 void HostWindow::showError(const QString& sentence)
 {
+    messageIcon->setAccessibleName(tr("Error"));
     showMessage(sentence, QStyle::SP_MessageBoxCritical, QColor(0xfd, 0xe0, 0xe0));
 }
 
 void HostWindow::showNotice(const QString& sentence)
 {
+    messageIcon->setAccessibleName(tr("Note"));
     showMessage(sentence, QStyle::SP_MessageBoxInformation, QColor(0xe0, 0xee, 0xfb));
 }
 
