@@ -3,6 +3,7 @@
 #include "commands/ImportDataCommand.h"
 #include "plugin/session/PatientSession.h"
 #include "workbench/Programs.h"
+#include "workbench/host/ExtensionPoints.h"
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"
@@ -80,8 +81,17 @@ private Q_SLOTS:
         const PatientRecord odd{"a.B_9-", {"O'Brien; --", "\u00c5sa", "", ""}};
         QVERIFY(m_database->addPatient(odd) && addImport(*m_database, 1) && addImport(*m_database, 1, odd.puid));
         QVERIFY(!m_database->addPatient(odd) && m_database->errorText().contains("already"));
+        HostLog log;
+        DatabasePoint point(log, *m_database);
+        const auto name = [&] {
+            return point.patients(m_database->guid()).value(Jane.puid).ids.value(0);
+        };
+        QCOMPARE(name(), QString("Doe"));
+        sql("db", "UPDATE patients SET name1 = 'Roe' WHERE puid = 'P-1'"); // by another program
+        QCOMPARE(name(), QString("Roe"));
         sql("db", "BEGIN EXCLUSIVE");
         QVERIFY(!addImport(*m_database, 3) && m_database->errorText().contains("locked"));
+        QVERIFY(name().isEmpty());
         m_other.close();
         QVERIFY2(!addImport(*m_database, 1), "the same MAC is stored twice for one patient");
         QVERIFY2(!addImport(*m_database, 2, "P-9"), "an import is stored for nobody");
@@ -89,8 +99,9 @@ private Q_SLOTS:
             QVERIFY2(!m_database->addPatient({puid, {}}), puid);
         QVERIFY(!m_database->addPatient({"P-3", {"", "", "1970-02-30"}}));
         const QString guid = m_database->guid();
-        QVERIFY(m_database->open(file("db")) && m_database->guid() == guid && m_database->removePatient(Jane.puid));
-        QCOMPARE(m_database->findPatient(odd.puid)->ids, odd.ids);
+        QVERIFY(name() == "Roe" && m_database->removePatient(Jane.puid) && name().isEmpty());
+        QVERIFY(m_database->open(file("db")) && m_database->guid() == guid);
+        QCOMPARE(point.patients(guid).first().ids, odd.ids);
         QCOMPARE(sql("db", "SELECT group_concat(import_id) FROM import_files"), QString("2"));
     }
 

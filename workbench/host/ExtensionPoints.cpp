@@ -65,15 +65,22 @@ QString DatabasePoint::databaseGuid(const QString& path)
 
 QMap<QString, PatientRecord> DatabasePoint::patients(const QString& databaseGuid)
 {
-    QMap<QString, PatientRecord> result;
     if (databaseGuid != m_database.guid())
-        return result;
-    const QVector<PatientRecord> patients = m_database.patients();
-    if (!m_database.errorText().isEmpty())
-        m_log.write(QStringLiteral("host"), QStringLiteral("Error"), m_database.errorText());
-    for (const PatientRecord& patient : patients)
-        result.insert(patient.puid, patient);
-    return result;
+        return {};
+    const QString revision = m_database.revision();
+    if (revision.isEmpty() || revision != m_revision) {
+        m_patients.clear();
+        m_revision.clear();
+        const QVector<PatientRecord> patients = revision.isEmpty() ? QVector<PatientRecord>() : m_database.patients();
+        if (!m_database.errorText().isEmpty()) {
+            m_log.write(QStringLiteral("host"), QStringLiteral("Error"), m_database.errorText());
+            return {};
+        }
+        for (const PatientRecord& patient : patients)
+            m_patients.insert(patient.puid, patient);
+        m_revision = revision;
+    }
+    return m_patients;
 }
 
 ExtensionPoints::ExtensionPoints(HostLog& log, HostDatabase& database, HostDeviceAdmin& deviceAdmin,

@@ -43,11 +43,14 @@ public:
     QString databaseGuid(const QString& path) override;
     void reserved2() override {}
     void reserved3() override {}
+    /// Reads the patients again only if the database has changed since the last call.
     QMap<QString, PatientRecord> patients(const QString& databaseGuid) override;
 
 private:
     HostLog& m_log;
     HostDatabase& m_database;
+    QMap<QString, PatientRecord> m_patients; ///< as of m_revision
+    QString m_revision;                      ///< empty if there are none
 };
 
 /// The registry that a plug-in gets: finds the five extension points by their names. Owns those made here; the others

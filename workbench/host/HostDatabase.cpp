@@ -105,6 +105,7 @@ bool HostDatabase::open(const QString& path)
     close();
     m_errorText.clear();
     m_path = QFileInfo(path).absoluteFilePath();
+    ++m_openCount;
     if (QFileInfo(m_path).isDir())
         return fail(QStringLiteral("it is a folder, not a database file"));
 
@@ -234,6 +235,20 @@ bool HostDatabase::fail(const QString& sentence)
 {
     m_errorText = QStringLiteral("database '%1': %2").arg(m_path, sentence);
     return false;
+}
+
+QString HostDatabase::revision()
+{
+    m_errorText.clear();
+    // Both numbers belong to a connection: other connections' commits, and rows that this one has changed.
+    QSqlQuery query(m_connection);
+    query.prepare(QStringLiteral("SELECT data_version, total_changes() FROM pragma_data_version"));
+    if (!execute(query) || !query.next())
+        return {};
+    return QStringLiteral("%1 %2 %3")
+        .arg(m_openCount)
+        .arg(query.value(0).toLongLong())
+        .arg(query.value(1).toLongLong());
 }
 
 QVector<PatientRecord> HostDatabase::patients()

@@ -53,6 +53,9 @@ public:
     /// One sentence on the last operation's failure; empty after a success.
     QString errorText() const { return m_errorText; }
 
+    /// Returns a text that differs from any earlier one if the database may have changed since, by this or another
+    /// program; empty if the database can't be read.
+    QString revision();
     /// All patients in the order of their names. Their ids have four entries.
     QVector<PatientRecord> patients();
     std::optional<PatientRecord> findPatient(const QString& puid);
@@ -94,4 +97,5 @@ private:
     QString m_path;
     QString m_guid;
     QString m_errorText;
+    int m_openCount = 0;
 };
