@@ -2,10 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "bench/Machine.h"
 
+#include "bench/Report.h"
+
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 
 #include <chrono>
 #include <random>
@@ -19,7 +23,7 @@
 
 long peakMemory()
 {
-    QFile file(QStringLiteral("/proc/self/status"));
+    QFile file("/proc/self/status");
     if (!file.open(QIODevice::ReadOnly))
         return 0;
     const QByteArray text = file.readAll();
@@ -56,7 +60,7 @@ void keepFreedMemory()
 
 QString memoryFolder()
 {
-    const QString memory = QStringLiteral("/dev/shm");
+    const QString memory = "/dev/shm";
     return QFileInfo(memory).isDir() ? memory : QDir::tempPath();
 }
 
@@ -74,4 +78,25 @@ bool writeRandomFile(const QString& path, int mebibytes)
             return false;
     }
     return true;
+}
+
+std::optional<std::vector<double>> runChild(const QString& argument)
+{
+    QProcess child;
+    child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    child.start(QCoreApplication::applicationFilePath(), {"--child", argument});
+    if (!child.waitForFinished(-1) || child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0)
+        return std::nullopt;
+    std::vector<double> numbers;
+    for (const QByteArray& number : child.readAllStandardOutput().simplified().split(' '))
+        numbers.push_back(number.toDouble());
+    return numbers;
+}
+
+std::optional<QString> childArgument(int argc, char** argv)
+{
+    if (argc != 3 || qstrcmp(argv[1], "--child") != 0)
+        return std::nullopt;
+    disableLog();
+    return QFile::decodeName(argv[2]);
 }

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "bench/Report.h"
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QLocale>
 #include <QLoggingCategory>
 
 #include <algorithm>
@@ -12,98 +14,73 @@
 
 namespace {
 
+constexpr int LimitMissed = 3;
+
 /// Three significant digits, and no exponent.
-QString numberText(double value)
+QString withUnit(double value, const QString& unit)
 {
     const double size = std::abs(value);
-    return QString::number(value, 'f', size >= 100 ? 0 : size >= 10 ? 1 : size >= 1 ? 2 : 3);
+    return QString::number(value, 'f', size >= 100 ? 0 : size >= 10 ? 1 : size >= 1 ? 2 : 3) + ' ' + unit;
 }
 
-QString numberText(double value, const QString& unit)
+QString row(const QString& figure, const QString& what, const QString& limit = {}, const QString& verdict = {})
 {
-    return numberText(value) + QLatin1Char(' ') + unit;
-}
-
-void put(QString line)
-{
-    while (line.endsWith(QLatin1Char(' ')))
-        line.chop(1);
-    std::fprintf(stdout, "%s\n", qUtf8Printable(line));
+    return QString("%1  %2").arg(figure, 14).arg(limit.isEmpty() ? what : what.leftJustified(82)) +
+           (limit.isEmpty() ? QString() : QString("  %1  %2").arg(limit, -20).arg(verdict));
 }
 
 } // namespace
 
-Report::Report(const QString& description)
+Report::Report(const QString& title, const QVector<Option>& options)
+    : m_title(title)
 {
-    parser.setApplicationDescription(description);
+    disableLog();
+    QCommandLineParser parser;
+    parser.setApplicationDescription(title + ". Ends with 3 if a limit is missed.");
     parser.addHelpOption();
-    parser.addOption({QStringLiteral("strict"), QStringLiteral("End with 1 if a limit is missed.")});
-    parser.addOption({QStringLiteral("rows"), QStringLiteral("Print tab-separated rows instead of a table.")});
-}
-
-void Report::addNumber(const QString& name, const QString& description, int defaultValue)
-{
-    parser.addOption({name, description, QStringLiteral("N"), QString::number(defaultValue)});
-}
-
-void Report::parse()
-{
+    for (const Option& option : options)
+        parser.addOption({option.name, option.description, "N", QString::number(option.number)});
     parser.process(*QCoreApplication::instance());
-    if (!parser.positionalArguments().isEmpty()) {
-        std::fprintf(stderr, "This program takes no argument: %s\n",
-                     qUtf8Printable(parser.positionalArguments().constFirst()));
+    bool isSound = parser.positionalArguments().isEmpty();
+    for (const Option& option : options) {
+        bool isNumber = false;
+        const int number = parser.value(option.name).toInt(&isNumber);
+        isSound = isSound && isNumber && number >= std::min(option.number, 1);
+        m_numbers.insert(option.name, number);
+    }
+    if (!isSound) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(parser.helpText()));
         std::exit(2);
     }
-}
-
-int Report::number(const QString& name) const
-{
-    bool valid = false;
-    const int value = parser.value(name).toInt(&valid);
-    if (!valid || value < 1) {
-        std::fprintf(stderr, "--%s wants a whole number above 0, not '%s'\n", qUtf8Printable(name),
-                     qUtf8Printable(parser.value(name)));
-        std::exit(2);
-    }
-    return value;
 }
 
 void Report::add(const QString& what, double figure, const QString& unit, double limit)
 {
-    const bool met = figure <= limit;
-    m_missed |= !met;
-    m_rows.append({numberText(figure, unit), what, QStringLiteral("at most ") + numberText(limit, unit),
-                   met ? QStringLiteral("met") : QStringLiteral("missed")});
+    const bool isMet = figure <= limit;
+    m_missed |= !isMet;
+    m_rows << row(withUnit(figure, unit), what, "at most " + withUnit(limit, unit), isMet ? "met" : "MISSED");
 }
 
-void Report::tell(const QString& what, double figure, const QString& unit)
+void Report::note(const QString& what, double figure, const QString& unit)
 {
-    m_rows.append({numberText(figure, unit), what, {}, {}});
+    m_rows << row(withUnit(figure, unit), what);
 }
 
-void Report::lack(const QString& what, const QString& why)
+void Report::addMissing(const QString& what, const QString& why)
 {
     m_missed = true;
-    m_rows.append({QStringLiteral("-"), what, why, QStringLiteral("not measured")});
+    m_rows << row("-", what, why, "NOT MEASURED");
 }
 
 int Report::print() const
 {
-    if (parser.isSet(QStringLiteral("rows"))) {
-        for (const Row& row : m_rows)
-            put(QStringList{row.figure, row.what, row.wanted, row.verdict}.join(QLatin1Char('\t')));
-    } else {
-        put(parser.applicationDescription());
-        for (const Row& row : m_rows) {
-            put(QStringLiteral("%1  %2  %3  %4")
-                    .arg(row.figure, 14)
-                    .arg(row.what, -78)
-                    .arg(row.wanted, -20)
-                    .arg(row.verdict));
-        }
-    }
-    std::fflush(stdout);
-    return m_missed && parser.isSet(QStringLiteral("strict")) ? 1 : 0;
+    std::printf("%s\n%s\n", qUtf8Printable(m_title), qUtf8Printable(m_rows.join('\n')));
+    return m_missed ? LimitMissed : 0;
+}
+
+void disableLog()
+{
+    QLoggingCategory::setFilterRules("*.debug=false\n*.info=false\n*.warning=false");
 }
 
 int benchmarkFailed(const QString& why)
@@ -112,17 +89,45 @@ int benchmarkFailed(const QString& why)
     return 1;
 }
 
-void quietLog()
-{
-    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\n*.info=false\n*.warning=false"));
-}
-
 double percentile(std::vector<double> samples, double share)
 {
     if (samples.empty())
         return 0;
     const double rank = std::ceil(share * static_cast<double>(samples.size()));
-    const auto index = static_cast<std::vector<double>::difference_type>(std::max(rank, 1.0)) - 1;
-    std::nth_element(samples.begin(), samples.begin() + index, samples.end());
-    return samples.at(static_cast<std::size_t>(index));
+    const auto place = samples.begin() + static_cast<std::ptrdiff_t>(std::max(rank, 1.0)) - 1;
+    std::nth_element(samples.begin(), place, samples.end());
+    return *place;
+}
+
+void Comparison::addTo(Report& report, const QString& what, const QString& unit, double limit) const
+{
+    report.add(what + ", median", percentile(ratios, 0.5), "times", limit);
+    report.note("one such call, median", percentile(ours, 0.5), unit);
+    report.note("the bare call, median", percentile(bare, 0.5), unit);
+}
+
+Growth::Growth(QString what, QString things, QString unit)
+    : m_what(std::move(what))
+    , m_things(std::move(things))
+    , m_unit(std::move(unit))
+{}
+
+void Growth::addTo(Report& report, std::optional<double> limit) const
+{
+    const auto grouped = [](double size) {
+        return QLocale(QLocale::English).toString(static_cast<qlonglong>(size));
+    };
+    for (const auto& [size, cost] : m_points)
+        report.note(m_what + ", " + grouped(size) + ' ' + m_things, cost, m_unit);
+    if (m_points.size() < 2)
+        return;
+    const auto [fromSize, fromCost] = m_points.at(m_points.size() - 2);
+    const auto [toSize, toCost] = m_points.back();
+    const QString step = m_what + ", " + grouped(fromSize) + " to " + grouped(toSize) + ' ' + m_things;
+    const double ratio = toCost / fromCost / (toSize / fromSize);
+    if (limit)
+        report.add(step + ", against linear", ratio, "times", *limit);
+    else
+        report.note(step + ", against linear", ratio, "times");
+    report.note(step, std::log(toCost / fromCost) / std::log(toSize / fromSize), "exponent");
 }

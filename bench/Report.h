@@ -2,61 +2,61 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QCommandLineParser>
+#include <QHash>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <chrono>
+#include <limits>
+#include <optional>
+#include <utility>
 #include <vector>
 
-/// What one benchmark measured: its command line, its table and its exit code.
+/// The command line, the table and the exit code of one benchmark.
 ///
-/// The table has one row a figure: the figure, what it is, the limit that is wanted, and whether that is met. Figures
-/// without a limit explain the others. With --rows the same goes out as tab-separated lines for bench/run.
+/// The table has a row for each figure: the figure, what it is, its limit, and whether the limit is met. Figures
+/// without a limit explain the others.
 class Report final
 {
 public:
-    explicit Report(const QString& description);
-
-    /// An option with a whole number, ahead of parse().
-    void addNumber(const QString& name, const QString& description, int defaultValue);
-    /// Reads the command line; ends the program with 2 if it is wrong. Needs the application object.
-    void parse();
-    int number(const QString& name) const;
-
-    /// A figure that wants to be at most @p limit.
-    void add(const QString& what, double figure, const QString& unit, double limit);
-    /// A figure that is told without a limit.
-    void tell(const QString& what, double figure, const QString& unit);
-    /// A figure that this machine can't give: it counts as missed.
-    void lack(const QString& what, const QString& why);
-
-    /// Prints the table. 0, or with --strict 1 if a limit was missed.
-    int print() const;
-
-    QCommandLineParser parser;
-
-private:
-    struct Row
+    struct Option
     {
-        QString figure;
-        QString what;
-        QString wanted;
-        QString verdict;
+        QString name;
+        int number;
+        QString description;
     };
 
-    QVector<Row> m_rows;
+    /// Parses the command line, which can set each option to another number. Ends the program with 2 if it is wrong.
+    /// Needs the application object. Calls disableLog().
+    explicit Report(const QString& title, const QVector<Option>& options = {});
+    int number(const QString& option) const { return m_numbers.value(option); }
+
+    /// Adds a figure that must not exceed @p limit.
+    void add(const QString& what, double figure, const QString& unit, double limit);
+    /// Adds a figure without a limit.
+    void note(const QString& what, double figure, const QString& unit);
+    /// Adds a figure that can't be measured here, which counts as a missed limit.
+    void addMissing(const QString& what, const QString& why);
+
+    /// Prints the table. Returns the exit code: 0, or 3 if a limit is missed.
+    int print() const;
+
+private:
+    QString m_title;
+    QHash<QString, int> m_numbers;
+    QStringList m_rows;
     bool m_missed = false;
 };
 
-/// Writes to standard error that the benchmark couldn't measure and why, and returns the exit code for it.
+/// Disables Qt's log messages except critical ones, since they cost time that they don't cost in a host.
+void disableLog();
+
+/// Prints to standard error why the benchmark couldn't measure, and returns the exit code 1.
 int benchmarkFailed(const QString& why);
 
-/// Turns Qt's log off but for critical messages: plain debug lines are off in a host too, and the others only tell of
-/// the benchmark's own surroundings. What goes wrong is told by benchmarkFailed().
-void quietLog();
-
-/// The value that @p share of the samples don't exceed: 0.5 gives the median, 1 the maximum. 0 without samples.
+/// Returns the value that @p share of the samples don't exceed: 0 the minimum, 0.5 the median, 1 the maximum. Returns 0
+/// without samples.
 double percentile(std::vector<double> samples, double share);
 
 using BenchClock = std::chrono::steady_clock;
@@ -64,4 +64,81 @@ using BenchClock = std::chrono::steady_clock;
 inline double millisecondsSince(BenchClock::time_point start)
 {
     return std::chrono::duration<double, std::milli>(BenchClock::now() - start).count();
+}
+
+/// Returns how many milliseconds @p work takes.
+template <typename Work>
+double millisecondsOf(const Work& work)
+{
+    const BenchClock::time_point start = BenchClock::now();
+    work();
+    return millisecondsSince(start);
+}
+
+/// The costs of two ways to do something, round by round.
+struct Comparison
+{
+    std::vector<double> ours;
+    std::vector<double> bare;
+    std::vector<double> ratios;
+
+    /// Adds the median ratio with its limit and the median costs.
+    void addTo(Report& report, const QString& what, const QString& unit, double limit) const;
+};
+
+/// Calls both, which return their costs, @p rounds times after some rounds that don't count. They take turns in going
+/// first, so that neither always finds the caches as the other left them. Returns nothing if a cost is below 0.
+template <typename Ours, typename Bare>
+std::optional<Comparison> compare(int rounds, const Ours& ours, const Bare& bare)
+{
+    Comparison result;
+    for (int i = -rounds / 20; i < rounds; ++i) {
+        double first = i % 2 ? ours() : bare();
+        double second = i % 2 ? bare() : ours();
+        if (first < 0 || second < 0)
+            return std::nullopt;
+        if (i % 2 == 0)
+            std::swap(first, second);
+        if (i >= 0) {
+            result.ours.push_back(first);
+            result.bare.push_back(second);
+            result.ratios.push_back(first / second);
+        }
+    }
+    return result;
+}
+
+/// A cost at growing sizes.
+class Growth final
+{
+public:
+    /// @p what is measured, in @p unit, for a number of @p things.
+    Growth(QString what, QString things, QString unit);
+
+    void add(double size, double cost) { m_points.emplace_back(size, cost); }
+    /// Adds each cost, and how the last one compares with the one before it: against linear growth, with a limit if
+    /// there is one, and as an exponent.
+    void addTo(Report& report, std::optional<double> limit) const;
+
+private:
+    QString m_what;
+    QString m_things;
+    QString m_unit;
+    std::vector<std::pair<double, double>> m_points;
+};
+
+/// Calls @p call, which returns its cost in milliseconds, for half a second and at least three times. Returns the
+/// lowest cost, since disturbances only add to it, or the first cost below 0, which stands for a failure.
+template <typename Call>
+double lowestCost(const Call& call)
+{
+    double best = std::numeric_limits<double>::max();
+    const auto start = BenchClock::now();
+    for (int i = 0; i < 3 || millisecondsSince(start) < 500; ++i) {
+        const double cost = call();
+        if (cost < 0)
+            return cost;
+        best = std::min(best, cost);
+    }
+    return best;
 }

@@ -9,12 +9,12 @@
 #include <functional>
 #include <vector>
 
-/// Measures how long the GUI thread's event loop stands still.
+/// Measures how long the GUI thread's event loop is blocked.
 ///
-/// A turn of the loop begins when the system's poll call brings something to do, and ends when the loop polls again: in
-/// between, a click or a repaint would have to wait. All loops of the thread count, also nested ones and single
-/// processEvents() calls. The meter stands in for GLib's poll function, through which Qt's event dispatcher waits on
-/// Unix, so that it sees each turn to its full length and adds no events of its own.
+/// A turn of the loop starts when the system's poll call returns something to do, and ends when the loop polls again:
+/// in between, a click or a repaint would have to wait. All loops of the thread count, also nested ones and single
+/// processEvents() calls. The meter replaces GLib's poll function, through which Qt's event dispatcher waits on Unix,
+/// so that it sees each turn in its full length and adds no events of its own.
 class TurnMeter final
 {
     Q_DISABLE_COPY_MOVE(TurnMeter)
@@ -23,21 +23,21 @@ public:
     struct Turn
     {
         double milliseconds;
-        QString during; ///< what the label function said at the end of the turn; empty for short turns
+        QString during; ///< the label at the end of the turn; empty for short turns
     };
 
-    /// The label function names what goes on, for turns that are long enough to be told by name.
+    /// @p label describes the current work, for long turns.
     explicit TurnMeter(std::function<QString()> label);
     ~TurnMeter();
 
-    /// False if this thread's event dispatcher isn't one that can be measured.
+    /// Returns false if this thread's event dispatcher can't be measured.
     bool isMeasuring() const { return m_setPoll != nullptr; }
-    /// Only turns that begin while it is on are kept.
-    void keep(bool on) { m_keep = on; }
+    /// Keeps only turns that start while it is enabled.
+    void keep(bool enabled) { m_keep = enabled; }
 
     std::vector<Turn> turns;
-    /// The turns in the midst of a UsbDeviceAdapter::wait(), without its sleep. They are mostly empty, and would thin
-    /// out the others.
+    /// The turns inside a UsbDeviceAdapter::wait(), without its sleep. They are mostly empty, and would dilute the
+    /// others.
     std::vector<Turn> waitingTurns;
 
 private:
@@ -47,8 +47,8 @@ private:
     using GetPoll = Poll (*)(void* context);
 
     static int poll(Descriptor* descriptors, unsigned int count, int timeout);
-    void turnBegins();
-    void turnEnds();
+    void beginTurn();
+    void endTurn();
 
     std::function<QString()> m_label;
     SetPoll m_setPoll = nullptr;
@@ -58,3 +58,5 @@ private:
     bool m_inTurn = false;
     bool m_beginsInWait = false;
 };
+
+std::vector<double> lengthsOf(const std::vector<TurnMeter::Turn>& turns);

@@ -2,69 +2,44 @@
 // SPDX-License-Identifier: MIT
 
 // What log records cost merivo-host's GUI thread, from one to a thousand a second, and whether any is lost. Another
-// thread writes them through the plug-in's logger, as the polling thread does; the host's window shows them and its
-// file takes them.
+// thread writes them with the plug-in's logger, as the polling thread does; the host's window and file show them.
 
-#include "bench/Growth.h"
 #include "bench/Machine.h"
+#include "bench/Report.h"
 #include "plugin/session/Logger.h"
 #include "workbench/host/HostApplication.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QTimer>
 
 #include <array>
 #include <cmath>
+#include <thread>
 
 namespace {
 
 constexpr std::array<int, 4> Rates{1, 10, 100, 1000};
-constexpr int FullTable = 20000;                     ///< records, as many as the host's table keeps
-const char* const Mark = "status of the benchmark."; ///< tells our messages from the host's own in the log's file
-const QString Message = QStringLiteral("=?= <%1; BTREAD; running; ; 0> ") + QLatin1String(Mark);
+constexpr int FullTable = 20000;                     ///< the most records that the host's table keeps
+const char* const Mark = "status of the benchmark."; ///< in none of the host's own records
+const QString Message = QString("=?= <%1; BTREAD; running; ; 0> ") + Mark;
 
-/// Writes records at that rate, evenly, in a thread of its own.
-class Writer final : public QThread
-{
-public:
-    Writer(Logger* logger, int rate, int records)
-        : m_logger(logger)
-        , m_rate(rate)
-        , m_records(records)
-    {}
-
-private:
-    void run() override
-    {
-        const auto start = BenchClock::now();
-        for (int i = 0; i < m_records; ++i) {
-            const double early = 1000.0 * i / m_rate - millisecondsSince(start);
-            if (early > 0)
-                usleep(static_cast<unsigned long>(1000 * early));
-            m_logger->write(Message.arg(i), QStringLiteral("mcp"), {}, {});
-        }
-    }
-
-    Logger* m_logger;
-    const int m_rate;
-    const int m_records;
-};
-
-/// The share of the GUI thread's time that it works in that time, in percent, while records come in at that rate.
+/// Returns the percentage of its time that the GUI thread works while records are written at that rate.
 double shareOfGuiThread(Logger* logger, int rate, int seconds)
 {
-    Writer writer(logger, qMax(1, rate), rate * seconds);
     const auto start = BenchClock::now();
     const double before = threadMilliseconds();
-    writer.start();
+    std::thread writer([=] {
+        for (int i = 0; i < rate * seconds; ++i) {
+            std::this_thread::sleep_until(start + std::chrono::microseconds(1000000LL * i / rate));
+            logger->write(Message.arg(i), "mcp", {}, {});
+        }
+    });
     QTimer::singleShot(1000 * seconds, qApp, &QCoreApplication::quit);
     QCoreApplication::exec();
-    writer.wait();
-    // What is still on its way at the end of the time counts too.
-    QCoreApplication::sendPostedEvents();
+    writer.join();
+    QCoreApplication::sendPostedEvents(); // queued records count too
     return 100 * (threadMilliseconds() - before) / millisecondsSince(start);
 }
 
@@ -79,22 +54,19 @@ qint64 messagesIn(const QString& path)
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
-    Report report(QStringLiteral("What log records cost the host's GUI thread"));
-    report.addNumber(QStringLiteral("seconds"), QStringLiteral("How long each rate lasts."), 5);
-    report.parse();
-    const int seconds = report.number(QStringLiteral("seconds"));
-    quietLog();
-    const QString share = QStringLiteral("GUI thread's share");
+    Report report("Cost of log records on the host's GUI thread", {{"seconds", 5, "Duration of each rate."}});
+    const int seconds = report.number("seconds");
+    const QString share = "GUI thread's share";
     if (threadMilliseconds() < 0) {
-        report.lack(share, QStringLiteral("the system doesn't tell a thread's time"));
+        report.addMissing(share, "no processor time of a thread here");
         return report.print();
     }
 
     const QTemporaryDir folder;
-    const QString file = folder.filePath(QStringLiteral("host.log"));
+    const QString file = folder.filePath("host.log");
     HostApplication host;
     QString error;
-    if (!host.log().openFile(file, &error) || !host.database().open(folder.filePath(QStringLiteral("host.sqlite"))))
+    if (!host.log().openFile(file, &error) || !host.database().open(folder.filePath("host.sqlite")))
         return benchmarkFailed(error + host.database().errorText());
     HostServices services(host.log(), host.database());
     Logger* logger = Logger::instance(nullptr, &services);
@@ -102,30 +74,21 @@ int main(int argc, char** argv)
     host.window().show();
     QCoreApplication::processEvents();
 
-    const QString things = QStringLiteral("lines a second");
-    const QString unit = QStringLiteral("us");
     const double idle = shareOfGuiThread(logger, 0, seconds);
     qint64 written = 0;
-    Growth shares(share, things, QStringLiteral("%"));
-    std::vector<double> costs;
+    Growth shares(share, "lines a second", "%");
     for (const int rate : Rates) {
-        const double taken = shareOfGuiThread(logger, rate, seconds);
+        shares.add(rate, shareOfGuiThread(logger, rate, seconds) - idle);
         written += qint64(rate) * seconds;
-        shares.add(rate, taken - idle);
-        costs.push_back((taken - idle) * 1e4 / rate); // one percent of a second is 10,000 us
     }
     for (; written < FullTable; ++written)
-        logger->write(Message, QStringLiteral("mcp"), {}, {});
+        logger->write(Message, "mcp", {}, {});
     const double full = shareOfGuiThread(logger, Rates.back(), seconds) - idle;
     written += qint64(Rates.back()) * seconds;
 
-    shares.tell(report, 1.3);
-    report.add(share + QStringLiteral(", 1,000 lines a second, table full"), full, QStringLiteral("%"), 50);
-    report.tell(share + QStringLiteral(", no line"), idle, QStringLiteral("%"));
-    for (std::size_t i = 0; i < Rates.size(); ++i)
-        report.tell(QStringLiteral("one line, at %1 a second").arg(Rates.at(i)), costs.at(i), unit);
-    report.tell(QStringLiteral("one line, at 1,000 a second, table full"), full * 1e4 / Rates.back(), unit);
-    report.add(QStringLiteral("lines lost, or there twice"), std::abs(static_cast<double>(written - messagesIn(file))),
-               QStringLiteral("lines"), 0);
+    report.note(share + ", no line", idle, "%");
+    shares.addTo(report, 1.3);
+    report.add(share + ", 1,000 lines a second, table full", full, "%", 50);
+    report.add("lines lost or repeated", std::abs(static_cast<double>(written - messagesIn(file))), "lines", 0);
     return report.print();
 }

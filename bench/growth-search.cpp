@@ -1,0 +1,241 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+
+// How the end of a search for pumps grows with the reader's device list, and, as the lookup of a pump's patient does,
+// with the number of patients: in a host that has them in a map, and in merivo-host with its database.
+
+#include "bench/Machine.h"
+#include "bench/Report.h"
+#include "dialogs/PumpAddDialog.h"
+#include "plugin/session/PatientSession.h"
+#include "reader/CommandFileWriter.h"
+#include "reader/DeviceList.h"
+#include "reader/StatusFileParser.h"
+#include "support/ReaderFolder.h"
+#include "support/RecordingHost.h"
+#include "workbench/host/ExtensionPoints.h"
+#include "workbench/host/HostDatabase.h"
+#include "workbench/host/HostLog.h"
+#include "workflows/AddPumpControl.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QFile>
+#include <QPushButton>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTableView>
+#include <QTemporaryDir>
+
+#include <array>
+#include <memory>
+
+namespace {
+
+constexpr int PatienceMs = 60000;
+const QString FileName = "DEVLIST.XML";
+
+PatientRecord patientOf(int number)
+{
+    const QString text = QString::number(number);
+    return {"p-" + text, {"Name " + text, "Surname", "1970-02-03", text}};
+}
+
+/// Returns a list of pumps that belong to the first hundred patients, or to patients who are unknown.
+QByteArray deviceList(int devices, bool isStale)
+{
+    QByteArray text("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<DEVICELIST>\n");
+    for (int i = 0; i < devices; ++i) {
+        const QByteArray number = QByteArray::number(1000000 + i);
+        const QByteArray patient = (isStale ? "gone-" : "p-") + QByteArray::number(i % 100);
+        text += "<DEVICE><CLASS>PUMP</CLASS><NAME>Cygnara</NAME><MODELNR>1</MODELNR><SERIALNR>" + number +
+                "</SERIALNR><INTERFACE><BTADR>00" + number + "000</BTADR><PATIENT_ID>" + patient +
+                "</PATIENT_ID></INTERFACE></DEVICE>\n";
+    }
+    return text + "</DEVICELIST>\n";
+}
+
+/// Notices when a widget is painted.
+class PaintWatch final : public QObject
+{
+public:
+    explicit PaintWatch(QWidget* watched) { watched->installEventFilter(this); }
+    bool isPainted = false;
+
+private:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        isPainted |= event->type() == QEvent::Paint;
+        return false;
+    }
+};
+
+/// Returns the milliseconds from the finished() of a search until the list of pumps is painted; -1 if it isn't.
+double paintedSearch(const ReaderFolder& reader, RecordingHost& host)
+{
+    host.journal.clear();
+    const std::unique_ptr<CommandFileWriter> writer(CommandFileWriter::create(reader.drive()));
+    const std::unique_ptr<StatusFileParser> parser(StatusFileParser::create(reader.drive()));
+    PumpAddDialog dialog(&host.services, &host.database, {}, nullptr);
+    dialog.show();
+    QCoreApplication::processEvents();
+    parser->m_state = StatusFileParser::Ended; // as after the main dialog's query; otherwise "Search" means "Stop"
+    dialog.findChild<QPushButton*>("m_OverviewButton")->click();
+
+    // The search's own polling starts after half a second, when this is over.
+    PaintWatch watch(dialog.findChild<QTableView*>("m_PumpsOverview")->viewport());
+    parser->m_lastStatus.status = CommandStatus::Done;
+    const double start = workMilliseconds();
+    Q_EMIT parser->finished(true);
+    while (!watch.isPainted && workMilliseconds() - start < PatienceMs)
+        QCoreApplication::processEvents();
+    return watch.isPainted ? workMilliseconds() - start : -1;
+}
+
+bool measureDevices(Report& report, const ReaderFolder& reader)
+{
+    RecordingHost host;
+    for (int i = 0; i < 100; ++i)
+        host.database.records.insert(patientOf(i).puid, patientOf(i));
+    PatientSession::setHost(&host.services, &host.database);
+    PatientSession::instance()->setPatientId("p-0");
+    Growth reading("device list read", "devices", "ms");
+    Growth ending("search to painted list", "devices", "ms");
+    Growth removing("search to painted list, all pairings stale", "devices", "ms");
+    for (int devices = 1; devices <= report.number("devices"); devices *= 10) {
+        for (const bool isStale : {false, true}) {
+            if (!reader.writeFile(FileName, deviceList(devices, isStale)) ||
+                readDeviceList(reader.misc(), FileName).size() != devices)
+                return false;
+            const double time = lowestCost([&] { return paintedSearch(reader, host); });
+            if (time < 0)
+                return false;
+            (isStale ? removing : ending).add(devices, time);
+        }
+        reading.add(devices, lowestCost([&] {
+                        const double start = workMilliseconds();
+                        readDeviceList(reader.misc(), FileName);
+                        return workMilliseconds() - start;
+                    }));
+    }
+    for (const Growth* growth : {&reading, &ending, &removing})
+        growth->addTo(report, 1.3);
+    return true;
+}
+
+/// Adds patients to the database in one transaction; HostDatabase has one for each patient.
+bool addPatients(const QString& path, int first, int end)
+{
+    QSqlDatabase connection = QSqlDatabase::addDatabase("QSQLITE", QString::number(end));
+    connection.setDatabaseName(path);
+    bool isDone = connection.open() && connection.transaction();
+    QSqlQuery query(connection);
+    query.prepare("INSERT INTO patients (name1, name2, birthday, extension, puid) VALUES (?, ?, ?, ?, ?)");
+    for (int i = first; i < end && isDone; ++i) {
+        for (const QString& value : patientOf(i).ids + QStringList(patientOf(i).puid))
+            query.addBindValue(value);
+        isDone = query.exec();
+    }
+    query.finish();
+    isDone = isDone && connection.commit();
+    connection.close();
+    return isDone;
+}
+
+/// Returns the milliseconds for the name of the last patient in the map's order; -1 if it isn't found.
+double nameOfPatient(const PatientRecord& patient)
+{
+    const double start = workMilliseconds();
+    const QString name = PatientSession::patientName(PatientSession::patientIdsOf(patient.puid));
+    const double time = workMilliseconds() - start;
+    return name == patient.ids.at(0) + ", " + patient.ids.at(1) ? time : -1;
+}
+
+/// Returns the milliseconds from the finished() of a search to its results, ten pumps of known patients; -1 on a
+/// failure.
+double searchResults(const ReaderFolder& reader, IServices* services, IDatabase* database)
+{
+    const std::unique_ptr<CommandFileWriter> writer(CommandFileWriter::create(reader.drive()));
+    const std::unique_ptr<StatusFileParser> parser(StatusFileParser::create(reader.drive()));
+    AddPumpControl control(services, database, nullptr);
+    int paired = 0;
+    QObject::connect(&control, &AddPumpControl::pairingSearchResults, &control,
+                     [&paired](const QList<DeviceInfo>& found) {
+                         for (const DeviceInfo& device : found)
+                             paired += device.paired ? 1 : 0;
+                     });
+    control.startPairingSearch();
+    parser->m_lastStatus.status = CommandStatus::Done;
+    const double start = workMilliseconds();
+    Q_EMIT parser->finished(true);
+    QCoreApplication::processEvents();
+    return paired == 10 ? workMilliseconds() - start : -1;
+}
+
+bool measurePatients(Report& report, const ReaderFolder& reader)
+{
+    const QTemporaryDir folder;
+    HostLog log;
+    HostDatabase patients;
+    if (!patients.open(folder.filePath("patients.sqlite")) || !reader.writeFile(FileName, deviceList(10, false)))
+        return false;
+    HostServices services(log, patients);
+    DatabasePoint point(log, patients);
+    RecordingHost recorder;
+    struct Host
+    {
+        IServices* services;
+        IDatabase* database;
+        Growth name;
+        Growth search;
+    };
+    std::array<Host, 2> hosts{
+        {{&recorder.services, &recorder.database, Growth("name of a patient, host with a map", "patients", "ms"),
+          Growth("end of a search, host with a map", "patients", "ms")},
+         {&services, &point, Growth("name of a patient, merivo-host", "patients", "ms"),
+          Growth("end of a search, merivo-host", "patients", "ms")}}};
+    double longestName = 0;
+    int present = 0;
+    for (int count = 10; count <= report.number("patients"); count *= 10) {
+        if (!addPatients(patients.path(), present, count))
+            return false;
+        for (; present < count; ++present)
+            recorder.database.records.insert(patientOf(present).puid, patientOf(present));
+        const PatientRecord last = recorder.database.records.last();
+        for (Host& host : hosts) {
+            PatientSession::setHost(host.services, host.database);
+            const double name = lowestCost([&] { return nameOfPatient(last); });
+            const double search = lowestCost([&] { return searchResults(reader, host.services, host.database); });
+            if (name < 0 || search < 0)
+                return false;
+            host.name.add(count, name);
+            longestName = name; // at last that of merivo-host with all patients
+            host.search.add(count, search);
+        }
+    }
+    // No limit for the growth: a map of 100,000 patients doesn't fit into the processor's caches.
+    for (const Host& host : hosts) {
+        host.name.addTo(report, std::nullopt);
+        host.search.addTo(report, std::nullopt);
+    }
+    // One frame of the screen, which a tooltip must not exceed.
+    report.add("name of a patient, merivo-host, all patients", longestName, "ms", 16);
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    Report report("Growth of a search with the devices and the patients",
+                  {{"devices", 10000, "The largest number of devices."},
+                   {"patients", 100000, "The largest number of patients."}});
+    keepFreedMemory();
+    qputenv("TMPDIR", QFile::encodeName(memoryFolder())); // the time of a disk isn't what grows
+    const ReaderFolder reader;
+    reader.writeStatus("Reader status 0", "NONE", "done");
+    if (!measureDevices(report, reader) || !measurePatients(report, reader))
+        return benchmarkFailed("a file can't be written, or a search has wrong results");
+    return report.print();
+}
