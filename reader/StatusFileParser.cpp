@@ -198,11 +198,12 @@ void StatusFileParser::continuePolling()
 
     qCDebug(plainDebug).noquote() << "void StatusFileParser::continuePolling()"
                                   << QStringLiteral("Polling continued (%1)").arg(linear);
-    // A tenth of the limit shows 52, half of it 90. Only a clock that was set back can ask for more than 100.
+    // A tenth of the limit shows 52, half of it 90. At the limit, or if the clock was set back, the curve can reach 100
+    // and above, which only a command that has ended may report.
     const double weight = 9.0 * static_cast<double>(elapsed);
     const double curve = std::abs(100.0 * (static_cast<double>(elapsed) + weight) /
                                   (static_cast<double>(std::max<qint64>(total, 1)) + weight));
-    Q_EMIT progress(static_cast<int>(std::min(curve, 100.0)));
+    Q_EMIT progress(static_cast<int>(std::min(curve, 99.0)));
     QTimer::singleShot(m_pollIntervalMs, this, &StatusFileParser::continuePolling);
 }
 

@@ -78,7 +78,7 @@ Q_SIGNALS:
     /// The run ended by a status. True: the status is new and about the submitted command, or the user cancelled; see
     /// m_lastStatus for what happened. False: it is about another command.
     void finished(bool success);
-    /// 0 to 100 on a curve that is steep at first, after each tick that lets the run go on.
+    /// Emitted after each tick after which the run goes on: 0 to 99, on a curve that is steep at first.
     void progress(int percentage);
     /// The run ended without a status: a limit was passed, or a read failed.
     void timeout();
