@@ -114,7 +114,8 @@ void checkPlain(const QList<DeviceInfo>& devices, const QByteArray& bytes)
 
 void checkDevice(const DeviceInfo& device, const QByteArray& bytes)
 {
-    require(device.paired == !device.patientId.isEmpty(), "a pump with a patient is paired");
+    // Without an id only if that is damaged.
+    require(device.paired || device.patientId.isEmpty(), "a pump with a patient is paired");
     require(device.patientId != QLatin1String("0"), "0 is no patient");
     require(device.deviceName != QLatin1String("Cygnara"), "the pump has its name for users");
     if (device.paired && isPlain(bytes))

@@ -15,49 +15,52 @@
 
 namespace {
 
-/// No reader knows as many pumps: 10,000 take 3 MiB. What lies behind isn't read, as if the file broke off there.
-constexpr qint64 LongestList = 8LL * 1024 * 1024;
+/// No reader knows as many pumps: 10,000 take 3 MiB. The rest isn't read.
+constexpr qint64 MaxListSize = 8LL * 1024 * 1024;
 
-/// How much of a list the XML reader gets through in a time that grows with its length alone. It compares the
-/// attributes of an element each with each, looks a name space up among all that are open, and makes much out of a few
-/// declarations. A reader's list has none of these, so one with many is damaged, and counts up to there.
+/// Returns the end of the comment, CDATA section or processing instruction that begins at @p begin; 0 if none does.
+int endOfPlainSection(const QByteArray& list, int begin)
+{
+    static constexpr const char* Sections[][2] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
+    for (const auto& [first, last] : Sections) {
+        const int length = static_cast<int>(qstrlen(first));
+        if (qstrncmp(list.constData() + begin, first, qstrlen(first)) == 0) {
+            const int end = list.indexOf(last, begin + length);
+            return end < 0 ? list.size() : end;
+        }
+    }
+    return 0;
+}
+
+/// Returns how much of a list the XML reader reads in a time that only grows with its length. It compares the
+/// attributes of an element with each other, searches a name space among all open ones, and expands a few declarations
+/// to a long text. The list of a reader has none of these. One with many of them is damaged, and is read up to there.
 int readableSize(const QByteArray& list)
 {
-    constexpr int MostQuotes = 200; // two for an attribute; from one tag's begin to the next
-    constexpr int MostNamespaces = 256;
-    int tag = 0;
-    bool isInTag = false;
-    char open = 0; // the quote that a value stands in
-    int quotes = 0;
+    constexpr int MaxAttributes = 100;
+    constexpr int MaxNamespaces = 256;
     int namespaces = 0;
-    for (int i = 0; i < list.size(); ++i) {
-        const char* rest = list.constData() + i;
-        switch (*rest) {
-        case '<':
-            tag = i;
-            isInTag = true;
-            open = 0;
-            quotes = 0;
-            if (qstrncmp(rest, "<!ENTITY", 8) == 0 || qstrncmp(rest, "<!ATTLIST", 9) == 0)
+    for (int i = list.indexOf('<'); i >= 0; i = list.indexOf('<', i)) {
+        if (const int end = endOfPlainSection(list, i)) {
+            i = end;
+            continue;
+        }
+        const int tag = i;
+        if (qstrncmp(list.constData() + tag, "<!ENTITY", 8) == 0 ||
+            qstrncmp(list.constData() + tag, "<!ATTLIST", 9) == 0)
+            return tag;
+        int attributes = 0;
+        for (++i; i < list.size() && list.at(i) != '<' && list.at(i) != '>'; ++i) {
+            const char c = list.at(i);
+            if (c == '"' || c == '\'') {
+                if (++attributes > MaxAttributes)
+                    return tag;
+                i = list.indexOf(c, i + 1);
+                if (i < 0)
+                    return list.size();
+            } else if (c == 'x' && qstrncmp(list.constData() + i, "xmlns", 5) == 0 && ++namespaces > MaxNamespaces) {
                 return tag;
-            break;
-        case '>':
-            isInTag = isInTag && open;
-            break;
-        case '"':
-        case '\'':
-            if (!isInTag || (open && open != *rest)) // a text, where quotes cost nothing
-                break;
-            open = open ? '\0' : *rest;
-            if (++quotes > MostQuotes)
-                return tag;
-            break;
-        case 'x':
-            if (qstrncmp(rest, "xmlns", 5) == 0 && ++namespaces > MostNamespaces)
-                return tag;
-            break;
-        default:
-            break;
+            }
         }
     }
     return list.size();
@@ -70,9 +73,11 @@ void parseInterface(QXmlStreamReader& xml, DeviceInfo& device)
             device.btAddress = xml.readElementText();
         } else if (xml.name() == QLatin1String("PATIENT_ID")) {
             const QString id = xml.readElementText();
-            // The reader's word for "none" is exactly one zero.
-            device.patientId = id == QLatin1String("0") ? QString() : id;
-            device.paired = !device.patientId.isEmpty();
+            // A part of an id could be another patient's, or nobody's, whose pairing would be removed.
+            const bool isDamaged = xml.hasError() && xml.error() != QXmlStreamReader::PrematureEndOfDocumentError;
+            // The reader writes exactly one zero for no patient.
+            device.patientId = isDamaged || id == QLatin1String("0") ? QString() : id;
+            device.paired = isDamaged || !device.patientId.isEmpty();
         } else {
             xml.skipCurrentElement();
         }
@@ -100,8 +105,11 @@ QList<DeviceInfo> parseDeviceList(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    QByteArray list = file.read(std::min(file.size(), LongestList));
+    const qint64 fileSize = file.size();
+    QByteArray list = file.read(std::min(fileSize, MaxListSize));
     list.truncate(readableSize(list));
+    if (list.size() < fileSize)
+        list += "]]>"; // an error instead of an end, so that an id that is cut here counts as damaged
     // By a buffer: bytes that are no text, given all at once, would cost the whole list.
     QBuffer buffer(&list);
     if (!buffer.open(QIODevice::ReadOnly))

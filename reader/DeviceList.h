@@ -12,12 +12,13 @@ struct DeviceInfo
     QString btAddress;    ///< Bluetooth address, for the pairing.
     QString serialNumber; ///< What identifies the pump in every other command.
     QString deviceName;   ///< The name as it is displayed.
-    QString patientId;    ///< The patient that the pump is assigned to; empty if none.
-    bool paired = false;  ///< Whether there is a patient id.
+    QString patientId;    ///< The patient that the pump is assigned to; empty if none, or if the id isn't readable.
+    bool paired = false;  ///< Whether the pump is assigned to a patient, known or not.
 };
 Q_DECLARE_METATYPE(DeviceInfo)
 
-/// Reads the reader's list of pumps, all of them and in the file's order. A missing file or another root gives an empty
-/// list; a broken file gives the records ahead of the fault, the last of them with what was read of it. Writes the
-/// number of records to the log. GUI thread, after a SEARCH has ended.
+/// Reads the reader's list of pumps, all of them and in the file's order. Returns an empty list for a missing file or
+/// another root, and for a broken file the records before the fault, the last of them with what was read of it. A fault
+/// within a patient's id, other than the end of the file, leaves the pump paired with an unknown patient. Writes the
+/// number of records to the log. GUI thread only, after a SEARCH has ended.
 QList<DeviceInfo> readDeviceList(const QString& directory, const QString& fileName);

@@ -495,17 +495,18 @@ void DialogsTest::showsDevices()
     const DevicesModel model({{"B", "S1", "Name", "", false},
                               {"B", "S2", "", "P9", true},
                               {"B", "S3", "", "P1", true},
-                              {"B", "S4", "", "P7", false}},
+                              {"B", "S4", "", "P7", false},
+                              {"B", "S5", "", "", true}},
                              nullptr);
     QStringList cells;
-    for (int row = -1; row <= 4; ++row) {
+    for (int row = -1; row <= 5; ++row) {
         for (int column = 0; column < 4; ++column)
             cells << model.data(row < 0 || column > 2 ? QModelIndex() : model.index(row, column)).toString();
         cells << model.data(model.index(row, 1), Qt::ToolTipRole).toString() << model.deviceAt(row).serialNumber
               << (model.isAssignedToOther(row) ? "other" : "");
     }
-    QCOMPARE(cells.join('|'),
-             QString("|||||||S1||Name|||S1||S2|P9|||%3 <Old, R&D|S2|other|S3|P1|||Doe, Jane|S3||S4|P7||||S4||||||||"));
+    QCOMPARE(cells.join('|'), QString("|||||||S1||Name|||S1||S2|P9|||%3 <Old, R&D|S2|other|S3|P1|||Doe, "
+                                      "Jane|S3||S4|P7||||S4||S5|||||S5|other|||||||"));
     const QModelIndex first = model.index(0, 0);
     QCOMPARE(first.data(Qt::FontRole).value<QFont>().pointSizeF(), QFont().pointSizeF() * 1.1);
     QCOMPARE(model.headerData(5, Qt::Horizontal, Qt::FontRole).value<QFont>().pointSizeF(), QFont().pointSizeF() * 1.2);

@@ -257,6 +257,10 @@ private Q_SLOTS:
         row("skipped whole", "<X><SERIALNR>S</SERIALNR></X><BTADR/><NAME>cygnara</NAME>", {"||cygnara||free"});
         row("inside", "<INTERFACE><X><BTADR>B</BTADR></X><PATIENT_ID> 0</PATIENT_ID></INTERFACE>", {"||| 0|paired"});
         row("stranger in a text ends all", "<SERIALNR>S<X/></SERIALNR><NAME>n</NAME></DEVICE><DEVICE>", {"|S|||free"});
+        // A part of an id is nobody's.
+        const QByteArray id = "<INTERFACE><BTADR>B</BTADR><PATIENT_ID>0</PATIENT_ID><PATIENT_ID>P";
+        row("zero byte in an id", id + '\0' + "1</PATIENT_ID>", {"B||||paired"});
+        row("entity in an id", id + "&a;1</PATIENT_ID>", {"B||||paired"});
         row("many", QByteArray("</DEVICE><DEVICE>").repeated(9999), QVector<QString>(10000, "||||free").toList());
         // As deep as no stack is, for a parser that would call itself.
         const QByteArray deep = QByteArray("<X>").repeated(1000000);
@@ -267,9 +271,14 @@ private Q_SLOTS:
         for (int i = 0; i < 200; ++i)
             attributes += " a" + QByteArray::number(i) + "=''";
         row("attributes", next + attributes + '>', {"||n||free"});
-        row("name spaces", next + '>' + QByteArray("<a xmlns='c'/>").repeated(300) + "<NAME>m",
+        row("attributes in an id", id + "<a" + attributes + "/>1</PATIENT_ID>", {"B||||paired"});
+        const QByteArray spaces = QByteArray("<a xmlns='c'/>").repeated(300);
+        row("name spaces", next + '>' + spaces + "<NAME>m", {"||n||free", "||||free"});
+        row("too long", id + QByteArray(8 << 20, ' ') + "</PATIENT_ID>", {"B||||paired"});
+        const QByteArray harmless = attributes + spaces + "<!ENTITY \"";
+        row("harmless",
+            "<!--" + harmless + "--><![CDATA[" + harmless + "]]><?a " + harmless + "?><X/>" + attributes + next + '>',
             {"||n||free", "||||free"});
-        row("too long", next + "><!--" + QByteArray(8 << 20, ' ') + "--></DEVICE><DEVICE>", {"||n||free", "||||free"});
         QTest::newRow("declarations") << "<!DOCTYPE D [<!ENTITY a 'b'>]>" + Devices.mid(21) << QStringList();
         row("text as it stands", "<SERIALNR> \xC3\x84&amp;1 </SERIALNR>", {QString::fromUtf8("| Ä&1 |||free")});
     }

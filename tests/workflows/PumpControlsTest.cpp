@@ -29,8 +29,8 @@ private Q_SLOTS:
         m_reader = std::make_unique<ReaderFolder>();
         const QString device = "<DEVICE><SERIALNR>%1</SERIALNR><INTERFACE><BTADR>B</BTADR><PATIENT_ID>%2</PATIENT_ID>"
                                "</INTERFACE></DEVICE>";
-        const QString devices =
-            device.arg("PU1", "%2") + device.arg("PU123", "0") + device.arg("pu12", "P") + device.arg("PU2", "p");
+        const QString devices = device.arg("PU1", "%2") + device.arg("PU123", "0") + device.arg("pu12", "P") +
+                                device.arg("PU2", "p") + device.arg("PU3", "p&x;"); // whose patient can't be read
         QVERIFY(m_reader->writeStatus("idle", "NONE", "done"));
         QVERIFY(m_reader->writeFile("DEVLIST.XML", "<DEVICELIST>" + devices.toUtf8() + "</DEVICELIST>"));
         m_host.database.records = {{"p", {"P", {"%2"}}}}; // the key alone counts, as it is written
@@ -94,12 +94,12 @@ private Q_SLOTS:
         row("S+1", "", "[box]\nerr|=!= [Add] Pairing search failed: status='1'.\nsearch stopped 1");
         row("S+2", "",
             "progress '' 100\ndatabaseGuid('/data/open.db')\npatients('" + m_host.database.guid +
-                "')\nmcp|=== [Add] Original devices list: count='4'.\nmcp|<== <BTDELETEADDR  \"PU2\"> submitted.\n"
+                "')\nmcp|=== [Add] Original devices list: count='5'.\nmcp|<== <BTDELETEADDR  \"PU2\"> submitted.\n"
                 "mcp|=== [Add] Deprecated pairing info (puid='p', snr='PU2') removed.\n"
                 "mcp|<== <BTDELETEADDR  \"PU1\"> submitted.\n"
                 "mcp|=== [Add] Deprecated pairing info (puid='%2', snr='PU1') removed.\n"
-                "mcp|=== [Add] Cleared devices list: count='4'.\n"
-                "mcp|==> [Add] Pairing search succeeded: status='2'.\nresults 4 PU1,PU123,pu12 of P,PU2");
+                "mcp|=== [Add] Cleared devices list: count='5'.\n"
+                "mcp|==> [Add] Pairing search succeeded: status='2'.\nresults 5 PU1,PU123,pu12 of P,PU2,PU3 of ");
         row("S+2", "DEVLIST.XML",
             "progress '' 100\nerr|=!= [Add] Empty device list.\n"
             "mcp|==> [Add] Pairing search succeeded: status='2'.\nresults 0 ");
@@ -214,7 +214,7 @@ private Q_SLOTS:
         m_add->startPairingSearch();
         end(true, 2);
         m_host.journal.clear();
-        for (const int row : {-1, 4}) {
+        for (const int row : {-1, 5}) {
             m_add->startPairing(row);
             m_add->startReassign(row);
         }
