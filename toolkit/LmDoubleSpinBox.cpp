@@ -17,7 +17,7 @@ QValidator::State LmDoubleSpinBox::validate(QString& input, int& pos) const
     lmRemoveSpecialText(*this, input);
     if (input.isEmpty())
         return QValidator::Acceptable;
-    mendSeparator(input);
+    repairSeparator(input);
     return QDoubleSpinBox::validate(input, pos);
 }
 
@@ -35,14 +35,23 @@ void LmDoubleSpinBox::refreshLocale()
     setValue(value());
 }
 
-void LmDoubleSpinBox::mendSeparator(QString& input) const
+void LmDoubleSpinBox::repairSeparator(QString& input) const
 {
     const QChar point = locale().decimalPoint();
-    for (const QChar candidate : {QChar(u'*'), QChar(u'#'), QLocale().decimalPoint(), locale().groupSeparator()}) {
-        const int place = candidate == point ? -1 : input.indexOf(candidate);
-        if (place >= 0) {
+    const auto replaceFirst = [&input, point](QChar candidate, int from, int to) {
+        const int place = candidate == point ? -1 : input.indexOf(candidate, from);
+        const bool isFound = place >= 0 && place < to;
+        if (isFound)
             input[place] = point;
+        return isFound;
+    };
+    for (const QChar candidate : {QChar(u'*'), QChar(u'#'), QLocale().decimalPoint(), locale().groupSeparator()}) {
+        if (replaceFirst(candidate, 0, input.size()))
             return;
-        }
     }
+    // Units and abbreviations have points, so these are searched in the number only.
+    const int from = input.startsWith(prefix()) ? prefix().size() : 0;
+    const int to = input.size() - (input.endsWith(suffix()) ? suffix().size() : 0);
+    if (!replaceFirst(QChar(u'.'), from, to))
+        replaceFirst(QChar(u','), from, to);
 }

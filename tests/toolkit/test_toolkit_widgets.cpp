@@ -95,13 +95,14 @@ private Q_SLOTS:
         constexpr auto Good = QValidator::Acceptable;
         constexpr auto Bad = QValidator::Invalid;
         // Default locale, the field's own one if it is another, what is typed and what becomes of it. One separator is
-        // mended at a time, the star ahead of the default locale's point; in capitals the special text isn't one.
+        // replaced at a time, the star before the default locale's point and the group separator before any other
+        // point; in capitals the special text isn't one.
         const std::tuple<const char*, const char*, const char*, const char*, QValidator::State> cases[] = {
             {"de_DE", "", "1.5", "1,5", Good},      {"de_DE", "", "1*5", "1,5", Good},
             {"de_DE", "", "1#5", "1,5", Good},      {"en_GB", "fr_CH", "1.5*5", "1.5,5", Bad},
             {"de_DE", "", "1*5*5", "1,5*5", Bad},   {"de_DE", "en_GB", "1,5", "1.5", Good},
             {"en_GB", "", "1.5", "1.5", Good},      {"en_GB", "", "1,5", "1.5", Good},
-            {"en_GB", "fr_CH", "1.5", "1,5", Good}, {"fr_CH", "", "1.5", "1.5", Bad},
+            {"en_GB", "fr_CH", "1.5", "1,5", Good}, {"fr_CH", "", "1.5\u202f", "1.5,", Bad},
             {"fr_CH", "", "1\u202f5", "1,5", Good}, {"ar_EG", "", "1*5", "1٫5", Good},
             {"ar_EG", "", "1٬5", "1٫5", Good},      {"de_DE", "", "", "", Good},
             {"de_DE", "", "off", "", Good},         {"de_DE", "", "off1.off5", "1,5", Good},
@@ -118,11 +119,24 @@ private Q_SLOTS:
             QCOMPARE(text, QString::fromUtf8(mended));
         }
 
+        for (const char* name : {"ar_EG", "cs_CZ", "de_AT", "de_CH", "de_DE", "en_GB", "en_ZA", "es_ES", "fa_IR",
+                                 "fr_CH", "fr_FR", "hi_IN", "nb_NO", "pl_PL", "pt_PT", "ru_RU", "sv_SE"}) {
+            setLocale(name);
+            const QString separators = QString(QLocale().decimalPoint()) + QLocale().groupSeparator();
+            for (const char* keys : {"1.5", "1,5"}) {
+                BgDoubleSpinBox box;
+                box.setDecimalUnit(0, 30);
+                box.setPrefix(separators.contains('.') ? "" : "ca. ");
+                box.setSuffix(separators.contains(',') ? "" : " mmol/l, F.");
+                box.selectAll();
+                QTest::keyClicks(&box, keys);
+                QVERIFY2(box.value() > 1.49 && box.value() < 1.51, QByteArray(name) + keys);
+            }
+        }
+
         setLocale("de_DE");
         LmDoubleSpinBox box;
-        box.selectAll();
-        QTest::keyClicks(&box, QStringLiteral("12.5"));
-        QCOMPARE(box.value(), 12.5);
+        box.setValue(12.5);
         setLocale("en_GB");
         box.refreshLocale();
         QCOMPARE(box.text(), QStringLiteral("12.50"));
