@@ -5,11 +5,16 @@
 #include "toolkit/LmGuiConfig.h"
 #include "toolkit/LmNumberText.h"
 
+#include <QAbstractItemView>
 #include <QIcon>
 #include <QPainter>
 #include <QSpinBox>
 #include <QTextCharFormat>
 #include <QToolButton>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
 
 namespace {
 
@@ -26,6 +31,34 @@ QIcon arrowIcon(QLatin1String side)
     add(QLatin1String("pressed"), QIcon::Selected);
     add(QLatin1String("disabled"), QIcon::Disabled);
     return icon;
+}
+
+/// The colour of @p ground under a transparent @p color.
+QColor blended(const QColor& color, const QColor& ground)
+{
+    const qreal alpha = color.alphaF();
+    const auto mixed = [alpha](qreal above, qreal below) {
+        return below + (above - below) * alpha;
+    };
+    return QColor::fromRgbF(mixed(color.redF(), ground.redF()), mixed(color.greenF(), ground.greenF()),
+                            mixed(color.blueF(), ground.blueF()));
+}
+
+/// Relative luminance as the WCAG define it, from 0 for black to 1 for white.
+qreal luminance(const QColor& color)
+{
+    const auto linear = [](qreal value) {
+        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+/// Returns true if text in @p color has the contrast on @p ground that the WCAG ask for.
+bool isReadable(const QColor& color, const QColor& ground)
+{
+    constexpr qreal MinContrast = 4.5;
+    const auto [darker, lighter] = std::minmax({luminance(blended(color, ground)), luminance(ground)});
+    return (lighter + 0.05) / (darker + 0.05) >= MinContrast;
 }
 
 } // namespace
@@ -148,32 +181,52 @@ bool LmCalendarWidget::hasTopLine(const QDate& date, CellState state) const
 void LmCalendarWidget::paintCell(QPainter* painter, const QRect& rect, const QDate& date) const
 {
     const CellState state = cellState(date);
+    QColor ground = Qt::white;
+    const auto fill = [painter, &rect, &ground](const QBrush& brush) {
+        painter->fillRect(rect, brush);
+        ground = blended(brush.color(), ground);
+    };
+    std::optional<QPen> pen;
+
     painter->save();
-    painter->fillRect(rect, cellBrush());
+    fill(cellBrush());
     if (state & CellWeekend)
-        painter->setPen(weekendPen());
+        pen = weekendPen();
     if (state & CellOtherMonth)
-        painter->setPen(otherMonthPen());
+        pen = otherMonthPen();
     if (state & CellInRange)
-        painter->fillRect(rect, inRangeBrush());
+        fill(inRangeBrush());
     if (state & CellDisabled) {
-        painter->fillRect(rect, disabledBrush());
-        painter->setPen(disabledPen());
+        fill(disabledBrush());
+        pen = disabledPen();
     }
     if (state & CellRangeEnd) {
         if (date == (m_editingStart ? m_rangeStart : m_rangeEnd)) {
-            painter->fillRect(rect, activeEndBrush());
-            painter->setPen(activeEndPen());
+            fill(activeEndBrush());
+            pen = activeEndPen();
         } else {
-            painter->fillRect(rect, otherEndBrush());
+            fill(otherEndBrush());
         }
     }
+    // The ground is the same in every theme: the text of a dark one, which is bright, can't be read on it. A disabled
+    // calendar keeps the pale text of a light theme.
+    if (!pen && !isReadable(textColor(), ground))
+        pen = textPen();
+    if (pen)
+        painter->setPen(*pen);
     painter->drawText(rect, Qt::AlignCenter, lmLocalizedInt(date.day()));
     if (state & CellTopLine) {
         painter->setPen(topLinePen());
         painter->drawLine(rect.topLeft(), rect.topRight());
     }
     painter->restore();
+}
+
+QColor LmCalendarWidget::textColor() const
+{
+    // A style sheet may set it for the view only.
+    const auto* const view = findChild<QAbstractItemView*>(QStringLiteral("qt_calendar_calendarview"));
+    return (view ? view->palette() : palette()).color(QPalette::Active, QPalette::Text);
 }
 
 void LmCalendarWidget::fixYearButtonText()

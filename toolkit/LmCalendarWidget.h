@@ -59,6 +59,8 @@ protected:
 
     /// Of a date in the page that is shown.
     CellState cellState(const QDate& date) const;
+    /// Paints the cell in fixed colours, except for the text of a weekday in the month shown: that has the palette's
+    /// colour, or textPen() where the palette's has a contrast below 4.5 on the fixed ground, as in a dark theme.
     void paintCell(QPainter* painter, const QRect& rect, const QDate& date) const override;
 
     /// The house colours.
@@ -74,7 +76,7 @@ protected:
     static QPen topLinePen();
     static QBrush headerForeground();
     static QBrush headerBackground();
-    /// Not used in a cell as painted here; for subclasses that paint more.
+    /// Not used by paintCell(); for subclasses that paint more.
     static QBrush accentBrush();
     static QPen textPen();
 
@@ -83,6 +85,7 @@ private Q_SLOTS:
 
 private:
     bool hasTopLine(const QDate& date, CellState state) const;
+    QColor textColor() const;
 
     QDate m_rangeStart;
     QDate m_rangeEnd;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/LmCalendarWidget.h"
 
+#include <QAbstractItemView>
 #include <QImage>
 #include <QLocale>
 #include <QPainter>
@@ -23,18 +24,30 @@ class Calendar final : public LmCalendarWidget
 public:
     explicit Calendar(int firstWeekDay = 0) { setUp(firstWeekDay); }
 
+    QAbstractItemView* const view = findChild<QAbstractItemView*>();
+
     /// The cell in an image with a margin of 4 around it.
     QImage painted(const QDate& date) const
     {
         QImage image(48, 38, QImage::Format_RGB32);
         image.fill(Qt::blue);
         QPainter painter(&image);
+        painter.setPen(view->palette().color(QPalette::Text));
         QFont font;
         font.setPixelSize(16);
         font.setStyleStrategy(QFont::NoAntialias);
         painter.setFont(font);
         paintCell(&painter, Cell, date);
         return image;
+    }
+    bool hasPen(const QDate& date, const QColor& color) const
+    {
+        const QImage image = painted(date).copy(Cell.adjusted(0, 1, 0, 0));
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (image.pixelColor(x, y) == color)
+                    return true;
+        return false;
     }
     QColor ground(const QDate& date) const { return painted(date).pixelColor(6, 20); }
     bool hasLine(const QDate& date) const { return painted(date).pixelColor(Cell.topRight()) == Line; }
@@ -83,16 +96,29 @@ private Q_SLOTS:
             const QImage image = calendar.painted(march(day));
             const QByteArray name = march(day).toString(Qt::ISODate).toLatin1();
             QVERIFY2(image.pixelColor(6, 20) == ground, name);
-            bool hasPen = false;
-            for (int y = Cell.top() + 1; y <= Cell.bottom(); ++y)
-                for (int x = Cell.left(); x <= Cell.right(); ++x)
-                    hasPen = hasPen || image.pixelColor(x, y) == pen;
-            QVERIFY2(hasPen, name);
+            QVERIFY2(calendar.hasPen(march(day), pen), name);
             for (const QPoint corner : {Cell.topLeft(), Cell.topRight()})
                 QVERIFY2((image.pixelColor(corner) == Line) == line, name);
             for (const QPoint outside : {Cell.topLeft() - QPoint(1, 0), Cell.bottomRight() + QPoint(1, 1)})
                 QCOMPARE(image.pixelColor(outside), QColor(Qt::blue));
         }
+
+        // The palette's text where it can be read: the plain day, then the range and its other end.
+        const QColor pale(118, 118, 118);
+        const QColor paler(119, 119, 119);
+        for (const auto& [text, plain, ranged] :
+             {std::tuple(pale, pale, weekend), {paler, weekend, weekend}, {QColor(Qt::white), weekend, weekend}}) {
+            QPalette palette;
+            palette.setColor(QPalette::Text, text);
+            calendar.view->setPalette(palette);
+            QVERIFY(calendar.hasPen(march(7), plain));
+            QVERIFY(calendar.hasPen(march(12), ranged) && calendar.hasPen(march(14), ranged));
+        }
+        QPalette palette;
+        palette.setColor(QPalette::Disabled, QPalette::Text, paler);
+        calendar.view->setPalette(palette);
+        calendar.setEnabled(false);
+        QVERIFY(calendar.hasPen(march(7), paler));
 
         calendar.setEditingStart(false);
         QCOMPARE(calendar.ground(march(14)), QColor(13, 166, 158));
