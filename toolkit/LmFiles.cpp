@@ -10,7 +10,7 @@
 bool lmMakeParentDir(const QString& filePath)
 {
     const QString directory = QFileInfo(filePath).path();
-    return directory == QLatin1String(".") || QDir(QDir::currentPath()).mkpath(directory);
+    return directory.isEmpty() || directory == QLatin1String(".") || QDir(QDir::currentPath()).mkpath(directory);
 }
 
 QByteArray lmReadBytes(const QString& path, QIODevice::OpenMode mode)

@@ -29,6 +29,12 @@ LmMenu::LmMenu(const QString& title, QWidget* parent)
     connectOpening();
 }
 
+LmMenu::~LmMenu()
+{
+    // QMenu doesn't emit aboutToHide() when it is deleted while it is open.
+    onAboutToHide();
+}
+
 QSize LmMenu::sizeHint() const
 {
     return QMenu::sizeHint();

@@ -9,15 +9,16 @@
 
 #include <memory>
 
-/// A menu that survives a right-to-left layout, where a shortcut would be drawn in the wrong place: while it is open
-/// there, each action's text shows its first shortcut at the end, and the action itself has none. When the menu closes,
-/// before an action picked in it is triggered, texts and shortcuts are as they were. GUI thread only.
+/// A menu for right-to-left layouts, where QMenu draws a shortcut in the wrong place. While the menu is open there, the
+/// text of each action ends with its first shortcut, and the action has no shortcuts. Texts and shortcuts are restored
+/// when the menu closes, before a selected action is triggered, and when the menu is deleted while it is open. GUI
+/// thread only.
 ///
-/// A style sheet may select on two properties, which tell at each opening where the items need room: "leftPadding" and
-/// "rightPadding". On the side where reading begins it is for the mark of a checkable action, in a right-to-left layout
-/// for icons too; on the other side it is where no action has a shortcut that would make room by itself.
+/// Two dynamic properties for style sheets, which are updated at each opening, tell where the items need padding. At
+/// the side where a line begins, "leftPadding" or "rightPadding" is true if an action is checkable or, in a
+/// right-to-left layout, has a visible icon. At the other side it is true if no action has a shortcut.
 ///
-/// A direction that is turned round while the menu is open leaves the actions without their shortcuts for good.
+/// If the layout direction changes while the menu is open, the actions permanently lose their shortcuts.
 class LmMenu : public QMenu
 {
     Q_OBJECT
@@ -26,6 +27,7 @@ class LmMenu : public QMenu
 public:
     explicit LmMenu(QWidget* parent = nullptr);
     explicit LmMenu(const QString& title, QWidget* parent = nullptr);
+    ~LmMenu() override;
 
     QSize sizeHint() const override;
 
@@ -38,6 +40,6 @@ private:
     void onAboutToHide();
     void moveShortcutIntoText(QAction* action);
 
-    QMap<QAction*, QList<QKeySequence>> m_savedShortcuts; ///< Of the actions that are without while the menu is open.
-    std::unique_ptr<QObject> m_watcher;                   ///< Hears of their end; there while the menu is open.
+    QMap<QAction*, QList<QKeySequence>> m_savedShortcuts; ///< Of the actions in the open menu.
+    std::unique_ptr<QObject> m_watcher;                   ///< Context of their destroyed(); null if closed.
 };
