@@ -20,6 +20,11 @@ void BgDoubleSpinBox::setDecimalUnit(double minimum, double maximum)
     setUnit(minimum, maximum, 1, 0.5);
 }
 
+void BgDoubleSpinBox::setDecimalUnit(bool decimalUnit)
+{
+    decimalUnit ? setDecimalUnit(minimum(), maximum()) : setWholeUnit(minimum(), maximum());
+}
+
 bool BgDoubleSpinBox::isDecimalUnit() const
 {
     return m_decimalUnit;

@@ -9,35 +9,35 @@
 #include <QObject>
 #include <QString>
 
-/// The timed runs of one object, by name.
+/// The timings of one object, by name.
 using RuntimeTable = QMap<QString, QList<RuntimeItem>>;
 
-/// Keeps book of one object that lives: a member of the object's class, which registers it with the ObserverManager
-/// under the name of its type, and collects the object's timed runs.
+/// Observes the lifetime of one object. A member of the class of the object, which registers it with the
+/// ObserverManager under the name of its type, and collects the timings of the object.
 ///
 ///     Importer::Importer() { m_observer.setObject(this, Q_FUNC_INFO, false); }
 ///
-/// Inert until setObject(). Costs one insertion and one removal in a list besides. GUI thread only.
+/// Inactive until setObject(). Its cost is one insertion into a list and one removal. GUI thread only.
 class InstanceObserver final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(InstanceObserver)
 
 public:
-    /// Takes the next number of the process, from 1.
+    /// Takes the next number of the process, starting at 1.
     InstanceObserver();
-    /// Ends the watch. The runs stay with the ObserverManager.
+    /// Unregisters the object. The ObserverManager keeps the timings.
     ~InstanceObserver() override;
 
-    /// Begins the watch of the object at @p address, which isn't accessed. The type is what stands before the first
-    /// "::" of @p typeSignature, so that "Importer::Importer()" gives the class; a return type ahead of it isn't taken
-    /// off. A @p verbose observer writes to Qt's debug log when the watch begins and ends.
+    /// Registers the object at @p address, which isn't accessed. The name of the type is the part of @p typeSignature
+    /// before the first "::", so that "Importer::Importer()" yields the class. A return type isn't removed. A @p
+    /// verbose observer writes to Qt's debug log when the object is registered and unregistered.
     ///
-    /// With a null address or an empty signature nothing is registered, and no watch begins; with the latter alone a
-    /// verbose observer still writes its state and its end. A further call ends the former watch.
+    /// A null address or an empty signature registers nothing; with an address and an empty signature, a verbose
+    /// observer still writes its state and its end. A further call unregisters the former object.
     void setObject(const void* address, const QString& typeSignature, bool verbose);
 
-    /// Writes a line to Qt's debug log if this is verbose and has an address.
+    /// Writes a line to Qt's debug log if the observer is verbose and has an address.
     void logState() const;
 
     const void* address() const { return m_address; }
@@ -45,9 +45,9 @@ public:
     const RuntimeTable& runtimes() const { return m_runtimes; }
 
 public Q_SLOTS:
-    /// Collects the run that ends when @p timeObserver goes.
+    /// Collects the timing that ends when @p timeObserver is destroyed.
     void timingStart(RuntimeObserver& timeObserver);
-    /// Stores a finished run.
+    /// Stores a finished timing.
     void timingStop(RuntimeItem item);
 
 private:

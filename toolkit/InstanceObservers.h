@@ -7,19 +7,19 @@
 #include <QList>
 #include <QString>
 
-/// The observers of one type that are alive, in the order of their registration, with the runs of objects that have
-/// gone. Owns none of the observers.
+/// The living observers of one type in the order of their registration, and the timings of destroyed objects. Doesn't
+/// own the observers.
 class InstanceObservers final : public QList<InstanceObserver*>
 {
 public:
-    /// The observer of the object at @p address, or null.
+    /// Returns the observer of the object at @p address, or null.
     InstanceObserver* find(const void* address) const;
     bool contains(const void* address) const { return find(address); }
 
-    /// Writes to Qt's debug log: how many are alive, the state of each verbose one, and the calls and seconds of each
-    /// name, objects that have gone included.
+    /// Writes to Qt's debug log the number of living observers, the state of each verbose one, and the calls and
+    /// seconds of each name, including those of destroyed objects.
     void logSummary() const;
 
-    QString m_typeName;
-    QList<RuntimeTable> m_cleared; ///< Runs of the objects that have gone.
+    QString m_typeName;            ///< The name of the type.
+    QList<RuntimeTable> m_cleared; ///< Timings of destroyed objects.
 };

@@ -12,10 +12,10 @@ class QRect;
 class QWidget;
 
 /// @file
-/// Texts and labels in right-to-left layouts. What asks for the application's direction, a label or a painter belongs
-/// to the GUI thread; lmEmbedLeftToRight() is safe on any.
+/// Texts and labels in right-to-left layouts. lmEmbedLeftToRight() is thread-safe; the other functions use the
+/// application's layout direction, a label or a painter and are for the GUI thread only.
 
-/// The invisible characters that steer the direction of a text.
+/// Invisible characters that control the direction of a text.
 namespace LmBidi {
 
 constexpr QChar RLM{u'\u200F'}; ///< Right-to-left mark.
@@ -25,24 +25,30 @@ constexpr QChar PDF{u'\u202C'}; ///< Pop directional formatting.
 
 } // namespace LmBidi
 
-/// In a right-to-left application, puts the minus of a QLabel that shows a negative number, in plain digits with a
-/// point, behind the digits, and writes what it did to the debug log. Anything else, null too, is left alone; a second
-/// call finds no number any more.
+/// Moves the minus of a negative number in a QLabel after its digits, and writes a debug entry to Qt's log.
+///
+/// Does nothing if the application isn't right to left, if @p label is null or isn't a QLabel, or if its text isn't a
+/// negative number in the C locale. After the minus was moved the text isn't a
+/// number, so that a second call does nothing.
 void lmFixNegativeNumberLabel(QObject* label);
 
-/// Draws @p text in @p rect, vertically centred, at the edge where reading begins, @p indent pixels inside of it. The
-/// direction is that of @p widget, or the application's if that is null; the painter's own one, which may differ,
-/// doesn't move the text. The painter must be active; null draws nothing.
+/// Draws @p text in @p rect, vertically centred, @p indent pixels inside the edge where a line begins.
+///
+/// The direction is the one of @p widget, or of the application if that is null; the layout direction of the painter
+/// has no effect. The painter must be active. A null painter draws nothing.
 void lmDrawTextLeading(QPainter* painter, const QRect& rect, int indent, const QString& text, QWidget* widget);
-/// The same at the edge where reading ends.
+/// Draws @p text in @p rect, vertically centred, @p indent pixels inside the edge where a line ends. Otherwise it is
+/// like lmDrawTextLeading().
 void lmDrawTextTrailing(QPainter* painter, const QRect& rect, int indent, const QString& text, QWidget* widget);
 
-/// In an application that isn't left to right, @p text with a mark in front that makes it right to left, unless it is
-/// so by itself.
+/// Returns @p text with a right-to-left mark before it. Returns @p text unchanged if it is right to left without the
+/// mark, or if the application is left to right.
 QString lmMarkRightToLeft(const QString& text);
 
-/// A right-to-left text with each @p part of it, say a file's path, kept left to right, all of it in a right-to-left
-/// override. A text that isn't right to left comes back as it is, an empty part embeds nothing.
+/// Returns the right-to-left @p text in a right-to-left override, with each occurrence of @p part, such as the path of
+/// a file, embedded left to right. An empty part embeds nothing. A @p text that isn't right to left is returned
+/// unchanged.
 QString lmEmbedLeftToRight(const QString& text, QString part);
-/// The same with several parts, each applied to what the ones before have made.
+/// Returns the right-to-left @p text in a right-to-left override, with each of several parts embedded left to right.
+/// The parts are embedded in their order, each in the result of the ones before it.
 QString lmEmbedLeftToRight(const QString& text, QStringList parts);

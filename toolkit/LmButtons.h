@@ -10,11 +10,10 @@
 #include <QToolButton>
 
 /// @file
-/// Buttons under names of their own, so that a style sheet can address them: "LmPushButton { ... }". They behave as
-/// the classes that they extend but for what is said here. GUI thread only.
+/// Buttons with names of their own, so that a style sheet can address them: "LmPushButton { ... }". GUI thread only.
 
-/// An application may give it a proxy style of its own, which must be able to go before or after the button: the
-/// destructor lets go of it first.
+/// A QPushButton that resets its style before it is destroyed. An application may set a proxy style for a single
+/// button, and may delete that style before or after the button.
 class LmPushButton : public QPushButton
 {
     Q_OBJECT
@@ -27,7 +26,7 @@ public:
     ~LmPushButton() override;
 };
 
-/// Checkable only if the application makes it so.
+/// A LmPushButton with its own name for style sheets. Not checkable by default.
 class LmCheckButton : public LmPushButton
 {
     Q_OBJECT
@@ -40,6 +39,7 @@ public:
     ~LmCheckButton() override;
 };
 
+/// A QToolButton with its own name for style sheets.
 class LmToolButton : public QToolButton
 {
     Q_OBJECT
@@ -49,10 +49,11 @@ public:
     explicit LmToolButton(QWidget* parent = nullptr);
 };
 
-/// A button that shows one of several icons, each under a name, and tells a style sheet which: it may select on the
-/// property "IconStyle", the name of the icon shown.
+/// A tool button that shows one of several named icons. A style sheet can select on the dynamic property "IconStyle",
+/// which is the name of the icon that is shown.
 ///
-/// The icons lie in dynamic properties of those names. A name is thus also one that no other property has, in ASCII.
+/// Each icon is stored in a dynamic property of its name, so that a name must be ASCII and differ from the names of all
+/// other properties.
 class LmBalticButton : public LmToolButton
 {
     Q_OBJECT
@@ -61,13 +62,13 @@ class LmBalticButton : public LmToolButton
 public:
     explicit LmBalticButton(QWidget* parent = nullptr);
 
-    /// Keeps @p icon under the name. What the button shows stays as it is until setIconStyle().
+    /// Stores @p icon under the name @p propertyName. The icon that is shown stays unchanged until setIconStyle().
     void setIconFor(const char* propertyName, const QIcon& icon);
-    /// Shows the icon that is kept under the name. A name without an icon changes nothing.
+    /// Shows the icon that is stored under the name @p propertyName. A name without an icon is ignored.
     void setIconStyle(const char* propertyName);
 };
 
-/// Repeats while it is held down: after the initial delay of any button that repeats, every 200 milliseconds.
+/// A QToolButton that repeats every 200 milliseconds while it is held down, after the initial delay of QAbstractButton.
 class LmHoldButton : public QToolButton
 {
     Q_OBJECT
@@ -77,7 +78,7 @@ public:
     explicit LmHoldButton(QWidget* parent = nullptr);
 };
 
-/// Lets go of a style of its own before it goes, as LmPushButton does.
+/// A QDialogButtonBox that resets its style before it is destroyed, like LmPushButton.
 class LmDialogButtonBox : public QDialogButtonBox
 {
     Q_OBJECT
@@ -90,6 +91,7 @@ public:
     ~LmDialogButtonBox() override;
 };
 
+/// A QCheckBox with its own name for style sheets.
 class LmBigCheckBox : public QCheckBox
 {
     Q_OBJECT

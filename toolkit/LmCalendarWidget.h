@@ -8,62 +8,68 @@
 class QBrush;
 class QPen;
 
-/// A calendar in the house colours, the pop-up of LmDateEdit and a picker of a range between two dates. Every cell is
-/// painted by its state; days off are those of LmGuiConfig::isWeekend(). GUI thread only.
+/// A calendar in the corporate colours: the pop-up of LmDateEdit, and a picker of a range between two dates. Paints
+/// every cell itself; days off are those of LmGuiConfig::isWeekend(). GUI thread only.
 ///
-/// The range has a start, an end, both or none. One end is being edited: it is the one in solid colour, and the one
-/// whose date becomes the selected date when it is set. The other way round the calendar sets no end by itself; connect
-/// selectionChanged() or clicked() for that.
+/// The range has a start, an end, both or neither. One end is being edited: it has the solid colour, and setting it
+/// also selects its date. Selecting a date doesn't set an end; connect selectionChanged() or clicked() for that.
 class LmCalendarWidget : public QCalendarWidget
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmCalendarWidget)
+    /// The first date of the range, which can be null.
+    Q_PROPERTY(QDate rangeStart READ rangeStart WRITE setRangeStart)
+    /// The last date of the range, which can be null.
+    Q_PROPERTY(QDate rangeEnd READ rangeEnd WRITE setRangeEnd)
 
 public:
     explicit LmCalendarWidget(QWidget* parent = nullptr);
 
-    /// The first day of the week, the colours of the weekdays, and the arrows of the two buttons in the layout
-    /// direction of now.
+    /// Sets the first day of the week, the colours of the weekday names, and the arrows of the two navigation buttons
+    /// for the current layout direction.
     ///
-    /// @p firstWeekDay, not negative, counts from 0 for Monday; 7 and above stand for Monday too. LmGuiConfig's default
-    /// for it is 1: a calendar that is set up with that begins its weeks on Tuesday, and an application that wants
-    /// Monday installs a config that returns 0.
+    /// @p firstWeekDay counts from 0 for Monday and isn't negative; 7 and above mean Monday too. The default of
+    /// LmGuiConfig::firstWeekDay() is 1, so that a calendar set up with it begins its weeks on Tuesday; an application
+    /// that wants Monday installs a config that returns 0.
     ///
-    /// The images of the arrows are the application's to bring, as the resources ":/img/images/arrow_left_default.png",
-    /// the same with "right", and both with "pressed" and "disabled". Without them the buttons have no arrow.
+    /// The images of the arrows are resources of the application: ":/img/images/arrow_left_default.png", also with
+    /// "right" for "left", and each with "pressed" and "disabled" for "default". Without them the buttons have no
+    /// arrow.
     void setUp(int firstWeekDay);
 
-    /// Sets one end of the range; null takes it away. Where the other end lies on its wrong side, that is taken away.
-    /// Leaves the calendar enabled, and without the focus, even if it was otherwise before.
+    /// Sets the start of the range; a null date removes it. Also removes the end if that is before @p date. Enables the
+    /// calendar and takes the focus from it, whatever it was before.
     void setRangeStart(const QDate& date);
+    /// Sets the end of the range; a null date removes it. Also removes the start if that is after @p date. Enables the
+    /// calendar and takes the focus from it, whatever it was before.
     void setRangeEnd(const QDate& date);
     QDate rangeStart() const;
     QDate rangeEnd() const;
 
-    /// Which end is being edited, at the beginning the start. The selected date stays as it is.
+    /// Sets which end of the range is being edited: initially the start. Doesn't change the selected date.
     void setEditingStart(bool editingStart);
     bool isEditingStart() const;
 
 protected:
+    /// What determines the colours of a cell.
     enum CellFlag {
-        CellWeekend = 0x01,
-        CellRangeEnd = 0x02, ///< either end of the range
-        CellInRange = 0x04,  ///< within a range that has both ends, these included
-        CellOtherMonth = 0x08,
-        CellDisabled = 0x10, ///< outside of minimumDate() and maximumDate(), and thereby in no range
-        CellPreviousMonth = 0x20,
-        CellNextMonth = 0x40,
-        CellTopLine = 0x80, ///< the border between two months runs along the top edge
+        CellWeekend = 0x01,       ///< A day off, see LmGuiConfig::isWeekend().
+        CellRangeEnd = 0x02,      ///< Either end of the range.
+        CellInRange = 0x04,       ///< Within a range that has both ends; the ends are within it.
+        CellOtherMonth = 0x08,    ///< Not in the month shown.
+        CellDisabled = 0x10,      ///< Outside of minimumDate() and maximumDate(). Never combined with CellInRange.
+        CellPreviousMonth = 0x20, ///< Before the month shown.
+        CellNextMonth = 0x40,     ///< After the month shown.
+        CellTopLine = 0x80,       ///< The border between two months is at the top edge.
     };
     Q_DECLARE_FLAGS(CellState, CellFlag)
 
-    /// Of a date in the page that is shown.
+    /// Returns the state of a date on the current page.
     CellState cellState(const QDate& date) const;
     /// Paints the cell in fixed colours, except for the text of a weekday in the month shown: that has the palette's
     /// colour, or textPen() where the palette's has a contrast below 4.5 on the fixed ground, as in a dark theme.
     void paintCell(QPainter* painter, const QRect& rect, const QDate& date) const override;
 
-    /// The house colours.
     static QBrush cellBrush();
     static QPen weekendPen();
     static QPen otherMonthPen();
@@ -76,8 +82,9 @@ protected:
     static QPen topLinePen();
     static QBrush headerForeground();
     static QBrush headerBackground();
-    /// Not used by paintCell(); for subclasses that paint more.
+    /// Returns a further corporate colour for subclasses. Not used by paintCell().
     static QBrush accentBrush();
+    /// Returns the colour of text on the ground of a cell where the palette's can't be read.
     static QPen textPen();
 
 private Q_SLOTS:

@@ -11,13 +11,17 @@ LmClickFrame::LmClickFrame(QWidget* parent)
 
 void LmClickFrame::setClickStyle(bool on)
 {
-    const QVariant current = property("ClickStyle");
-    if (current.isValid() && current.toBool() == on)
+    if (property("ClickStyle").isValid() && clickStyle() == on)
         return;
     setProperty("ClickStyle", on);
     style()->unpolish(this);
     style()->polish(this);
     update();
+}
+
+bool LmClickFrame::clickStyle() const
+{
+    return property("ClickStyle").toBool();
 }
 
 void LmClickFrame::setId(int id)

@@ -5,19 +5,23 @@
 #include <QString>
 
 /// @file
-/// Fields of a CSV export. A field counts as a number if the default locale reads one from it, after percent signs and
-/// a minus on either side of the digits (with the marks that Hebrew puts there) are put aside. Both are safe on any
-/// thread.
+/// Fields of a CSV export. A field is a number if the default locale can parse it after all percent signs are removed
+/// and a minus on either side of the digits, with the right-to-left marks of Hebrew, is ignored. Thread-safe.
 
-/// A field for a spreadsheet to calculate with. A number stays as it is, sign and percent sign included, but with the
-/// decimal point of the system's locale, which is the one that a spreadsheet expects, and without right-to-left marks;
-/// group separators aren't changed. Anything else, an empty field too, becomes the formula ="text", so that the
-/// spreadsheet can't take it for a date or a number: line feeds, carriage returns and tabs are removed and backslashes
-/// doubled, but double quotes aren't escaped.
+/// Returns a field for a spreadsheet to calculate with.
+///
+/// A number keeps its sign and percent signs; its decimal point becomes the one of the system's locale, which a
+/// spreadsheet expects, and right-to-left marks are removed. Group separators aren't changed.
+///
+/// Any other text, also an empty one, becomes the formula `="text"`, so that a spreadsheet doesn't take it for a date
+/// or a number. Line feeds, carriage returns and tabs are removed and backslashes are doubled. Double quotes aren't
+/// escaped.
 QString lmFixCsvItem(const QString& item);
 
-/// A field for people to read in one line, unquoted. White space at its end is removed, with an entry in the debug log.
-/// A number loses its right-to-left marks and keeps its decimal point; in any other text line feeds become blanks
-/// (one after a full stop too), carriage returns and tabs are removed and backslashes doubled. With @p blankZero, a
-/// number that is exactly 0 and a text that is just "-" become empty.
+/// Returns a field for people to read in one line, without quotes.
+///
+/// White space at the end is removed, with a debug entry in Qt's log. A number loses its right-to-left marks and keeps
+/// its decimal point. In any other text, line feeds become blanks (also after a full stop), carriage returns and tabs
+/// are removed, and backslashes are doubled. With @p blankZero, a number that is exactly 0 and the text "-" become
+/// empty.
 QString lmFixTextCsvItem(const QString& item, bool blankZero);

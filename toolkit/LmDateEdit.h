@@ -4,12 +4,10 @@
 
 #include <QDateEdit>
 
-/// A date field in the default locale and the format of LmGuiConfig::dateFormat(), with a LmCalendarWidget as its
-/// pop-up, set up for LmGuiConfig::firstWeekDay(). Locale and config are those of the moment when it is made. GUI
-/// thread only.
+/// A date field in the default locale with the format LmGuiConfig::dateFormat() and a LmCalendarWidget as pop-up, which
+/// is set up for LmGuiConfig::firstWeekDay(). Locale and config are read at construction. GUI thread only.
 ///
-/// In a right-to-left layout QDateTimeEdit turns the order of the sections round, here too: 2024-03-12 reads
-/// 12-03-2024.
+/// In a right-to-left layout QDateTimeEdit reverses the order of the sections: 2024-03-12 appears as 12-03-2024.
 class LmDateEdit : public QDateEdit
 {
     Q_OBJECT

@@ -5,13 +5,13 @@
 #include <QDateTime>
 #include <QString>
 
-/// The time as the file system of a directory sees it: the right basis for comparing the times of files on a drive
-/// whose clock runs apart from the machine's, as that of a network share may.
+/// The current time by the clock of a file system, as a basis for comparing the times of files on a drive whose clock
+/// differs from that of the machine, such as a network share.
 class LmDateTimeProvider
 {
 public:
-    /// Makes a temporary file in @p directory, which blocks for as long as the drive takes, and compares its time with
-    /// the local clock. If the file can't be made, the two clocks count as the same.
+    /// Creates a temporary file in @p directory and compares its time with the local clock. Blocks for as long as the
+    /// drive takes. If the file can't be created, the clocks are taken as equal.
     explicit LmDateTimeProvider(const QString& directory);
     LmDateTimeProvider(const LmDateTimeProvider&) = default;
     LmDateTimeProvider(LmDateTimeProvider&&) = default;
@@ -19,15 +19,15 @@ public:
     LmDateTimeProvider& operator=(LmDateTimeProvider&&) = default;
     virtual ~LmDateTimeProvider();
 
-    /// The file system's time of this moment as local time.
+    /// Returns the current time of the file system as local time.
     QDateTime now() const;
-    /// The same as UTC.
+    /// Returns the current time of the file system as UTC.
     QDateTime nowUtc() const;
 
-    /// The same date and time of day, with its offset from UTC fixed in place of a time zone. Qt::ISODate then writes
-    /// the offset, which it leaves out of a local time.
+    /// Returns @p dateTime with its offset from UTC in place of a time zone. In the format Qt::ISODate it then has the
+    /// offset, which a local time lacks.
     static QDateTime withLocalOffset(const QDateTime& dateTime);
 
 private:
-    qint64 m_offsetMs = 0; ///< From the local clock to the file system's.
+    qint64 m_offsetMs = 0; ///< From the local clock to that of the file system.
 };

@@ -6,13 +6,13 @@
 #include <QPair>
 #include <QString>
 
-/// How large a drive is and how much of it is free, as of the last refresh(). A plain value. Where a number of unit
-/// steps is asked for, 0 stands for bytes, 1 for KiB, 2 for MiB and so on.
+/// The size of a drive and how much of it is free, as of the last refresh(). A value type. A number of unit steps is 0
+/// for bytes, 1 for KiB, 2 for MiB and so on.
 class LmDriveSpace
 {
 public:
-    /// Reads the figures of the drive that holds @p path, which blocks for as long as the drive takes. A path without a
-    /// drive leaves them unknown.
+    /// Reads the figures of the drive that contains @p path. Blocks for as long as the drive takes. The figures are
+    /// unknown if the path has no drive.
     explicit LmDriveSpace(const QString& path = QString());
     LmDriveSpace(const LmDriveSpace&) = default;
     LmDriveSpace(LmDriveSpace&&) = default;
@@ -20,25 +20,26 @@ public:
     LmDriveSpace& operator=(LmDriveSpace&&) = default;
     virtual ~LmDriveSpace();
 
-    /// Reads the figures again, and returns whether either differs from before. Blocks as the constructor does.
+    /// Reads the figures again. Returns true if one differs from before. Blocks for as long as the drive takes.
     bool refresh();
 
     QString path() const { return m_path; }
-    /// The drive's size; -1 if unknown.
+    /// Returns the size of the drive, or -1 if it is unknown.
     double total(int unitSteps) const { return scaled(m_total, unitSteps); }
-    /// What is free on the drive, for whichever user; -1 if unknown.
+    /// Returns the free space of the drive for all users, or -1 if it is unknown.
     double free(int unitSteps) const { return scaled(m_free, unitSteps); }
-    /// The free part in percent, or -1 if size or free space is unknown.
+    /// Returns the free space in percent, or -1 if size or free space is unknown.
     double freePercent() const;
 
-    /// @p value divided by 1024 @p unitSteps times; as it is if it isn't positive.
+    /// Returns @p value divided by 1024 @p unitSteps times. Returns a @p value that isn't positive unchanged.
     static double scaled(double value, int unitSteps);
 
-    /// Total and available bytes of the machine's physical memory (@p kind 0), of this process's virtual address space
-    /// (1), and of memory and page file together (2). Both are -1 if the system doesn't tell and for any other kind.
+    /// Returns the total and available bytes of the physical memory (@p kind 0), of the virtual address space of this
+    /// process (1), or of memory and page file together (2). Returns -1 for both if the system doesn't report them, and
+    /// for any other @p kind.
     static QPair<double, double> memoryInfo(int kind);
 
-    /// The figures of the root of the drive that holds @p path; an entry in Qt's log says what they are.
+    /// Returns the figures of the root of the drive that contains @p path, and writes them to Qt's log.
     static LmDriveSpace driveInfo(const QString& path);
 
 private:

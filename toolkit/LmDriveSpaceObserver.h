@@ -8,10 +8,10 @@
 #include <QObject>
 #include <QString>
 
-/// Watches how full the drives are that an application writes to, by looking every five minutes. One drive for each
-/// type of path, whatever the application calls them ("data", "backup"). GUI thread only; a look blocks for as long as
-/// the drives take.
-class LmDriveSpaceObserver final : public QObject
+/// Watches how full the drives are that an application writes to, by reading their figures every five minutes. Watches
+/// one drive for each type of path; the names of the types, such as "data", are up to the application. GUI thread only;
+/// reading the figures blocks for as long as the drives take.
+class LmDriveSpaceObserver : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmDriveSpaceObserver)
@@ -21,12 +21,12 @@ public:
     ~LmDriveSpaceObserver() override;
 
 public Q_SLOTS:
-    /// Watches the drive of @p pathName as that of @p pathType, in place of any other drive. Looks at once and emits
-    /// driveSpaceChanged() for a drive that is new to this type, or whose figures have changed.
+    /// Watches the drive of @p pathName for the type @p pathType, in place of another drive of this type. Reads the
+    /// figures at once, and emits driveSpaceChanged() if the drive is new to the type or its figures have changed.
     void observe(QString pathType, QString pathName);
 
 Q_SIGNALS:
-    /// The figures of a watched drive have changed, or are known for the first time.
+    /// Emitted when the figures of a watched drive have changed or were read for the first time.
     void driveSpaceChanged(LmDriveSpace driveSpace);
 
 protected:

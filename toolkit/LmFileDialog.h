@@ -4,7 +4,7 @@
 
 #include <QFileDialog>
 
-/// The platform's own file dialog, without a help button. GUI thread only.
+/// The native file dialog of the platform, without a context help button. GUI thread only.
 class LmFileDialog : public QFileDialog
 {
     Q_OBJECT
@@ -15,8 +15,8 @@ public:
     explicit LmFileDialog(QWidget* parent = nullptr, const QString& caption = QString(),
                           const QString& directory = QString(), const QString& filter = QString());
 
-    /// Asks the user for a folder, beginning in @p dir, and shows folders alone. Blocks with a running event loop.
-    /// Empty if the user cancels.
+    /// Asks the user for a directory, starting in @p dir, and shows only directories. Blocks with a running event loop.
+    /// Returns an empty text if the user cancels.
     static QString getExistingDirectory(QWidget* parent, const QString& caption, const QString& dir);
 
 private:

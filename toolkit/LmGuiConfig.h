@@ -7,32 +7,33 @@
 
 class QDate;
 
-/// The house defaults of the toolkit. An application that wants others installs a subclass; whoever uses the values
-/// asks instance() each time and keeps none of them. GUI thread only.
+/// The defaults of the toolkit. An application that wants others installs a subclass. Users of the values call
+/// instance() each time and don't cache them. GUI thread only.
 class LmGuiConfig : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmGuiConfig)
 
 public:
-    /// The first config that is made becomes the instance by itself; a later one leaves that alone.
+    /// The first config that is constructed becomes the instance; a later one doesn't replace it.
     explicit LmGuiConfig(QObject* parent = nullptr);
-    /// Leaves the toolkit without an instance, whichever config goes away.
+    /// Resets the instance, whichever config is destroyed.
     ~LmGuiConfig() override;
 
-    /// Never null: without an instance a default config is made, which then is the instance for good.
+    /// Returns the instance, never null. Creates a default config if there is no instance; that config is never
+    /// deleted.
     static LmGuiConfig* instance();
-    /// Ignored if there is an instance already or if @p config is null. The caller keeps owning @p config.
+    /// Sets the instance. Does nothing if there is an instance or if @p config is null. Doesn't take ownership.
     static void setInstance(LmGuiConfig* config);
 
-    /// The name of the widget style, as QStyleFactory knows it.
+    /// Returns the name of the widget style for QStyleFactory.
     virtual QString styleName() const;
-    /// The format of a date, as QDate::toString() takes it.
+    /// Returns the format of a date for QDate::toString().
     virtual QString dateFormat() const;
-    /// The format of a time of day, as QTime::toString() takes it.
+    /// Returns the format of a time of day for QTime::toString().
     virtual QString timeFormat() const;
-    /// Whether @p date is a day off; an invalid date isn't.
+    /// Returns true if @p date is a day off. Returns false for an invalid date.
     virtual bool isWeekend(const QDate& date) const;
-    /// The day that begins a week, counted from 0 for Monday.
+    /// Returns the first day of the week, counted from 0 for Monday.
     virtual int firstWeekDay() const;
 };

@@ -15,46 +15,52 @@ class QString;
 class QWindow;
 
 /// @file
-/// Images of files and resources, through one cache of the last 100 used ones, and small painting helpers. GUI thread
+/// Images of files and resources, through one cache of the 100 last used ones, and helpers for painting. GUI thread
 /// only.
 ///
-/// An image that can't be read gives a null result and a critical entry in Qt's log. The failure isn't cached: the next
-/// request tries the file again.
+/// An image that can't be read yields a null result and a critical entry in Qt's log. The failure isn't cached: the
+/// next request reads the file again.
 
-/// The image at its natural size.
+/// Returns the image at its natural size.
 QIcon lmIcon(const QString& path);
-/// The image as an icon that has a pixmap of @p width by @p height for the normal, off state; a negative width or
-/// height stands for the natural size. Where the icon can't scale itself to just this size, the image is set at its
-/// natural scale in the upper left corner of a transparent pixmap.
+/// Returns the image as an icon that has a pixmap of @p width by @p height for QIcon::Normal and QIcon::Off. A negative
+/// width or height means the natural size. If the icon can't scale itself to this size, the image is painted at its
+/// natural size in the upper left corner of a transparent pixmap.
 QIcon lmIcon(const QString& path, int width, int height);
 
-/// The normal, off pixmap of lmIcon() with the same arguments.
+/// Returns the pixmap of lmIcon() for QIcon::Normal and QIcon::Off at the natural size of the image.
 QPixmap lmPixmap(const QString& path);
+/// Returns the pixmap of lmIcon() for QIcon::Normal and QIcon::Off, with @p width and @p height as lmIcon() takes them.
 QPixmap lmPixmap(const QString& path, int width, int height);
 
-/// The image as paint commands: sharp at any scale if it is an SVG, that is if the path ends in ".svg" in small
-/// letters. Null, without an entry in the log, for an empty path; null too for an SVG that can't be rendered.
+/// Returns the image as it was loaded, as paint commands. A path that ends in ".svg", in small letters, yields a
+/// picture that is sharp at any scale. Returns a null picture for an SVG that can't be rendered and, without an entry
+/// in the log, for an empty path.
 QPicture lmPicture(const QString& path);
-/// The same flipped left to right, for right-to-left layouts. Only an SVG has this form; any other image gives null.
+/// Returns an SVG as paint commands, flipped left to right for right-to-left layouts. Returns a null picture for any
+/// other image, and where lmPicture() does.
 QPicture lmMirroredPicture(const QString& path);
 
-/// @p pixmap with everything in @p color; the transparency stays.
+/// Returns @p pixmap with all of its pixels in @p color and their alpha unchanged.
 QPixmap lmColorizePixmap(const QPixmap& pixmap, const QColor& color);
-/// All pixmaps of @p icon colorized, for each mode and state; 32 by 32 pixels where the icon only scales. An icon that
-/// gives no pixmaps comes back as it is, with a critical entry in Qt's log.
+/// Returns @p icon with all pixmaps of each mode and state colorized. An icon that only scales gets pixmaps of 32
+/// by 32. Returns @p icon unchanged, with a critical entry in Qt's log, if it has no pixmaps.
 QIcon lmColorizeIcon(const QIcon& icon, const QColor& color);
 
-/// Draws @p picture on an active painter with the edge, corner or middle that @p alignment (of Qt::Alignment) names at
-/// @p anchor. Left and top go before right and bottom; whatever isn't named is centred. The upper left corner is
-/// rounded to whole numbers. Returns the rectangle that the picture covers.
+/// Draws @p picture with the edge, corner or middle that @p alignment (Qt::Alignment) names at @p anchor, and returns
+/// the rectangle that it covers.
+///
+/// Left wins over right and top over bottom; a direction without an edge is centred. The upper left corner is rounded
+/// to whole numbers. The painter must be active.
 QRectF lmPaintPicture(QPainter* painter, const QPicture& picture, QPointF anchor, int alignment);
-/// The same, aligned within @p rect.
+/// Draws @p picture at the edge, corner or middle of @p rect that @p alignment (Qt::Alignment) names, and returns the
+/// rectangle that it covers. Otherwise it is like the overload with an anchor.
 QRectF lmPaintPicture(QPainter* painter, const QPicture& picture, QRectF rect, int alignment);
 
-/// Fills @p rect with diagonals 8 apart that fall to the left. They stand on a grid of 8 from x = 0, so that areas side
-/// by side line up.
+/// Fills @p rect with diagonal lines at a distance of 8 that fall to the left. The lines are on a grid of 8 from x = 0,
+/// so that those of adjacent areas meet.
 void lmPaintHatched(QPainter* painter, QRectF rect, const QPen& pen);
 
-/// Device pixels per logical pixel of @p window, or of the application's sharpest screen if that is null; always 1
-/// unless the application has set Qt::AA_UseHighDpiPixmaps.
+/// Returns the device pixels per logical pixel of @p window, or of the screen with the highest ratio if it is null.
+/// Returns 1 if the application doesn't set Qt::AA_UseHighDpiPixmaps.
 qreal lmDevicePixelRatio(QWindow* window);

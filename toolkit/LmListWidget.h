@@ -5,14 +5,13 @@
 #include <QList>
 #include <QListWidget>
 
-// The signal selectionChanged() has the name of a virtual operation of the base, which stays as it is.
+// The signal selectionChanged() has the name of a virtual function of the base class, which isn't overridden.
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_CLANG("-Woverloaded-virtual")
 QT_WARNING_DISABLE_GCC("-Woverloaded-virtual")
 
-/// A plain list to select from, with the house look of LmListWidgetDelegate, whose selected items can be moved and
-/// removed. It takes no focus and has no dragging; how many items can be selected is the application's to set. GUI
-/// thread only.
+/// A list with the rows of LmListWidgetDelegate, whose selected items can be moved and removed. It has no focus and no
+/// drag and drop; the selection mode is up to the application. GUI thread only.
 class LmListWidget : public QListWidget
 {
     Q_OBJECT
@@ -24,25 +23,28 @@ public:
     using QListWidget::addItems;
 
 public Q_SLOTS:
-    /// Moves each selected item one row towards the edge, and keeps them selected. A selection that touches the edge
-    /// stays as a whole; gaps in a selection stay gaps.
+    /// Moves each selected item one row up and keeps it selected. Does nothing if the first row is selected. Gaps in
+    /// the selection are kept.
     void moveUp();
+    /// Moves each selected item one row down and keeps it selected. Does nothing if the last row is selected. Gaps in
+    /// the selection are kept.
     void moveDown();
     /// Deletes the selected items.
     void removeSelectedItems();
-    /// Appends a copy of each item, made by QListWidgetItem's copy constructor. The items, none of them null, stay the
-    /// caller's.
+    /// Appends a copy of each item, made by the copy constructor of QListWidgetItem. The caller keeps the ownership of
+    /// the items, none of which may be null.
     void addItems(QList<QListWidgetItem*> items);
 
 Q_SIGNALS:
-    /// After each change of the selection, with whether anything is selected; then comes blockSelected().
+    /// Emitted after each change of the selection, before blockSelected(); true if an item is selected.
     void selectionChanged(bool bItemsChanged);
-    /// With whether the selected rows are one block, without a gap; false without a selection.
+    /// Emitted after each change of the selection; true if there is one and its rows have no gap.
     void blockSelected(bool bBlock);
-    /// After moveUp() or moveDown() has moved something. The signals of the selection come before it.
+    /// Emitted after moveUp() or moveDown() has moved something and the signals of the selection were emitted.
     void itemsMoved();
 
 protected Q_SLOTS:
+    /// Emits selectionChanged() and blockSelected().
     void onSelection();
 
 private:

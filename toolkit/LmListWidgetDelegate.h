@@ -4,22 +4,22 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints a row of a list in the house look: the icon in a square of its own, one line of black text, cut off with an
-/// ellipsis where it doesn't fit, and a transparent veil over all of a selected row. GUI thread only.
+/// Paints a row of a list: the icon in a square, one line of black text that is elided at its end if it is too wide,
+/// and a transparent colour over all of a selected row. GUI thread only.
 ///
-/// Only a decoration that is a QIcon counts; of the other roles, the text alone. In a right-to-left layout the icon
-/// goes to the right, and the text stays at the left of what room is left to it.
+/// Only a decoration that is a QIcon is painted, and no other role than the text. In a right-to-left layout the icon is
+/// at the right, and the text remains left-aligned in the rest of the row.
 class LmListWidgetDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmListWidgetDelegate)
 
 public:
-    /// Takes the layout direction of @p parent as it is now, left to right without one.
+    /// The layout direction is that of @p parent at construction, or left to right without a parent.
     explicit LmListWidgetDelegate(QWidget* parent = nullptr);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-    /// The height alone, 40 pixels with an icon and 25 without; the width is 0 and left to the view.
+    /// Returns a height of 40 pixels with an icon and of 25 without, and the width 0, which leaves it to the view.
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
 private:

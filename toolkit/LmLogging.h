@@ -4,7 +4,12 @@
 
 #include <QLoggingCategory>
 
-// The categories that the toolkit offers to applications. Its own diagnostics go to Qt's default category.
-Q_DECLARE_LOGGING_CATEGORY(lmProfileLog) ///< "profile": measurements.
-Q_DECLARE_LOGGING_CATEGORY(lmUsageLog)   ///< "usage": what the user does.
-Q_DECLARE_LOGGING_CATEGORY(lmPluginLog)  ///< "plugin": loading of plug-ins and their work.
+/// @file
+/// Logging categories for applications. The toolkit's own diagnostics go to Qt's default category.
+
+/// The category "profile" for measurements.
+Q_DECLARE_LOGGING_CATEGORY(lmProfileLog)
+/// The category "usage" for what the user does.
+Q_DECLARE_LOGGING_CATEGORY(lmUsageLog)
+/// The category "plugin" for the loading and the work of plug-ins.
+Q_DECLARE_LOGGING_CATEGORY(lmPluginLog)

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// Private to the toolkit: the one place that asks the operating system about memory.
+/// Total and available memory, from the only source that calls the operating system for it. Private to the toolkit.
 struct LmMemoryFigures
 {
-    double total = -1; ///< Bytes; -1 if unknown, as the next.
-    double available = -1;
+    double total = -1;     ///< Bytes; -1 if unknown.
+    double available = -1; ///< Bytes; -1 if unknown.
 };
 
-/// The figures of LmDriveSpace::memoryInfo().
+/// Returns the figures of LmDriveSpace::memoryInfo().
 LmMemoryFigures lmMemoryFigures(int kind);

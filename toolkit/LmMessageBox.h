@@ -7,31 +7,34 @@
 #include <QMap>
 #include <QMessageBox>
 
-/// The one modal message window: a QMessageBox that is never narrower than its title needs. Built on the stack, run by
-/// exec(), which blocks with a running event loop. Two shapes are in use: a warning with Ok and a question with Yes and
-/// No, both without a default button. The text may be rich text. GUI thread only.
-class LmMessageBox final : public QMessageBox, public LmLogProxy
+/// A modal message box that is never narrower than its title. It is created on the stack and run by exec(), which
+/// blocks with a running event loop. The text may be rich text. GUI thread only.
+///
+/// Two forms are in use, both without a default button: a warning with Ok, and a question with Yes and No.
+class LmMessageBox : public QMessageBox, public LmLogProxy
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmMessageBox)
 
 public:
-    /// A parent that is a LmLogProxy becomes the next link of the log chain; null and any other are fine.
+    /// A parent that is a LmLogProxy becomes the next link of the log chain. It may be null or any other widget.
     explicit LmMessageBox(QWidget* parent);
     LmMessageBox(QMessageBox::Icon icon, const QString& title, const QString& text,
                  QMessageBox::StandardButtons buttons, QWidget* parent);
     ~LmMessageBox() override;
 
-    /// Sets the text of @p button (of QMessageBox::StandardButton) and widens the button to it. A button that the box
-    /// doesn't have is ignored.
+    /// Sets the text of @p button, a QMessageBox::StandardButton, and its minimum width: that of the text in the font
+    /// of the message box and 50 pixels more, at least 60. A later, shorter text reduces it.
+    ///
+    /// A button that the message box doesn't have is ignored. As in QMessageBox, QMessageBox::Ok is added to a message
+    /// box without buttons.
     void setButtonText(int button, const QString& text);
 
-    /// Hands title and text up the log chain, at the level of the icon. A question and a box without an icon log
-    /// nothing.
+    /// Logs title and text by the log chain, at the level of the icon. Does nothing for a question and without an icon.
     void logDisplayedMessage();
 
 private:
     void fitWidthToTitle();
 
-    QMap<int, QString> m_buttonTexts; ///< Filled by nothing so far.
+    QMap<int, QString> m_buttonTexts; ///< Always empty.
 };

@@ -4,11 +4,11 @@
 
 #include <QProgressBar>
 
-/// A progress bar whose format may hold "%L1": the percentage in the digits of the default locale, cut off, not
-/// rounded. The format at the beginning is "%p%". GUI thread only.
+/// A progress bar whose format may contain "%L1": the percentage in the digits of the default locale, truncated. The
+/// initial format is "%p%". GUI thread only.
 ///
-/// "%L1" takes the place of QProgressBar's "%p", "%v" and "%m": beside it these stay as they are. A plain "%1" isn't a
-/// percentage: alone it shows as it stands, beside "%L1" as "%p".
+/// "%L1" replaces the placeholders of QProgressBar: in a format with "%L1", "%p", "%v" and "%m" appear unchanged. A
+/// "%1" isn't a placeholder: it appears unchanged, or as "%p" in a format with "%L1".
 class LmProgressBar : public QProgressBar
 {
     Q_OBJECT

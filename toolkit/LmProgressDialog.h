@@ -6,16 +6,16 @@
 
 class LmProgressBar;
 
-/// A QProgressDialog with a LmProgressBar and without a help button. GUI thread only.
+/// A QProgressDialog with a LmProgressBar and without a context help button. GUI thread only.
 class LmProgressDialog : public QProgressDialog
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmProgressDialog)
 
 public:
-    /// @p format as LmProgressBar takes it; empty leaves the bar's own.
+    /// @p format is that of the LmProgressBar. An empty one leaves its initial format.
     explicit LmProgressDialog(const QString& format, QWidget* parent = nullptr);
 
 private:
-    LmProgressBar* m_bar = nullptr; ///< The dialog's child.
+    LmProgressBar* m_bar = nullptr; ///< Child of this.
 };

@@ -11,10 +11,10 @@ class QObject;
 /// @file
 /// The keys of an application, written as QKeySequence::PortableText. GUI thread only.
 
-/// All actions among the descendants of @p root that have a shortcut, by their (first) shortcut; of two with the same
-/// one the later in the tree of objects, depth first. The actions stay their parents' own. Empty for null.
+/// Returns all descendants of @p root that are actions with a shortcut, by their first shortcut. Of two actions with
+/// the same shortcut, the later one in depth-first order is returned. Not owned. Returns an empty map for null.
 QMap<QString, QAction*> lmActionShortcuts(QObject* root);
 
-/// What this platform gives for each standard key that it knows, by the name of its QKeySequence::StandardKey.
-/// QKeySequence::Cancel isn't among them.
+/// Returns the key sequences of this platform by the names of QKeySequence::StandardKey. Standard keys without a
+/// sequence and QKeySequence::Cancel aren't included.
 QMap<QString, QString> lmStandardKeys();

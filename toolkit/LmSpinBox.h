@@ -4,10 +4,10 @@
 
 #include <QSpinBox>
 
-/// A whole-number field in the digits of the default locale, as that is when the field is made. GUI thread only.
+/// A field for whole numbers in the digits of the default locale at construction. GUI thread only.
 ///
-/// With a special text (QSpinBox::specialValueText()) a user may type straight into it or behind it: it is taken out of
-/// what was typed wherever it stands. A special text that is just the prefix is left alone.
+/// With a special text, QSpinBox::specialValueText(), a user may type into it or after it: it is removed from the input
+/// wherever it appears. A special text that equals the prefix isn't removed.
 class LmSpinBox : public QSpinBox
 {
     Q_OBJECT
@@ -17,6 +17,6 @@ public:
     explicit LmSpinBox(QWidget* parent = nullptr);
 
     QValidator::State validate(QString& input, int& pos) const override;
-    /// With a special text, an entry that can't be used becomes the minimum, which the special text stands for.
+    /// With a special text, replaces an entry that can't be used by the minimum, which the special text represents.
     void fixup(QString& input) const override;
 };

@@ -4,8 +4,8 @@
 
 #include <QString>
 
-/// Takes every occurrence of the special text out of what was typed into @p box, unless the special text is the prefix.
-/// Private to the toolkit.
+/// Removes every occurrence of the special text of @p box from @p input, unless the special text is the prefix. Private
+/// to the toolkit.
 template <typename SpinBox>
 void lmRemoveSpecialText(const SpinBox& box, QString& input)
 {

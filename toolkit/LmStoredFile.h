@@ -7,18 +7,19 @@
 #include <QSharedPointer>
 #include <QString>
 
-/// A file in memory, with the path that it is saved to. Handed around by shared ownership.
+/// The content of a file in memory with the path that it is saved to. Passed by shared pointer.
 class LmStoredFile final
 {
 public:
     using Ptr = QSharedPointer<LmStoredFile>;
 
-    /// @p hint is whatever the caller wants to find along with the file.
+    /// @p hint is any text of the caller.
     LmStoredFile(const QString& path, const QByteArray& content, const QString& hint);
 
-    /// The file at @p path; without content if it can't be read. Never null.
+    /// Reads the file at @p path by lmReadBytes(). The content is empty if it can't be read. Never returns null.
     static Ptr read(const QString& path, QIODevice::OpenMode mode, const QString& hint = QString());
-    /// The content of the file at @p path, to be saved under the same name in @p directory.
+    /// Reads the file at @p path by lmReadBytes(), with a path of the same file name in @p directory. The content is
+    /// empty if the file can't be read. Never returns null.
     static Ptr readForDirectory(const QString& path, const QString& directory, QIODevice::OpenMode mode,
                                 const QString& hint = QString());
 
@@ -26,8 +27,9 @@ public:
     QByteArray content() const { return m_content; }
     QString hint() const { return m_hint; }
 
-    /// Writes the content by lmWriteBytes(), to @p path or to this file's own path. False if it isn't written whole.
+    /// Writes the content to @p path by lmWriteBytes(). Returns true only if all of it was written.
     bool save(const QString& path, QIODevice::OpenMode mode) const;
+    /// Writes the content to path() by lmWriteBytes(). Returns true only if all of it was written.
     bool save(QIODevice::OpenMode mode) const;
 
 private:

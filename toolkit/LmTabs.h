@@ -6,9 +6,10 @@
 #include <QTabWidget>
 
 /// @file
-/// Pages under names that a style sheet can address. GUI thread only.
+/// Widgets of several pages with names of their own, so that a style sheet can address them. GUI thread only.
 
-/// Lets go of a style of its tab bar's own before it goes.
+/// A QTabWidget that resets the style of its tab bar before it is destroyed. An application may set a proxy style for a
+/// single tab bar, and may delete that style before or after the tab bar.
 class LmTabWidget : public QTabWidget
 {
     Q_OBJECT
@@ -19,8 +20,8 @@ public:
     ~LmTabWidget() override;
 };
 
-/// A style sheet may select on the property "LayoutDirInverted": whether the layout was right to left when the stack
-/// was made. A later change of direction doesn't touch it.
+/// A QStackedWidget with the dynamic property "LayoutDirInverted" for style sheets: true if the layout direction was
+/// right to left at construction. A later change of direction doesn't change it.
 class LmTabStackedWidget : public QStackedWidget
 {
     Q_OBJECT

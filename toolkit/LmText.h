@@ -8,13 +8,16 @@ class QDate;
 class QTime;
 
 /// @file
-/// Dates, times of day and names as a user reads them, in the words and digits of the default locale, which is asked at
-/// each call. Formats are those of QLocale::toString(). An invalid date or time gives an empty text.
+/// Dates, times of day and names for users, with the words and digits of the default locale at the time of the call.
+/// Formats are those of QLocale::toString(). Thread-safe, except for lmLocalizedTime() without a format.
 
+/// Returns @p date in @p format, or an empty text for an invalid date.
 QString lmLocalizedDate(const QString& format, const QDate& date);
-/// In the format of LmGuiConfig::timeFormat(), and like that on the GUI thread only. The others are safe on any thread.
+/// Returns @p time in the format LmGuiConfig::timeFormat(), or an empty text for an invalid time. GUI thread only.
 QString lmLocalizedTime(const QTime& time);
+/// Returns @p time in @p format, or an empty text for an invalid time.
 QString lmLocalizedTime(const QString& format, const QTime& time);
 
-/// The first character of @p text in capitals and all others in small letters, by the rules of no particular language.
+/// Returns @p text with its first character in upper case and all others in lower case, without the rules of a
+/// language.
 QString lmCapitalized(const QString& text);

@@ -4,26 +4,28 @@
 
 #include <QTimeEdit>
 
-/// A time field in the default locale and the format of LmGuiConfig::timeFormat(), both of the moment when it is made,
-/// whose minutes can go in steps. GUI thread only.
+/// A time field in the default locale with the format LmGuiConfig::timeFormat(), both read at construction, whose
+/// minutes can change in steps. GUI thread only.
 ///
-/// In a right-to-left layout QDateTimeEdit turns the order of the sections round, here too: 10:20 reads 20:10.
+/// In a right-to-left layout QDateTimeEdit reverses the order of the sections: 10:20 appears as 20:10.
 class LmTimeEdit : public QTimeEdit
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmTimeEdit)
+    /// The minutes of one step up or down in the section of the minutes. Initially 1.
+    Q_PROPERTY(int minuteStep READ minuteStep WRITE setMinuteStep)
 
 public:
     explicit LmTimeEdit(QWidget* parent = nullptr);
     explicit LmTimeEdit(const QTime& time, QWidget* parent = nullptr);
 
-    /// How many minutes one step up or down in the minutes goes. Below 2 stands for 1; a step that doesn't divide 60
-    /// evenly is ignored, and the old one stays.
+    /// Sets the minutes of one step up or down in the section of the minutes. A step below 2 sets 1. A step that
+    /// doesn't divide 60 evenly is ignored.
     void setMinuteStep(int step);
     int minuteStep() const;
 
-    /// Only a single step in the minutes is widened; any other section and larger jumps, as of the page keys, go as
-    /// they are.
+    /// Multiplies a single step in the section of the minutes by minuteStep(). All other steps, such as those of the
+    /// page keys, are those of QTimeEdit.
     void stepBy(int steps) override;
 
 private:

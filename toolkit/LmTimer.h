@@ -4,7 +4,7 @@
 
 #include <QTimer>
 
-/// A QTimer under a name of its own.
+/// A QTimer with a class name of its own.
 class LmTimer : public QTimer
 {
     Q_OBJECT

@@ -57,6 +57,11 @@ void LmTooltip::setText(const QString& text)
     m_label->setText(text);
 }
 
+QString LmTooltip::text() const
+{
+    return m_label->text();
+}
+
 void LmTooltip::mousePressEvent(QMouseEvent* event)
 {
     const QPoint hold = event->localPos().toPoint();

@@ -6,20 +6,23 @@
 
 class QLabel;
 
-/// A small frameless window with one text, which the user can drag. Dragging keeps it within the joined width of all
-/// screens and leaves it free vertically; when its content grows, it stays on the screen that holds the point (0, 0).
-/// A style sheet addresses it by the property "LmTooltip". GUI thread only.
-class LmTooltip final : public QDialog
+/// A small frameless window with a text, which the user can drag. Dragging keeps it within the joined width of all
+/// screens and doesn't limit it vertically; when its content grows, it remains on the screen that contains the point
+/// (0, 0). The dynamic property "LmTooltip" is true, for style sheets. GUI thread only.
+class LmTooltip : public QDialog
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmTooltip)
+    /// The plain or rich text that is shown.
+    Q_PROPERTY(QString text READ text WRITE setText)
 
 public:
     explicit LmTooltip(QWidget* parent);
     ~LmTooltip() override;
 
-    /// Plain or rich text.
+    /// Sets the plain or rich text that is shown.
     void setText(const QString& text);
+    QString text() const;
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -34,6 +37,6 @@ private:
     [[maybe_unused]] int m_reserved = -1;
     QLabel* m_label = nullptr;
     bool m_dragging = false;
-    int m_dragOffsetX = 0; ///< Where in the window the mouse took hold.
+    int m_dragOffsetX = 0; ///< Position of the mouse in the window.
     int m_dragOffsetY = 0;
 };

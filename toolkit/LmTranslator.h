@@ -5,11 +5,14 @@
 class QStringList;
 class QTranslator;
 
-/// Takes @p translator out of the application, loads it from the first of the files that there is, and installs it
-/// again; so it can be called once more after a change of language. Every directory is tried for a name before the next
-/// name is. A name stands for the file of that very name, with or without ".qm": it isn't shortened to a less special
-/// one.
+/// @file
+/// Installation of translations. GUI thread only.
+
+/// Removes @p translator from the application, loads it from the first existing file and installs it again, so that it
+/// can be called after a change of language. Returns true if a file was loaded; otherwise the translator isn't
+/// installed. Not owned.
 ///
-/// Returns whether a file was loaded; otherwise the translator stays out. Qt's log gets an info entry for the file that
-/// is installed and a warning for each name that no directory has. GUI thread only; the translator stays the caller's.
+/// All directories are searched for a file name before the next one. A file name may lack the suffix ".qm", but isn't
+/// shortened otherwise, unlike in QTranslator. Qt's log gets an info entry for the file that is installed and a warning
+/// for each name that no directory has.
 bool lmInstallTranslator(QTranslator& translator, const QStringList& fileNames, const QStringList& directories);

@@ -4,9 +4,12 @@
 
 class QWidget;
 
-/// Takes the context help button out of the title bar of @p widget. A visible widget is hidden by that, as by any
-/// change of window flags. Null is ignored.
+/// @file
+/// Helpers for any widget. GUI thread only.
+
+/// Removes the context help button from the title bar of @p widget, which may be null. As any change of window flags,
+/// this hides a visible widget.
 void lmRemoveHelpButton(QWidget* widget);
 
-/// Makes a change of a property that the style sheet selects on take effect. Null is ignored.
+/// Applies the style sheet again after a change of a property of @p widget, which may be null.
 void lmRepolish(QWidget* widget);

@@ -5,9 +5,9 @@
 #include <QAbstractMessageHandler>
 #include <QStringList>
 
-/// Collects what a check of a document reports, as lines that can be shown or logged. LmXmlValidator starts it afresh
-/// for each check, so that it can be used again. Not for sharing between threads.
-class LmXmlMessages final : public QAbstractMessageHandler
+/// Collects the messages of a validation as lines that can be shown or logged. LmXmlValidator clears it at the start of
+/// each validation, so that it can be reused. Not thread-safe.
+class LmXmlMessages : public QAbstractMessageHandler
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmXmlMessages)
@@ -16,11 +16,12 @@ public:
     explicit LmXmlMessages(QObject* parent);
     ~LmXmlMessages() override;
 
-    /// Lines like "Error at (line 3;column 7) - description", whose description is rich text. A message with a higher
-    /// QtMsgType than the one before it replaces all lines so far. The label is "Error" for QtDebugMsg and QtWarningMsg
-    /// and "Info" for all others, the QtFatalMsg of a document that fails among them.
+    /// Returns lines such as "Error at (line 3;column 7) - description". The description is rich text.
+    ///
+    /// A message with a higher QtMsgType than the one before it replaces all lines so far. The label is "Error" for
+    /// QtDebugMsg and QtWarningMsg and "Info" for all others, including the QtFatalMsg of an invalid document.
     QStringList messages() const { return m_messages; }
-    /// Forgets all lines.
+    /// Removes all lines.
     void clear();
 
 protected:

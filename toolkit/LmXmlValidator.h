@@ -9,22 +9,28 @@
 class LmXmlMessages;
 class QByteArray;
 
-/// Checks documents against one XML schema. An aid and no gate: without a valid schema every document passes. Not for
-/// sharing between threads.
+/// Validates documents against one XML schema. Meant as an aid: without a valid schema every document passes. Not
+/// thread-safe.
 class LmXmlValidator final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(LmXmlValidator)
 
 public:
-    /// Loads the schema, which blocks until it is there or has failed. A failure shows nowhere but in what Qt itself
-    /// writes to standard error.
+    /// Loads the schema. Blocks until it is loaded or has failed; isValid() returns false after a failure.
     LmXmlValidator(const QUrl& schemaUrl, QObject* parent);
     ~LmXmlValidator() override;
 
-    /// Whether the document passes. @p messages, which stays the caller's, holds what was found after the call; it is
-    /// empty if there is no valid schema.
+    /// Returns true if the schema was loaded and is valid.
+    bool isValid() const { return m_schema.isValid(); }
+    QUrl schemaUrl() const { return m_schemaUrl; }
+
+    /// Returns true if the document at @p document passes or if the schema isn't valid. After the call @p messages
+    /// holds only the messages of this validation: none without a valid schema, and none for a document that can't be
+    /// read, which doesn't pass.
     bool validate(const QUrl& document, LmXmlMessages& messages);
+    /// Returns true if the content @p document passes or if the schema isn't valid. After the call @p messages holds
+    /// only the messages of this validation, and none without a valid schema.
     bool validate(const QByteArray& document, LmXmlMessages& messages);
 
 private:

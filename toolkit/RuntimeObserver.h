@@ -7,30 +7,30 @@
 #include <QObject>
 #include <QString>
 
-/// A timed run of a named piece of work, or several of them in sum.
+/// One timing of a named piece of work, or the sum of several.
 struct RuntimeItem
 {
-    QString name;
-    qint64 calls = 0; ///< The runs that it stands for.
-    qint64 runtimeNs = 0;
+    QString name;         ///< The name of the piece of work.
+    qint64 calls = 0;     ///< The number of timings.
+    qint64 runtimeNs = 0; ///< Nanoseconds.
 };
 Q_DECLARE_METATYPE(RuntimeItem)
 
-/// Times its own life: made on the stack for the span to be timed, and given to InstanceObserver::timingStart() of the
-/// object that does the work. GUI thread only.
+/// Measures its own lifetime. It is created on the stack for the scope to be timed, and passed to
+/// InstanceObserver::timingStart() of the object that does the work. GUI thread only.
 class RuntimeObserver final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(RuntimeObserver)
 
 public:
-    /// Starts the clock. @p name may be qualified by "::"; a dump shows the last part.
+    /// Starts the measurement. @p name may be qualified by "::"; a dump shows its last part.
     explicit RuntimeObserver(const QString& name);
-    /// Stops the clock and emits timeElapsed().
+    /// Ends the measurement and emits timeElapsed().
     ~RuntimeObserver() override;
 
 Q_SIGNALS:
-    /// Once, from the destructor: one call and the nanoseconds since construction.
+    /// Emitted by the destructor, with one call and the nanoseconds since construction.
     void timeElapsed(RuntimeItem item);
 
 private:
