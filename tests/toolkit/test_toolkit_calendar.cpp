@@ -161,9 +161,12 @@ private Q_SLOTS:
                 calendar.setRangeEnd(march(14));
                 calendar.setEditingStart(editingStart);
                 calendar.setSelectedDate(march(20));
-                setsStart ? calendar.setRangeStart(day(number)) : calendar.setRangeEnd(day(number));
-                QCOMPARE(calendar.rangeStart(), day(start));
-                QCOMPARE(calendar.rangeEnd(), day(end));
+                bool isEnabled = false;
+                connect(&calendar, &QCalendarWidget::selectionChanged, this,
+                        [&] { isEnabled = calendar.isEnabled() || isEnabled; });
+                QVERIFY(calendar.setProperty(setsStart ? "rangeStart" : "rangeEnd", day(number)) && !isEnabled);
+                QCOMPARE(calendar.property("rangeStart").toDate(), day(start));
+                QCOMPARE(calendar.property("rangeEnd").toDate(), day(end));
                 QCOMPARE(calendar.selectedDate(), march(setsStart == editingStart && number ? number : 20));
                 QVERIFY(calendar.isEnabled());
             }

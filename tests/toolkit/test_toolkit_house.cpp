@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/MessageCapture.h"
 #include "toolkit/LmGuiConfig.h"
+#include "toolkit/LmLogging.h"
 #include "toolkit/LmMessageBox.h"
 #include "toolkit/LmText.h"
 #include "toolkit/LmTooltip.h"
@@ -12,6 +13,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFontMetricsF>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QScreen>
@@ -29,8 +31,20 @@ class RecordingParent final : public QWidget, public LmLogProxy
 public:
     using LmLogProxy::LmLogProxy;
     void logCritical(QString title, QString text, QString detail) override { records << title + text + detail; }
+    void logWarning(QString title, QString, QString) override { records << "warning: " + title; }
 
     QStringList records;
+};
+
+/// Forwards a warning as one.
+class WarningBox final : public LmMessageBox
+{
+public:
+    using LmMessageBox::LmMessageBox;
+    void logWarning(QString title, QString text, QString detail) override
+    {
+        nextProxy()->logWarning(title, text, detail);
+    }
 };
 
 void sendMouse(QWidget& widget, QEvent::Type type, QPointF local, QPointF screen)
@@ -65,6 +79,12 @@ private Q_SLOTS:
         second.reset(); // Takes the instance with it, whichever that is.
         const std::unique_ptr<LmGuiConfig> fresh(LmGuiConfig::instance());
         QVERIFY(fresh && fresh.get() != &first && fresh.get() == LmGuiConfig::instance());
+        QCOMPARE(fresh->styleName() + ' ' + fresh->dateFormat() + ' ' + fresh->timeFormat(),
+                 QStringLiteral("Fusion yyyy-MM-dd hh:mm"));
+        QCOMPARE(fresh->firstWeekDay(), 1);
+        for (int day = Qt::Monday; day <= Qt::Sunday; ++day)
+            QCOMPARE(fresh->isWeekend(QDate(2024, 1, day)), day >= Qt::Saturday);
+        QVERIFY(!fresh->isWeekend(QDate()));
     }
 
     void translationIsTheFirstThatThereIs()
@@ -124,19 +144,27 @@ private Q_SLOTS:
                     .logDisplayedMessage();
         }
         // The box only forwards, so every level arrives as a critical message.
-        QCOMPARE(parent.records, QStringList({"Title 1; text", "Title 2; text", "Title 3; text"}));
+        WarningBox(QMessageBox::Warning, "4", {}, QMessageBox::Ok, &parent).logDisplayedMessage();
+        QCOMPARE(parent.records, QStringList({"Title 1; text", "Title 2; text", "Title 3; text", "warning: 4"}));
+        QCOMPARE(
+            QByteArrayList({lmProfileLog().categoryName(), lmUsageLog().categoryName(), lmPluginLog().categoryName()}),
+            QByteArrayList({"profile", "usage", "plugin"}));
     }
 
     void tooltipStaysWithinTheScreens()
     {
         const QRect screen = QGuiApplication::primaryScreen()->geometry();
         LmTooltip tooltip(nullptr);
+        QVERIFY(tooltip.setProperty("text", "Text"));
+        QCOMPARE(tooltip.findChild<QLabel*>()->text() + tooltip.property("text").toString(), QString("TextText"));
         tooltip.resize(100, 30);
         tooltip.show();
+        QVERIFY(!tooltip.childAt(50, 15));                            // The window itself gets the mouse.
         sendMouse(tooltip, QEvent::MouseButtonPress, {5.6, 4.4}, {}); // Held at (6, 4).
         const std::pair<QPointF, QPoint> drags[] = {
             {{-300, -900}, {screen.left(), -904}},
             {{9000, 60}, {screen.right() - 100, 56}},
+            {{screen.right() - 93., 60}, {screen.right() - 100, 56}}, // From the very border.
             {{50.4, 60.6}, {44, 57}},
         };
         for (const auto& [mouse, position] : drags) {
@@ -148,7 +176,7 @@ private Q_SLOTS:
         QCOMPARE(tooltip.pos(), QPoint(44, 57));
 
         // What grows is held at the right and bottom edge, and what is larger than the screen at the top.
-        tooltip.move(screen.right() - 110, screen.bottom() - 40);
+        tooltip.move(screen.right() - 119, screen.bottom() - 49);
         tooltip.resize(120, 50);
         QCOMPARE(tooltip.pos(), QPoint(screen.right() - 120, screen.bottom() - 50));
         tooltip.resize(120, screen.height() + 9);

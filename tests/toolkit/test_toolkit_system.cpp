@@ -177,7 +177,9 @@ private Q_SLOTS:
     {
         const QByteArray content("\xc3\xa4 1\r\n\n2\0 3\n", 11);
         QVERIFY(lmWriteBytes(content, "a/b/file", QIODevice::WriteOnly));
-        QVERIFY(lmMakeParentDir("file") && lmMakeParentDir("c/d/file") && QDir("c/d").exists());
+        const MessageCapture log;
+        QVERIFY(lmMakeParentDir("") && lmMakeParentDir("file") && lmMakeParentDir("c/d/file") && QDir("c/d").exists());
+        QVERIFY(log.messages().isEmpty());
         QCOMPARE(lmReadBytes("a/b/file", QIODevice::ReadOnly), content);
         QCOMPARE(lmReadLines("a/b/file", QIODevice::Text), QStringList({QString::fromUtf8("\u00e4 1"), "", "2"}));
         for (const char* unreadable : {"none", "a"})
@@ -201,6 +203,8 @@ private Q_SLOTS:
         LmXmlValidator validator(QUrl::fromLocalFile(DOSE_SCHEMA), nullptr);
         LmXmlValidator withoutSchema(file, nullptr);
         LmXmlMessages messages(nullptr);
+        QVERIFY(validator.isValid() && !withoutSchema.isValid() && withoutSchema.schemaUrl() == file);
+        QVERIFY(!validator.validate(file, messages) && messages.messages().isEmpty()); // It doesn't exist yet.
         // Wrong and right in turn, so that each finds what the former has left in the collector.
         for (const QByteArray document : {"<dose>\n  many</dose>", "<dose>1.5</dose>", "<dose", "<dose>2</dose>"}) {
             QVERIFY(lmWriteBytes(document, "document.xml", QIODevice::WriteOnly));

@@ -180,6 +180,10 @@ private Q_SLOTS:
                                    box.singleStep()};
         };
         QCOMPARE(facts(), QVector<double>({0, 0, 999, 0, 5}));
+        QVERIFY(box.setProperty("decimalUnit", true));
+        QCOMPARE(facts(), QVector<double>({1, 0, 999, 1, 0.5}));
+        QVERIFY(box.setProperty("decimalUnit", false));
+        QCOMPARE(facts(), QVector<double>({0, 0, 999, 0, 5}));
         box.setDecimalUnit(0.6, 33.3);
         QCOMPARE(facts(), QVector<double>({1, 0.6, 33.3, 1, 0.5}));
         box.setWholeUnit(10, 600);
@@ -206,8 +210,8 @@ private Q_SLOTS:
         LmTimeEdit edit(QTime(10, 20));
         for (const auto& [asked, step] :
              {std::pair(7, 1), {15, 15}, {61, 15}, {60, 60}, {-4, 1}, {20, 20}, {0, 1}, {15, 15}}) {
-            edit.setMinuteStep(asked);
-            QCOMPARE(edit.minuteStep(), step);
+            QVERIFY(edit.setProperty("minuteStep", asked));
+            QCOMPARE(edit.property("minuteStep"), QVariant(step));
         }
         const std::tuple<QDateTimeEdit::Section, int, QTime> steps[] = {
             {QDateTimeEdit::MinuteSection, 1, {10, 35}},
@@ -332,7 +336,7 @@ private Q_SLOTS:
         for (const int id : {-1, 0, 7}) {
             LmClickFrame frame;
             frame.resize(20, 20);
-            frame.setId(id);
+            QVERIFY(frame.setProperty("id", id) && frame.property("id") == QVariant(id));
             QVector<int> told; // A double click as 100 more than the id, none as -1.
             connect(&frame, qOverload<>(&LmClickFrame::clicked), this, [&told] { told << -1; });
             connect(&frame, qOverload<>(&LmClickFrame::doubleClicked), this, [&told] { told << 99; });
@@ -353,7 +357,7 @@ private Q_SLOTS:
         LmClickFrame frame;
         frame.ensurePolished();
         for (const bool on : {false, true, false, false, true}) {
-            frame.setClickStyle(on);
+            QVERIFY(frame.setProperty("clickStyle", on) && frame.property("clickStyle") == QVariant(on));
             QCOMPARE(frame.grab().toImage().pixelColor(5, 5), QColor(on ? Qt::green : Qt::red));
         }
 
@@ -463,6 +467,15 @@ private Q_SLOTS:
             QCOMPARE(keysWhenTriggered, keys);
             QCOMPARE(print->text(), QStringLiteral("Print 100%1"));
         }
+
+        QAction own(QStringLiteral("Own"));
+        own.setShortcuts(keys);
+        auto deleted = std::make_unique<LmMenu>();
+        deleted->setLayoutDirection(Qt::RightToLeft);
+        deleted->addAction(&own);
+        deleted->popup({});
+        deleted.reset();
+        QVERIFY(own.shortcuts() == keys && own.text() == QLatin1String("Own"));
 
         LmMenu menu;
         menu.setLayoutDirection(Qt::RightToLeft);
