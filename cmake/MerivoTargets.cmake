@@ -62,7 +62,8 @@ function(merivo_set_test_properties name timeout labels)
 endfunction()
 
 # merivo_export_only(NAME SYMBOL...): the library's dynamic symbols are these and no others, weak template symbols
-# included, which hidden visibility alone would leave. On Windows only what the code declares is exported anyway.
+# included, which hidden visibility alone would leave. On Windows only what the code declares is exported anyway. Code
+# and virtual tables that nothing reaches are left out, as each of their relocations takes time when a host loads it.
 function(merivo_export_only name)
     set(exports "${CMAKE_CURRENT_BINARY_DIR}/${name}.exports")
     if(WIN32)
@@ -70,11 +71,11 @@ function(merivo_export_only name)
     elseif(APPLE)
         list(TRANSFORM ARGN PREPEND "_" OUTPUT_VARIABLE symbols)
         string(JOIN "\n" content ${symbols})
-        target_link_options(${name} PRIVATE "LINKER:-exported_symbols_list,${exports}")
+        target_link_options(${name} PRIVATE "LINKER:-exported_symbols_list,${exports}" LINKER:-dead_strip)
     else()
         string(JOIN "; " symbols ${ARGN})
         set(content "{ global: ${symbols}; local: *; };")
-        target_link_options(${name} PRIVATE "LINKER:--version-script=${exports}")
+        target_link_options(${name} PRIVATE "LINKER:--version-script=${exports}" LINKER:--gc-sections)
     endif()
     file(GENERATE OUTPUT "${exports}" CONTENT "${content}\n")
     set_target_properties(${name} PROPERTIES LINK_DEPENDS "${exports}")
