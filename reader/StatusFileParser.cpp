@@ -18,6 +18,8 @@
 
 namespace {
 
+constexpr int WatcherReleaseMs = 200;
+
 StatusFileParser* s_instance = nullptr;
 
 /// The category of plain debug lines, named so that a line costs nothing while they are off.
@@ -52,13 +54,13 @@ StatusFileParser::StatusFileParser(const QString& drivePath)
     connect(this, &StatusFileParser::pollingRequested, this, &StatusFileParser::prepareRun, Qt::QueuedConnection);
 
     // A diagnostic alone: drives don't reliably tell of changes, so nothing hangs on it.
-    connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_guiSide, [](const QString& path) {
+    connect(m_watcher.get(), &QFileSystemWatcher::fileChanged, &m_guiSide, [](const QString& path) {
         qCDebug(plainDebug).noquote() << QStringLiteral("File '%1' has changed.").arg(path);
     });
-    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_guiSide, [](const QString& path) {
+    connect(m_watcher.get(), &QFileSystemWatcher::directoryChanged, &m_guiSide, [](const QString& path) {
         qCDebug(plainDebug).noquote() << QStringLiteral("Directory '%1' has changed.").arg(path);
     });
-    m_watcher.addPaths({m_statusFile, m_path});
+    m_watcher->addPaths({m_statusFile, m_path});
 }
 
 StatusFileParser::~StatusFileParser()
@@ -67,6 +69,11 @@ StatusFileParser::~StatusFileParser()
     s_instance = nullptr;
     joinWorker(m_thread);
     logTrace(QStringLiteral("Status file parser finished."), m_path);
+
+    // On Linux the kernel blocks for up to 25 ms if a watcher is deleted right after its paths. By name, as the plug-in
+    // may be unloaded until then: a member pointer would make code of the plug-in part of the call.
+    m_watcher->removePaths({m_statusFile, m_path});
+    QTimer::singleShot(WatcherReleaseMs, m_watcher.release(), SLOT(deleteLater()));
 }
 
 void StatusFileParser::start(int timeoutSec, int startingSec, int delayMs)

@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <memory>
 
 /// Reads the reader's status file, and follows one command at a time to its end.
 ///
@@ -111,5 +112,5 @@ private:
     StatusRecord m_latest;   ///< What m_lastStatus has, or is about to have.
 
     QObject m_guiSide; ///< Stays on the GUI thread: takes what the worker thread hands over.
-    QFileSystemWatcher m_watcher;
+    std::unique_ptr<QFileSystemWatcher> m_watcher{std::make_unique<QFileSystemWatcher>()};
 };
