@@ -26,6 +26,9 @@ namespace {
 constexpr int QueryTimeoutSec = 20;
 constexpr int PauseAfterAbortMs = 2000;
 constexpr int PictureWidth = 100;
+constexpr int LoadIntervalMs = 20; ///< between two turns of loadPictures()
+const QString PumpPicture = QStringLiteral(":/img/Images/Cygnara.svg");
+const QString ReaderPicture = QStringLiteral(":/img/Images/DeviceReader.svg");
 constexpr QSize StateIconSize{32, 32};
 /// A shorter answer to the paired pump query, such as "0", means that there is no pump.
 constexpr int ShortestSerialNumber = 3;
@@ -51,8 +54,8 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
         logFailure(QStringLiteral("Device reader simulation used."), m_simulationPath);
     showPatient(m_PatientLine1, m_PatientLine2);
 
-    showScaledToWidth(m_GraphicLabel1, QStringLiteral(":/img/Images/Cygnara.svg"), PictureWidth);
-    showScaledToWidth(m_GraphicLabel3, QStringLiteral(":/img/Images/DeviceReader.svg"), PictureWidth);
+    showScaledToWidth(m_GraphicLabel1, PumpPicture, PictureWidth);
+    showScaledToWidth(m_GraphicLabel3, ReaderPicture, PictureWidth);
     m_GraphicLabel2->setPixmap(lmIcon(QStringLiteral(":/img/Images/icon_help_grey_dark.svg")).pixmap(StateIconSize));
 
     // Not by the form, which would make new icons for each run: Qt's pixmap cache, which is the host's too, would fill
@@ -75,6 +78,22 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
 
     refresh();
     prepareReader();
+}
+
+void MainDialog::loadPictures(QObject* context, QVector<QPixmap>* kept)
+{
+    int delay = 0;
+    for (const QString& path : {PumpPicture, ReaderPicture}) {
+        // Two turns each: the icon is decoded three times while it is loaded, and each of the pixmaps once.
+        QTimer::singleShot(delay += LoadIntervalMs, context, [path] { lmIcon(path); });
+        QTimer::singleShot(delay += LoadIntervalMs, context, [path, kept] {
+            QLabel label;
+            kept->append(QPixmap(path)); // loaded by the form too
+            label.setPixmap(kept->last());
+            showScaledToWidth(&label, path, PictureWidth);
+            kept->append(label.pixmap(Qt::ReturnByValue));
+        });
+    }
 }
 
 void MainDialog::prepareReader()

@@ -12,6 +12,7 @@
 #include "reader/StatusFileParser.h"
 #include "reader/UsbDeviceAdapter.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QScopedValueRollback>
@@ -67,6 +68,12 @@ QIcon MerivoConnectionsComponent::icon() const
 IPlugin* MerivoConnectionsComponent::plugin() const
 {
     return m_plugin;
+}
+
+void MerivoConnectionsComponent::loadPictures()
+{
+    if (m_pictures.isEmpty() && qobject_cast<QApplication*>(QCoreApplication::instance()))
+        MainDialog::loadPictures(this, &m_pictures);
 }
 
 bool MerivoConnectionsComponent::execute(QWidget* parent)

@@ -6,6 +6,8 @@
 
 #include <QIcon>
 #include <QObject>
+#include <QPixmap>
+#include <QVector>
 
 class CommandController;
 class MerivoConnectionsPlugin;
@@ -33,6 +35,10 @@ public:
     /// from in there leaves a line in the log, returns false at once and disturbs nothing.
     bool execute(QWidget* parent) override;
 
+    /// Loads the pictures of the main dialog in the next turns of the event loop, once, so that the dialog opens
+    /// without a noticeable pause. Does nothing in an application without widgets.
+    void loadPictures();
+
     /// True unless one of the reader's log files on that drive tells of a firmware below 3.2.23. A drive without such a
     /// file passes; in a version text a part that is missing, or no number, counts as 0.
     static bool checkFirmware(const QString& drivePath);
@@ -43,6 +49,7 @@ private:
     CommandController* m_commandController;
     MerivoConnectionsPlugin* m_plugin;
     QIcon m_icon;
+    QVector<QPixmap> m_pictures; ///< Keeps them in Qt's cache.
     bool m_isRunning = false;
 
 public:

@@ -87,6 +87,11 @@ void MerivoConnectionsPlugin::setExtensionRegistry(IExtensionRegistry* registry)
     PatientSession::instance(nullptr);
     PatientSession::setHost(m_services, m_database);
     m_eventsObserver.attach(publisher, m_database);
+    // The main dialog can only be opened for a patient.
+    if (publisher) {
+        connect(publisher, &IEventPublisher::diarySessionOpened, m_component.get(),
+                &MerivoConnectionsComponent::loadPictures, Qt::UniqueConnection);
+    }
 }
 
 void MerivoConnectionsPlugin::initialize(QSettings& settings, const QDir& directory)
