@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "bench/TurnMeter.h"
 
+#include "bench/Machine.h"
+
 #include <QAbstractEventDispatcher>
 #include <QCursor>
 #include <QGuiApplication>
@@ -63,6 +65,7 @@ void TurnMeter::beginTurn()
 {
     m_inTurn = m_keep;
     m_beginsInWait = isInWait();
+    m_workBegin = workMilliseconds();
     m_begin = BenchClock::now();
 }
 
@@ -75,7 +78,7 @@ void TurnMeter::endTurn()
     if (m_beginsInWait)
         milliseconds = std::max(milliseconds - WaitStepMs, 0.0);
     std::vector<Turn>& list = m_beginsInWait && isInWait() ? waitingTurns : turns;
-    list.push_back({milliseconds, milliseconds < LongTurnMs ? QString() : m_label()});
+    list.push_back({milliseconds, workMilliseconds() - m_workBegin, milliseconds < LongTurnMs ? QString() : m_label()});
 }
 
 std::vector<double> lengthsOf(const std::vector<TurnMeter::Turn>& turns)

@@ -23,6 +23,7 @@ public:
     struct Turn
     {
         double milliseconds;
+        double work;    ///< processor time in milliseconds, see workMilliseconds()
         QString during; ///< the label at the end of the turn; empty for short turns
     };
 
@@ -54,6 +55,7 @@ private:
     SetPoll m_setPoll = nullptr;
     Poll m_systemPoll = nullptr;
     BenchClock::time_point m_begin;
+    double m_workBegin = 0;
     bool m_keep = false;
     bool m_inTurn = false;
     bool m_beginsInWait = false;
