@@ -4,7 +4,6 @@
 #include "workbench/reader/ReaderDrive.h"
 #include "workbench/reader/ReaderSimulator.h"
 #include "workbench/reader/Scenario.h"
-#include "workbench/reader/StopSignals.h"
 #include "workbench/reader/TrafficAnonymiser.h"
 #include "workbench/reader/TrafficRecorder.h"
 #include "workbench/reader/TrafficReplay.h"
@@ -246,8 +245,7 @@ int run(const QCommandLineParser& parser)
     LogFile log;
     if (!log.open(parser.value(LogOption)))
         return complain(Failure, QStringLiteral("%1: %2").arg(parser.value(LogOption), log.errorString()));
-    StopSignals stopSignals;
-    QObject::connect(&stopSignals, &StopSignals::stopRequested, qApp, &QCoreApplication::quit);
+    Platform::quitOnStopRequest();
 
     QString error;
     ReaderDrive drive(parser.positionalArguments().first());

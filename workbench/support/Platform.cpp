@@ -2,10 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/support/Platform.h"
 
+#include <QCoreApplication>
 #include <QFile>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
+#include <csignal>
+
+static volatile std::sig_atomic_t s_isStopRequested = 0;
 
 bool Platform::isWithoutDisplay()
 {
@@ -37,4 +42,17 @@ bool Platform::writeThrough(QFile& file, const QByteArray& bytes)
 {
     // A disk that gets full takes a part without an error, and Qt has no reason to give. The rest brings it.
     return file.write(bytes) == bytes.size() && (file.flush() || file.flush());
+}
+
+void Platform::quitOnStopRequest()
+{
+    constexpr int CheckEveryMs = 50;
+    for (const int signal : {SIGINT, SIGTERM})
+        std::signal(signal, [](int) { s_isStopRequested = 1; });
+    auto* timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, qApp, [] {
+        if (s_isStopRequested)
+            QCoreApplication::quit();
+    });
+    timer->start(CheckEveryMs);
 }

@@ -25,4 +25,8 @@ std::filesystem::path nativePath(const QString& path);
 /// errorString().
 bool writeThrough(QFile& file, const QByteArray& bytes);
 
+/// Ends the application's event loop on an interrupt or a request to terminate, instead of the process at once. GUI
+/// thread only.
+void quitOnStopRequest();
+
 } // namespace Platform
