@@ -8,12 +8,10 @@
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"
 #include "workbench/host/ImportHandler.h"
-#include "workbench/host/ImportMac.h"
 #include "workbench/host/PatientEvents.h"
 #include "workbench/host/RobotScript.h"
 
 #include <QImage>
-#include <QMessageAuthenticationCode>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -160,19 +158,6 @@ private Q_SLOTS:
         QVERIFY2(killedInMid > 0, "no kill came in the middle of a transaction");
     }
 
-    void macIsTheStandardOne()
-    {
-        for (const int length : {4, 63, 64, 65, 131}) {
-            const QByteArray key(length, '\xaa');
-            const QByteArray text(length * 10 - 40, '\x01');
-            const QByteArray mac = QMessageAuthenticationCode::hash(text, key, QCryptographicHash::Sha256).toHex();
-            QVERIFY(hmacSha256(key, text) == mac && equalInConstantTime(mac, mac));
-            QVERIFY(!equalInConstantTime(mac, mac.left(63)) && !equalInConstantTime(mac, {}));
-            QVERIFY(!equalInConstantTime(mac, '-' + mac.mid(1)) && !equalInConstantTime(mac, mac.left(63) + '-'));
-        }
-    }
-
-    /// The command is the plug-in's own, and so is the way to the MAC.
     void importIsCheckedAndStored()
     {
         QVERIFY(write(file("I1.xml"), "<history>") && write(file("I2.xml"), "<history>") && write(file("none"), ""));

@@ -8,10 +8,10 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSqlError>
-#include <QSqlQuery>
 #include <QUuid>
-#include <QVariant>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -83,6 +83,12 @@ const QString SelectPatients = QStringLiteral("SELECT puid, name1, name2, birthd
 const QString SelectImports =
     QStringLiteral("SELECT id, puid, imported_at, file_name, file_size, mac, device_state FROM imports ");
 
+template <class Record>
+std::optional<Record> firstOf(const QVector<Record>& records)
+{
+    return records.isEmpty() ? std::nullopt : std::make_optional(records.first());
+}
+
 /// A null text would be stored as NULL.
 QString notNull(const QString& text)
 {
@@ -115,7 +121,7 @@ bool HostDatabase::open(const QString& path)
     m_connection.setDatabaseName(m_path);
     m_connection.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
     if (!m_connection.open())
-        return fail(m_connection.lastError());
+        return fail(meaningOf(m_connection.lastError()));
     if (!checkAndPrepare()) {
         const QString sentence = std::exchange(m_errorText, QString());
         close();
@@ -142,7 +148,7 @@ bool HostDatabase::checkAndPrepare()
     // FULL with the folder synced too, what was told as imported is still there after a power failure.
     for (const char* setting :
          {"PRAGMA foreign_keys = ON", "PRAGMA journal_mode = DELETE", "PRAGMA synchronous = EXTRA"})
-        if (!execute(QLatin1String(setting)))
+        if (!query(setting))
             return false;
 
     const int applicationId = pragma(QStringLiteral("application_id")).toInt();
@@ -161,34 +167,32 @@ bool HostDatabase::checkAndPrepare()
         return false;
 
     // A write at each opening finds a file that can't be written to now, and not when a read-out is to be stored.
-    QSqlQuery opened(m_connection);
-    opened.prepare(QStringLiteral("INSERT INTO meta (key, value) VALUES ('opened', ?)"
-                                  " ON CONFLICT (key) DO UPDATE SET value = excluded.value"));
-    opened.addBindValue(QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
-    if (!inTransaction([&] { return execute(opened); }))
+    const bool isWritten = inTransaction([this] {
+        return query("INSERT INTO meta (key, value) VALUES ('opened', ?)"
+                     " ON CONFLICT (key) DO UPDATE SET value = excluded.value",
+                     {QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs)})
+            .has_value();
+    });
+    if (!isWritten)
         return false;
-
-    QSqlQuery guid(m_connection);
-    guid.prepare(QStringLiteral("SELECT value FROM meta WHERE key = 'guid'"));
-    if (!execute(guid))
+    auto guid = query("SELECT value FROM meta WHERE key = 'guid'");
+    if (!guid)
         return false;
-    if (!guid.next() || guid.value(0).toString().isEmpty())
+    if (!guid->next() || guid->value(0).toString().isEmpty())
         return fail(QStringLiteral("it holds no GUID"));
-    m_guid = guid.value(0).toString();
+    m_guid = guid->value(0).toString();
     return true;
 }
 
 bool HostDatabase::createSchema()
 {
     return inTransaction([this] {
-        for (const char* statement : Schema)
-            if (!execute(QLatin1String(statement)))
-                return false;
-        QSqlQuery guid(m_connection);
-        guid.prepare(QStringLiteral("INSERT INTO meta (key, value) VALUES ('guid', ?)"));
-        guid.addBindValue(QUuid::createUuid().toString(QUuid::WithoutBraces));
-        return execute(guid) && execute(QStringLiteral("PRAGMA application_id = %1").arg(ApplicationId)) &&
-               execute(QStringLiteral("PRAGMA user_version = %1").arg(SchemaVersion));
+        return std::all_of(std::begin(Schema), std::end(Schema),
+                           [this](const char* statement) { return query(statement); }) &&
+               query("INSERT INTO meta (key, value) VALUES ('guid', ?)",
+                     {QUuid::createUuid().toString(QUuid::WithoutBraces)}) &&
+               query(QStringLiteral("PRAGMA application_id = %1").arg(ApplicationId)) &&
+               query(QStringLiteral("PRAGMA user_version = %1").arg(SchemaVersion));
     });
 }
 
@@ -197,38 +201,42 @@ bool HostDatabase::inTransaction(Change change)
 {
     m_errorText.clear();
     // IMMEDIATE, since a transaction that begins by reading can be refused the right to write half-way.
-    if (!execute(QStringLiteral("BEGIN IMMEDIATE")))
+    if (!query("BEGIN IMMEDIATE"))
         return false;
-    if (change() && execute(QStringLiteral("COMMIT")))
+    if (change() && query("COMMIT"))
         return true;
     QSqlQuery(m_connection).exec(QStringLiteral("ROLLBACK")); // its own failure would hide the one that led here
     return false;
 }
 
-bool HostDatabase::execute(const QString& statement)
+std::optional<QSqlQuery> HostDatabase::query(const QString& statement, const QVariantList& values)
 {
     QSqlQuery query(m_connection);
-    return query.exec(statement) || fail(query.lastError());
+    if (query.prepare(statement)) {
+        for (const QVariant& value : values)
+            query.addBindValue(value);
+        if (query.exec())
+            return query;
+    }
+    fail(meaningOf(query.lastError()));
+    return std::nullopt;
 }
 
-bool HostDatabase::execute(QSqlQuery& query)
+template <class Record>
+QVector<Record> HostDatabase::select(const QString& statement, const QVariantList& values,
+                                     Record (*recordOf)(const QSqlQuery&))
 {
-    return query.exec() || fail(query.lastError());
+    m_errorText.clear();
+    QVector<Record> records;
+    for (auto found = query(statement, values); found && found->next();)
+        records.append(recordOf(*found));
+    return records;
 }
 
 QVariant HostDatabase::pragma(const QString& name)
 {
-    QSqlQuery query(m_connection);
-    if (!query.exec(QStringLiteral("PRAGMA ") + name)) {
-        fail(query.lastError());
-        return {};
-    }
-    return query.next() ? query.value(0) : QVariant();
-}
-
-bool HostDatabase::fail(const QSqlError& error)
-{
-    return fail(meaningOf(error));
+    auto found = query("PRAGMA " + name);
+    return found && found->next() ? found->value(0) : QVariant();
 }
 
 bool HostDatabase::fail(const QString& sentence)
@@ -239,55 +247,33 @@ bool HostDatabase::fail(const QString& sentence)
 
 QString HostDatabase::revision()
 {
-    m_errorText.clear();
     // Both numbers belong to a connection: other connections' commits, and rows that this one has changed.
-    QSqlQuery query(m_connection);
-    query.prepare(QStringLiteral("SELECT data_version, total_changes() FROM pragma_data_version"));
-    if (!execute(query) || !query.next())
-        return {};
-    return QStringLiteral("%1 %2 %3")
-        .arg(m_openCount)
-        .arg(query.value(0).toLongLong())
-        .arg(query.value(1).toLongLong());
+    const auto numbers = select<QString>("SELECT data_version || ' ' || total_changes() FROM pragma_data_version", {},
+                                         [](const QSqlQuery& row) { return row.value(0).toString(); });
+    return numbers.isEmpty() ? QString() : QString("%1 %2").arg(m_openCount).arg(numbers.first());
 }
 
 QVector<PatientRecord> HostDatabase::patients()
 {
-    m_errorText.clear();
-    QSqlQuery query(m_connection);
-    query.prepare(SelectPatients + QStringLiteral("ORDER BY name1 COLLATE NOCASE, name2 COLLATE NOCASE, puid"));
-    QVector<PatientRecord> result;
-    if (!execute(query))
-        return result;
-    while (query.next())
-        result.append(patientOf(query));
-    return result;
+    return select(SelectPatients + "ORDER BY name1 COLLATE NOCASE, name2 COLLATE NOCASE, puid", {}, patientOf);
 }
 
 std::optional<PatientRecord> HostDatabase::findPatient(const QString& puid)
 {
-    m_errorText.clear();
-    QSqlQuery query(m_connection);
-    query.prepare(SelectPatients + QStringLiteral("WHERE puid = ?"));
-    query.addBindValue(puid);
-    if (!execute(query) || !query.next())
-        return std::nullopt;
-    return patientOf(query);
+    return firstOf(select(SelectPatients + "WHERE puid = ?", {puid}, patientOf));
 }
 
 bool HostDatabase::addPatient(const PatientRecord& patient)
 {
     if (findPatient(patient.puid))
         return fail(QStringLiteral("there is a patient '%1' already").arg(patient.puid));
-    return changeOnePatient(QStringLiteral("INSERT INTO patients (name1, name2, birthday, extension, puid)"
-                                           " VALUES (?, ?, ?, ?, ?)"),
+    return changeOnePatient("INSERT INTO patients (name1, name2, birthday, extension, puid) VALUES (?, ?, ?, ?, ?)",
                             patient);
 }
 
 bool HostDatabase::changePatient(const PatientRecord& patient)
 {
-    return changeOnePatient(QStringLiteral("UPDATE patients SET name1 = ?, name2 = ?, birthday = ?, extension = ?"
-                                           " WHERE puid = ?"),
+    return changeOnePatient("UPDATE patients SET name1 = ?, name2 = ?, birthday = ?, extension = ? WHERE puid = ?",
                             patient);
 }
 
@@ -296,28 +282,24 @@ bool HostDatabase::changeOnePatient(const QString& statement, const PatientRecor
     const QString wrong = whatIsWrongWith(patient);
     if (!wrong.isEmpty())
         return fail(wrong);
-    QSqlQuery query(m_connection);
-    query.prepare(statement);
+    QVariantList values;
     for (int i = 0; i < 4; ++i)
-        query.addBindValue(notNull(patient.ids.value(i)));
-    query.addBindValue(patient.puid);
-    return inTransaction([&] {
-        return execute(query) &&
-               (query.numRowsAffected() == 1 || fail(QStringLiteral("there is no patient '%1'").arg(patient.puid)));
-    });
+        values.append(notNull(patient.ids.value(i)));
+    values.append(patient.puid);
+    return inTransaction([&] { return changesOne(statement, values, patient.puid); });
+}
+
+bool HostDatabase::changesOne(const QString& statement, const QVariantList& values, const QString& puid)
+{
+    const auto changed = query(statement, values);
+    return changed && (changed->numRowsAffected() == 1 || fail(QStringLiteral("there is no patient '%1'").arg(puid)));
 }
 
 bool HostDatabase::removePatient(const QString& puid)
 {
-    QSqlQuery imports(m_connection);
-    imports.prepare(QStringLiteral("DELETE FROM imports WHERE puid = ?"));
-    imports.addBindValue(puid);
-    QSqlQuery patient(m_connection);
-    patient.prepare(QStringLiteral("DELETE FROM patients WHERE puid = ?"));
-    patient.addBindValue(puid);
     return inTransaction([&] {
-        return execute(imports) && execute(patient) &&
-               (patient.numRowsAffected() == 1 || fail(QStringLiteral("there is no patient '%1'").arg(puid)));
+        return query("DELETE FROM imports WHERE puid = ?", {puid}) &&
+               changesOne("DELETE FROM patients WHERE puid = ?", {puid}, puid);
     });
 }
 
@@ -344,64 +326,34 @@ QString HostDatabase::newPuid()
 
 QVector<ImportFacts> HostDatabase::imports(const QString& puid)
 {
-    m_errorText.clear();
-    QSqlQuery query(m_connection);
-    query.prepare(SelectImports + QStringLiteral("WHERE puid = ? ORDER BY id DESC"));
-    query.addBindValue(puid);
-    QVector<ImportFacts> result;
-    if (!execute(query))
-        return result;
-    while (query.next())
-        result.append(factsOf(query));
-    return result;
+    return select(SelectImports + "WHERE puid = ? ORDER BY id DESC", {puid}, factsOf);
 }
 
 std::optional<ImportFacts> HostDatabase::findImport(const QString& puid, const QString& mac)
 {
-    m_errorText.clear();
-    QSqlQuery query(m_connection);
-    query.prepare(SelectImports + QStringLiteral("WHERE puid = ? AND mac = ?"));
-    query.addBindValue(puid);
-    query.addBindValue(mac);
-    if (!execute(query) || !query.next())
-        return std::nullopt;
-    return factsOf(query);
+    return firstOf(select(SelectImports + "WHERE puid = ? AND mac = ?", {puid, mac}, factsOf));
 }
 
 bool HostDatabase::addImport(ImportFacts& facts, const QByteArray& bytes)
 {
     qint64 id = 0;
-    const bool stored = inTransaction([&] {
-        QSqlQuery import(m_connection);
-        import.prepare(QStringLiteral("INSERT INTO imports (puid, imported_at, file_name, file_size, mac, device_state)"
-                                      " VALUES (?, ?, ?, ?, ?, ?)"));
-        import.addBindValue(facts.puid);
-        import.addBindValue(facts.importedAt.toUTC().toString(Qt::ISODateWithMs));
-        import.addBindValue(notNull(facts.fileName));
-        import.addBindValue(facts.fileSize);
-        import.addBindValue(facts.mac);
-        import.addBindValue(notNull(facts.deviceState));
-        if (!execute(import))
+    const bool isStored = inTransaction([&] {
+        const auto import = query("INSERT INTO imports (puid, imported_at, file_name, file_size, mac, device_state)"
+                                  " VALUES (?, ?, ?, ?, ?, ?)",
+                                  {facts.puid, facts.importedAt.toUTC().toString(Qt::ISODateWithMs),
+                                   notNull(facts.fileName), facts.fileSize, facts.mac, notNull(facts.deviceState)});
+        if (!import)
             return false;
-        id = import.lastInsertId().toLongLong();
-        QSqlQuery file(m_connection);
-        file.prepare(QStringLiteral("INSERT INTO import_files (import_id, bytes) VALUES (?, ?)"));
-        file.addBindValue(id);
-        file.addBindValue(bytes);
-        return execute(file);
+        id = import->lastInsertId().toLongLong();
+        return query("INSERT INTO import_files (import_id, bytes) VALUES (?, ?)", {id, bytes}).has_value();
     });
-    if (stored)
+    if (isStored)
         facts.id = id;
-    return stored;
+    return isStored;
 }
 
 std::optional<QByteArray> HostDatabase::importedFile(qint64 id)
 {
-    m_errorText.clear();
-    QSqlQuery query(m_connection);
-    query.prepare(QStringLiteral("SELECT bytes FROM import_files WHERE import_id = ?"));
-    query.addBindValue(id);
-    if (!execute(query) || !query.next())
-        return std::nullopt;
-    return query.value(0).toByteArray();
+    return firstOf(select<QByteArray>("SELECT bytes FROM import_files WHERE import_id = ?", {id},
+                                      [](const QSqlQuery& row) { return row.value(0).toByteArray(); }));
 }

@@ -7,13 +7,12 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
+#include <QVariant>
 #include <QVector>
 
 #include <optional>
-
-class QSqlError;
-class QSqlQuery;
 
 /// What the database holds of one import beside the file's bytes.
 struct ImportFacts
@@ -82,12 +81,14 @@ public:
 private:
     bool checkAndPrepare();
     bool createSchema();
-    bool execute(const QString& statement);
-    bool execute(QSqlQuery& query);
+    /// Runs one statement, with a value for each "?" in it. Returns nothing and sets errorText() if that fails.
+    std::optional<QSqlQuery> query(const QString& statement, const QVariantList& values = {});
+    template <class Record>
+    QVector<Record> select(const QString& statement, const QVariantList& values, Record (*recordOf)(const QSqlQuery&));
     QVariant pragma(const QString& name);
-    bool fail(const QSqlError& error);
     bool fail(const QString& sentence);
     bool changeOnePatient(const QString& statement, const PatientRecord& patient);
+    bool changesOne(const QString& statement, const QVariantList& values, const QString& puid);
 
     template <class Change>
     bool inTransaction(Change change);

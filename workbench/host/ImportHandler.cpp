@@ -3,14 +3,15 @@
 #include "workbench/host/ImportHandler.h"
 
 #include "host/IImportDataCmd.h"
+#include "host/SharedKey.h"
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"
-#include "workbench/host/ImportMac.h"
 #include "workbench/host/PatientEvents.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QMessageAuthenticationCode>
 
 #include <memory>
 
@@ -35,6 +36,14 @@ QString channelOf(ImportOutcome::Kind kind)
         break;
     }
     return QStringLiteral("Error");
+}
+
+/// Returns the MAC that the import of a file with these bytes must have, as lower-case hexadecimal text.
+QString macOf(const QByteArray& bytes, const QString& databaseGuid)
+{
+    const auto* shared = reinterpret_cast<const char*>(SharedKey.data());
+    const QByteArray key = QByteArray(shared, static_cast<int>(SharedKey.size())).toHex() + databaseGuid.toUtf8();
+    return QString::fromLatin1(QMessageAuthenticationCode::hash(bytes, key, QCryptographicHash::Sha256).toHex());
 }
 
 } // namespace
@@ -88,11 +97,11 @@ ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
     if (bytes.size() > MaxFileSize)
         return refused(tr("Import refused: the file '%1' is larger than 256 MiB.").arg(path));
 
-    const QByteArray mac = importMac(bytes, m_database.guid());
-    if (!equalInConstantTime(mac, command.fileMac().toUtf8()))
+    const QString mac = macOf(bytes, m_database.guid());
+    if (mac != command.fileMac())
         return refused(tr("Import of '%1' refused: its MAC doesn't match the file.").arg(name));
 
-    const auto earlier = m_database.findImport(patient->puid, QString::fromLatin1(mac));
+    const auto earlier = m_database.findImport(patient->puid, mac);
     if (earlier) {
         return {ImportOutcome::Repeated,
                 tr("'%1' holds what was imported on %2 as '%3' already for the patient '%4'; nothing was stored again.")
@@ -104,7 +113,7 @@ ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
     facts.importedAt = QDateTime::currentDateTimeUtc();
     facts.fileName = name;
     facts.fileSize = bytes.size();
-    facts.mac = QString::fromLatin1(mac);
+    facts.mac = mac;
     facts.deviceState = deviceState();
     // An error of the look-up for an earlier import shows here too, since the same database is written to.
     if (!m_database.addImport(facts, bytes))
