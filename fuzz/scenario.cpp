@@ -50,8 +50,6 @@ void checkPump(const Pump& pump)
     require(pump.serialNumber.size() >= 3 && !pump.serialNumber.contains(QLatin1Char('"')), "a serial number fits");
     require(!pump.address.isEmpty() && !pump.address.contains(QLatin1Char(' ')), "an address fits");
     require(pump.patientId.isEmpty() || isPatientId(pump.patientId), "a patient's id fits");
-    require(pump.radioVersion >= 1 && pump.radioVersion <= 99, "a radio version fits");
-    require(pump.tableUsed >= 0 && pump.tableUsed <= pump.tableSlots && pump.tableSlots <= 1000, "a table fits");
     require(pump.userTakesMs >= 0 && pump.linkHoldsMs >= 0, "no time is negative");
     require(std::none_of(pump.errors.cbegin(), pump.errors.cend(), [](int code) { return code < 1; }),
             "an error code is 1 or above");
@@ -60,7 +58,6 @@ void checkPump(const Pump& pump)
 
 void checkScenario(const Scenario& scenario)
 {
-    require(scenario.jitterPercent >= 0 && scenario.jitterPercent <= 90, "a duration can't fall to nothing");
     const ReaderTimes& times = scenario.times;
     for (const int time : {times.pickup, times.isPaired, times.search, times.connect, times.read, times.pair,
                            times.confirm, times.reassign, times.remove, times.abort, times.userLimit, times.progress})

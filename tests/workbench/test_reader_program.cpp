@@ -103,23 +103,22 @@ private Q_SLOTS:
     void commandIsStrictToTheByte()
     {
         const std::pair<QByteArray, const char*> files[] = {
-            {"QD17-D RemoteControl File\nCommand=ABORT ", "line 1, column 6: 'C' expected, found 'D'"},
-            {"\xef\xbb\xbf" + Head + "ABORT ", "line 1, column 1: 'Q' expected, found the byte 0xef"},
-            {Head + "btread \"MV-1\"", "line 2, column 9: unknown command \"btread\""},
-            {Head + "ABORT", "line 2, column 14: a blank expected, but the file ends"},
-            {Head + "ABORT \n", "line 2, column 15: the file should end here, found a line feed"},
-            {Head + "BTISPAIRED p1\r", "line 2, column 22: a carriage return inside a value"},
-            {Head + "BTISPAIRED  p1", "line 2, column 20: a blank at an end of the patient id"},
-            {Head + "BTISPAIRED p\xe4", "line 2, column 20: a value that isn't UTF-8"},
-            {Head + "BTREAD \"MV-1", "line 2, column 21: '\"' expected, but the file ends"},
-            {Head + "BTDELETEADDR \"MV-1\"", "line 2, column 22: a blank expected, found '\"'"},
-            {Head + "BTPAIRCONFIRM true", "line 2, column 23: 0 or 1 expected, found \"true\""},
-            {Head + "BTPAIR  \"MV-1\" p1", "line 2, column 16: an address expected"},
+            {"QD17-D RemoteControl File\nCommand=ABORT ", "it doesn't begin with"},
+            {"\xef\xbb\xbf" + Head + "ABORT ", "it isn't UTF-8, or begins with a byte order mark"},
+            {Head + "btread \"MV-1\"", "unknown command \"btread\""},
+            {Head + "ABORT", "\"ABORT\" isn't of the form \"ABORT \""},
+            {Head + "ABORT \n", "a control character or a line end inside the command"},
+            {Head + "BTISPAIRED p1\r", "a control character"},
+            {Head + "BTISPAIRED  p1", "\"BTISPAIRED  p1\" isn't of the form \"BTISPAIRED PATIENT\""},
+            {Head + "BTISPAIRED p\xe4", "it isn't UTF-8"},
+            {Head + "BTREAD \"MV-1", "\"BTREAD \"MV-1\" isn't of the form \"BTREAD \"SERIAL\"\""},
+            {Head + "BTDELETEADDR \"MV-1\"", "isn't of the form \"BTDELETEADDR  \"SERIAL\"\""},
+            {Head + "BTPAIRCONFIRM true", "isn't of the form \"BTPAIRCONFIRM 0|1\""},
+            {Head + "BTPAIR  \"MV-1\" p1", "isn't of the form \"BTPAIR ADDRESS \"SERIAL\" PATIENT\""},
         };
         for (const auto& [bytes, expected] : files) {
-            QString fault = "none";
-            parseCommandFile(bytes, &fault);
-            QCOMPARE(fault, QString(expected));
+            QString fault;
+            QVERIFY2(!parseCommandFile(bytes, &fault) && fault.contains(expected), qPrintable(fault));
         }
     }
 
@@ -131,7 +130,7 @@ private Q_SLOTS:
             {R"({"exchange": {"lastDay": "2026-02-30"}})", "exchange.lastDay: must be a date such as 2026-03-01"},
             {R"({"pumps": [{"serialNumber": "12", "address": "A"}]})", "pumps[0].serialNumber: must have three"},
             {Lone + R"(, "user": {"does": "sleeps"}}]})", "pumps[0].user.does: must be \"confirms\""},
-            {Lone + R"(, "pairingTable": {"slots": 2, "used": 3}}]})", "pumps[0].pairingTable.used: must be a whole"},
+            {Lone + R"(, "errors": {"BTREAD": 0}}]})", "pumps[0].errors.BTREAD: must be a whole number from 1 to"},
             {Lone + R"(}, {"serialNumber": "MV-1", "address": "B"}]})", "pumps[1].serialNumber: \"MV-1\" is that of"},
             {R"({"faults": ["no-start", "no-stop"]})", "faults[1]: fault \"no-stop\": unknown"},
             {R"({"faults": ["fail"]})", "faults[0]: fault \"fail\": needs a value"},
@@ -183,11 +182,9 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
         const QString worlds = R"("user": { "does": "declines" } = 0 21 31 24 0; "inRange": false = 31 20 31 24 0
 "user": { "does": "does nothing", "afterMs": 0 } = 0 22 31 24 0; "errors": { "BTPAIRCONFIRM": 777 } = 0 777 31 24 0
 "user": { "does": "walks away" } = 0 32 31 24 0; "user": { "does": "confirms", "afterMs": 30001 } = 0 22 31 24 0
-"user": { "does": "confirms", "afterMs": 30000 }, "pairingTable": { "slots": 2, "used": 1 } = 0 0p2 0p2 0p3 0
-"pairingTable": { "used": 5 } = 23 20 31 24 0; "patientId": "p", "pairedElsewhere": true = 124p 20p 140p 0p3 0
-"linkHoldsMs": 1999 = 32 20 31 24 0; "linkHoldsMs": 2000 = 0 0p2 32p2 0p3 0; "pairedElsewhere": true = 140 20 31 24 0
-"radioVersion": 1 = 110 20 31 24 0; "linkHoldsMs": 2000, "user": { "does": "declines", "afterMs": 2001 } = 0 32 31 24 0
-"patientId": "p", "inRange": false = 124p 20p 31p 0p3 0; "patientId": "p", "displayOn": true = 124p 20p 31p 0p3 0)";
+"user": { "does": "confirms", "afterMs": 30000 } = 0 0p2 0p2 0p3 0; "linkHoldsMs": 1999 = 32 20 31 24 0
+"linkHoldsMs": 2000 = 0 0p2 32p2 0p3 0; "linkHoldsMs": 2000, "user": { "does": "declines", "afterMs": 2001 } = 0 32 31 24 0
+"patientId": "p", "inRange": false = 124p 20p 31p 0p3 0)";
         for (const auto& [pump, expected] : pairsOf(worlds)) {
             QStringList seen, errors;
             const QTemporaryDir folder;

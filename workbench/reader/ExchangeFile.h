@@ -9,33 +9,30 @@
 #include <QString>
 #include <QXmlStreamWriter>
 
-/// Writes a pump's history day by day, as the read-out brings it in. The bytes follow from pump, settings and seed
-/// alone, however the days are spread over time.
+/// Writes a pump's history day by day, as the read-out brings it in. The bytes depend on pump, settings and seed only,
+/// however the days are spread over time.
 class ExchangeFile final
 {
     Q_DISABLE_COPY_MOVE(ExchangeFile)
 
 public:
     ExchangeFile(const QString& path, const Pump& pump, const Scenario& scenario);
-    /// Removes the file, unless it has got another name by then.
+    /// Removes the file, unless it was renamed.
     ~ExchangeFile();
 
     bool open();
-    /// Writes on up to that part of the days, from 0 to 1.
+    /// Writes up to that part of the days, from 0 to 1.
     void writeUpTo(double part);
-    /// Writes what is left, and the end. False if any of it didn't reach the file.
+    /// Writes what is left. Returns false if any of the content didn't reach the file.
     bool finish();
 
     QString path() const { return m_file.fileName(); }
     QString errorString() const { return m_file.errorString(); }
 
 private:
-    void writeHead();
-    void writeDay(const QDate& date);
-    double dose(double least, double most);
+    void writeDose(const char* element, int hour);
 
     const Pump m_pump;
-    const QString m_firmware;
     const ExchangeSettings m_settings;
     QRandomGenerator m_random;
     QFile m_file;

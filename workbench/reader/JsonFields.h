@@ -11,32 +11,35 @@
 
 #include <functional>
 
-/// Takes the fields of a JSON object one by one and keeps the list of what was wrong with them. A field that is absent
-/// leaves its target as it is, unless it is required.
-class JsonFields
+/// Reads the fields of a JSON object one by one and collects an error, with the field's path, for each that is wrong. A
+/// field that is absent leaves its target unchanged, unless it is required.
+class JsonFields final
 {
 public:
-    /// @p path is the object's own place, empty for the document's root; @p errors outlives this object.
-    JsonFields(const QJsonValue& value, const QString& path, QStringList* errors);
+    using Read = std::function<void(JsonFields&)>;
+
+    /// Reads the fields of the document in @p bytes by @p read, which takes all known ones; others are errors, as is
+    /// text that isn't JSON.
+    static void parse(const QByteArray& bytes, QStringList* errors, const Read& read);
 
     bool has(const QString& name) const { return m_object.contains(name); }
+    QStringList names() const { return m_object.keys(); }
     void require(const QString& name);
 
     void text(const QString& name, QString* target);
     void number(const QString& name, int minimum, int maximum, int* target);
     void flag(const QString& name, bool* target);
-    /// Calls @p each with every element and its path.
+    void object(const QString& name, const Read& read);
+    void objects(const QString& name, const Read& read);
+    /// Calls @p each with every element of a list and its path.
     void array(const QString& name, const std::function<void(const QJsonValue&, const QString&)>& each);
-    /// The field's value and path, to go deeper; undefined if it is absent.
-    QJsonValue take(const QString& name, QString* path);
+    QJsonValue take(const QString& name);
 
     void fail(const QString& name, const QString& what);
-    /// Complains of the fields that nobody took. Called last.
-    void refuseOthers();
-
-    QStringList names() const { return m_object.keys(); }
 
 private:
+    JsonFields(const QJsonValue& value, const QString& path, QStringList* errors);
+    static void read(const QJsonValue& value, const QString& path, QStringList* errors, const Read& read);
     QString pathOf(const QString& name) const;
 
     const QString m_path;
@@ -44,6 +47,3 @@ private:
     QStringList* m_errors;
     QSet<QString> m_taken;
 };
-
-/// The document's root in @p bytes; null with an error that names the line and column if it isn't JSON.
-QJsonValue parseJson(const QByteArray& bytes, QStringList* errors);

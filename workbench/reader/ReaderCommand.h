@@ -29,8 +29,8 @@ struct ReaderCommand
     bool accepted = false;
 };
 
-/// Reads the bytes of a command file. The form is strict to the byte, the blanks included; whatever differs gives
-/// nothing, and @p fault says what was wrong and where ("line 2, column 17: ..."; columns count bytes from 1).
+/// Parses the bytes of a command file. The form is strict to the byte, the blanks included; returns nothing for any
+/// other and sets @p fault to what is wrong.
 std::optional<ReaderCommand> parseCommandFile(const QByteArray& bytes, QString* fault);
 
 /// True if @p word is the word of a command that the reader knows, in capitals as the command file has it.

@@ -10,23 +10,15 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace {
 
-Pump keptPumpFrom(const QJsonValue& value, const QString& path, QStringList* errors)
-{
-    Pump pump;
-    pump.inRange = false;
-    JsonFields fields(value, path, errors);
-    fields.require(QStringLiteral("serialNumber"));
-    fields.text(QStringLiteral("serialNumber"), &pump.serialNumber);
-    fields.text(QStringLiteral("name"), &pump.name);
-    fields.text(QStringLiteral("model"), &pump.model);
-    fields.text(QStringLiteral("address"), &pump.address);
-    fields.text(QStringLiteral("patientId"), &pump.patientId);
-    fields.refuseOthers();
-    return pump;
-}
+const std::pair<const char*, QString Pump::*> TextFields[] = {{"serialNumber", &Pump::serialNumber},
+                                                              {"name", &Pump::name},
+                                                              {"model", &Pump::model},
+                                                              {"address", &Pump::address},
+                                                              {"patientId", &Pump::patientId}};
 
 void merge(const Pump& kept, QVector<Pump>* pumps)
 {
@@ -55,40 +47,39 @@ bool loadMemory(const QString& fileName, const QVector<Pump>& scenarioPumps, Rea
         return true;
     QStringList errors;
     if (!file.open(QIODevice::ReadOnly)) {
-        errors.append(file.errorString());
-    } else {
-        const QJsonValue root = parseJson(file.readAll(), &errors);
-        if (errors.isEmpty()) {
-            JsonFields fields(root, {}, &errors);
-            fields.number(QStringLiteral("starts"), 0, std::numeric_limits<int>::max() - 1, &memory->starts);
-            fields.number(QStringLiteral("readouts"), 0, std::numeric_limits<int>::max() - 1, &memory->readouts);
-            fields.array(QStringLiteral("pumps"), [&](const QJsonValue& value, const QString& path) {
-                merge(keptPumpFrom(value, path, &errors), &memory->pumps);
-            });
-            fields.refuseOthers();
-        }
+        *error = fileName + ": " + file.errorString();
+        return false;
     }
-    if (errors.isEmpty())
-        return true;
-    *error = QStringLiteral("%1: %2").arg(fileName, errors.first());
-    return false;
+    JsonFields::parse(file.readAll(), &errors, [memory](JsonFields& fields) {
+        fields.number("starts", 0, std::numeric_limits<int>::max() - 1, &memory->starts);
+        fields.number("readouts", 0, std::numeric_limits<int>::max() - 1, &memory->readouts);
+        fields.objects("pumps", [memory](JsonFields& kept) {
+            Pump pump;
+            pump.inRange = false;
+            kept.require("serialNumber");
+            for (const auto& [name, member] : TextFields)
+                kept.text(name, &(pump.*member));
+            merge(pump, &memory->pumps);
+        });
+    });
+    if (!errors.isEmpty())
+        *error = fileName + ": " + errors.first();
+    return errors.isEmpty();
 }
 
 bool saveMemory(const QString& fileName, const ReaderMemory& memory, QString* error)
 {
     QJsonArray pumps;
-    for (const Pump& pump : memory.pumps)
-        pumps.append(QJsonObject{{QStringLiteral("serialNumber"), pump.serialNumber},
-                                 {QStringLiteral("name"), pump.name},
-                                 {QStringLiteral("model"), pump.model},
-                                 {QStringLiteral("address"), pump.address},
-                                 {QStringLiteral("patientId"), pump.patientId}});
-    const QJsonObject root{{QStringLiteral("starts"), memory.starts},
-                           {QStringLiteral("readouts"), memory.readouts},
-                           {QStringLiteral("pumps"), pumps}};
+    for (const Pump& pump : memory.pumps) {
+        QJsonObject object;
+        for (const auto& [name, member] : TextFields)
+            object.insert(name, pump.*member);
+        pumps.append(object);
+    }
+    const QJsonObject root{{"starts", memory.starts}, {"readouts", memory.readouts}, {"pumps", pumps}};
     QSaveFile file(fileName);
     if (file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(root).toJson()) >= 0 && file.commit())
         return true;
-    *error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
+    *error = fileName + ": " + file.errorString();
     return false;
 }

@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRandomGenerator>
 
 #include <algorithm>
 #include <limits>
@@ -49,16 +50,6 @@ void removeFiles(ReaderDrive& drive, const QString& filter)
         drive.removeFile(name);
 }
 
-/// Why no link to @p pump comes about; 0 if it does.
-int errorOfLink(const Pump& pump)
-{
-    if (!pump.inRange)
-        return ReaderError::PumpNotFound;
-    if (pump.radioVersion != Pump().radioVersion)
-        return ReaderError::VersionUnfit;
-    return pump.pairedElsewhere ? ReaderError::PairedElsewhere : 0;
-}
-
 } // namespace
 
 ReaderSimulator::ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, bool instant, QObject* parent)
@@ -67,7 +58,6 @@ ReaderSimulator::ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, b
     , m_scenario(scenario)
     , m_instant(instant)
     , m_faults(scenario.faults)
-    , m_random(scenario.seed)
 {
     m_step.setSingleShot(true);
     m_step.setTimerType(Qt::PreciseTimer);
@@ -372,10 +362,8 @@ ReaderSimulator::Plan ReaderSimulator::planPair(const ReaderCommand& command)
     // The reader's own memory says so, however far the pump is.
     if (!pump->patientId.isEmpty())
         return fails(ReaderError::AlreadyPaired);
-    if (const int error = errorOfLink(*pump))
-        return fails(error);
-    if (pump->tableUsed >= pump->tableSlots)
-        return fails(ReaderError::TableFull);
+    if (!pump->inRange)
+        return fails(ReaderError::PumpNotFound);
     return overLink(*pump, {m_scenario.times.pair, 0, [this, command, code = pump->confirmationCode] {
                                 m_toConfirm = command;
                                 return code;
@@ -407,10 +395,8 @@ ReaderSimulator::Plan ReaderSimulator::planConfirm(bool accepted)
 ReaderSimulator::Plan ReaderSimulator::planRead(const ReaderCommand& command)
 {
     const Pump* pump = find(command.serialNumber);
-    if (!pump || pump->patientId.isEmpty() || pump->displayOn)
+    if (!pump || pump->patientId.isEmpty() || !pump->inRange)
         return {m_scenario.times.connect, ReaderError::PumpNotFound, {}};
-    if (const int error = errorOfLink(*pump))
-        return {m_scenario.times.connect, error, {}};
 
     const QString beside = m_drive.filePath(exchangeName(*pump, m_memory.readouts + 1)) + Unfinished;
     m_exchange = std::make_unique<ExchangeFile>(beside, *pump, m_scenario);
@@ -601,13 +587,9 @@ void ReaderSimulator::setStatus(const QString& word, const QString& result, int 
     Q_EMIT logged(QStringLiteral("%1 %2, result \"%3\", error %4").arg(m_active, shown, result).arg(error));
 }
 
-int ReaderSimulator::duration(int milliseconds)
+int ReaderSimulator::duration(int milliseconds) const
 {
-    if (m_instant)
-        return m_behaviour.extraMs;
-    const int percent =
-        m_scenario.jitterPercent > 0 ? m_random.bounded(-m_scenario.jitterPercent, m_scenario.jitterPercent + 1) : 0;
-    const qint64 slowed = qint64(milliseconds) + milliseconds * percent / 100 + m_behaviour.extraMs;
+    const qint64 slowed = qint64(m_instant ? 0 : milliseconds) + m_behaviour.extraMs;
     return int(std::min<qint64>(slowed, std::numeric_limits<int>::max()));
 }
 

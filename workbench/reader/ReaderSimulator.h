@@ -8,7 +8,6 @@
 
 #include <QElapsedTimer>
 #include <QObject>
-#include <QRandomGenerator>
 #include <QSet>
 #include <QTimer>
 
@@ -23,14 +22,11 @@ namespace ReaderError {
 inline constexpr int NothingToConfirm = 20;
 inline constexpr int UserSaidNo = 21;
 inline constexpr int UserSilent = 22;
-inline constexpr int TableFull = 23;
 inline constexpr int NotPaired = 24;
 inline constexpr int NoPatient = 25;
 inline constexpr int PumpNotFound = 31;
 inline constexpr int LinkLost = 32;
-inline constexpr int VersionUnfit = 110;
 inline constexpr int AlreadyPaired = 124;
-inline constexpr int PairedElsewhere = 140;
 } // namespace ReaderError
 
 /// Plays the device reader on a drive. One command is at work at a time: a new one takes the place of an unfinished
@@ -103,7 +99,7 @@ private:
     void showFirstStatus(const QString& leftRunning);
     void showNoCommand();
     void setStatus(const QString& word, const QString& result, int error);
-    int duration(int milliseconds);
+    int duration(int milliseconds) const;
     void fail(const QString& error);
 
     ReaderDrive& m_drive;
@@ -112,7 +108,6 @@ private:
     FaultSet m_faults;
     ReaderMemory m_memory;
     QHash<QString, QString> m_pairedBeforehand;
-    QRandomGenerator m_random;
     QSet<QString> m_seen;
     int m_statusCount = 0;
     bool m_hasFailed = false;

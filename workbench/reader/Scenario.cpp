@@ -6,14 +6,24 @@
 
 #include <QFile>
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 
 namespace {
 
 const int LongestMs = 3600 * 1000;
 /// The commands that speak to one pump, and so can fail because of it.
-const QStringList PumpCommands = {QStringLiteral("BTPAIR"), QStringLiteral("BTPAIRCONFIRM"), QStringLiteral("BTREAD"),
-                                  QStringLiteral("BTDELETEADDR"), QStringLiteral("BTPUMPREASSIGN")};
+const QStringList PumpCommands = {"BTPAIR", "BTPAIRCONFIRM", "BTREAD", "BTDELETEADDR", "BTPUMPREASSIGN"};
+
+const struct
+{
+    const char* does;
+    PumpUser user;
+} Users[] = {{"confirms", PumpUser::Confirms},
+             {"declines", PumpUser::Declines},
+             {"walks away", PumpUser::WalksAway},
+             {"does nothing", PumpUser::DoesNothing}};
 
 const struct
 {
@@ -26,109 +36,59 @@ const struct
     {"abort", &ReaderTimes::abort},     {"userLimit", &ReaderTimes::userLimit}, {"progress", &ReaderTimes::progress},
 };
 
-ReaderTimes timesFrom(const QJsonValue& value, const QString& path, QStringList* errors)
+void readExchange(JsonFields& fields, ExchangeSettings* settings)
 {
-    ReaderTimes times;
-    JsonFields fields(value, path, errors);
-    for (const auto& entry : TimeFields)
-        fields.number(QLatin1String(entry.name), 0, LongestMs, &(times.*entry.field));
-    fields.refuseOthers();
-    return times;
-}
-
-ExchangeSettings exchangeFrom(const QJsonValue& value, const QString& path, QStringList* errors)
-{
-    ExchangeSettings settings;
-    JsonFields fields(value, path, errors);
-    fields.number(QStringLiteral("days"), 1, 20000, &settings.days);
-    fields.number(QStringLiteral("bolusesPerDay"), 0, 100, &settings.bolusesPerDay);
-    fields.number(QStringLiteral("eventsPerDay"), 0, 100, &settings.eventsPerDay);
+    fields.number("days", 1, 20000, &settings->days);
     QString lastDay;
-    fields.text(QStringLiteral("lastDay"), &lastDay);
-    if (!lastDay.isNull()) {
-        settings.lastDay = QDate::fromString(lastDay, Qt::ISODate);
-        if (!settings.lastDay.isValid())
-            fields.fail(QStringLiteral("lastDay"), QStringLiteral("must be a date such as 2026-03-01"));
-    }
-    fields.refuseOthers();
-    return settings;
+    fields.text("lastDay", &lastDay);
+    if (lastDay.isNull())
+        return;
+    settings->lastDay = QDate::fromString(lastDay, Qt::ISODate);
+    if (!settings->lastDay.isValid())
+        fields.fail("lastDay", "must be a date such as 2026-03-01");
 }
 
-void userFrom(const QJsonValue& value, const QString& path, QStringList* errors, Pump* pump)
+void readUser(JsonFields& fields, Pump* pump)
 {
-    JsonFields fields(value, path, errors);
-    fields.require(QStringLiteral("does"));
+    fields.require("does");
     QString does;
-    fields.text(QStringLiteral("does"), &does);
-    if (does == QLatin1String("confirms"))
-        pump->user = PumpUser::Confirms;
-    else if (does == QLatin1String("declines"))
-        pump->user = PumpUser::Declines;
-    else if (does == QLatin1String("walks away"))
-        pump->user = PumpUser::WalksAway;
-    else if (does == QLatin1String("does nothing"))
-        pump->user = PumpUser::DoesNothing;
+    fields.text("does", &does);
+    const auto found = std::find_if(std::begin(Users), std::end(Users),
+                                    [&does](const auto& entry) { return does == QLatin1String(entry.does); });
+    if (found != std::end(Users))
+        pump->user = found->user;
     else if (!does.isNull())
-        fields.fail(QStringLiteral("does"),
-                    QStringLiteral("must be \"confirms\", \"declines\", \"walks away\" or \"does nothing\""));
-    fields.number(QStringLiteral("afterMs"), 0, LongestMs, &pump->userTakesMs);
-    fields.refuseOthers();
+        fields.fail("does", "must be \"confirms\", \"declines\", \"walks away\" or \"does nothing\"");
+    fields.number("afterMs", 0, LongestMs, &pump->userTakesMs);
 }
 
-void pairingTableFrom(const QJsonValue& value, const QString& path, QStringList* errors, Pump* pump)
+void readPump(JsonFields& fields, Pump* pump)
 {
-    JsonFields fields(value, path, errors);
-    fields.number(QStringLiteral("slots"), 1, 1000, &pump->tableSlots);
-    fields.number(QStringLiteral("used"), 0, pump->tableSlots, &pump->tableUsed);
-    fields.refuseOthers();
-}
-
-Pump pumpFrom(const QJsonValue& value, const QString& path, QStringList* errors)
-{
-    Pump pump;
-    JsonFields fields(value, path, errors);
-    fields.require(QStringLiteral("serialNumber"));
-    fields.require(QStringLiteral("address"));
-    fields.text(QStringLiteral("serialNumber"), &pump.serialNumber);
-    fields.text(QStringLiteral("name"), &pump.name);
-    fields.text(QStringLiteral("model"), &pump.model);
-    fields.text(QStringLiteral("address"), &pump.address);
-    fields.text(QStringLiteral("confirmationCode"), &pump.confirmationCode);
-    fields.text(QStringLiteral("patientId"), &pump.patientId);
-    fields.flag(QStringLiteral("inRange"), &pump.inRange);
-    fields.flag(QStringLiteral("displayOn"), &pump.displayOn);
-    fields.number(QStringLiteral("radioVersion"), 1, 99, &pump.radioVersion);
-    fields.flag(QStringLiteral("pairedElsewhere"), &pump.pairedElsewhere);
-    fields.number(QStringLiteral("linkHoldsMs"), 0, LongestMs, &pump.linkHoldsMs);
+    fields.require("serialNumber");
+    fields.require("address");
+    fields.text("serialNumber", &pump->serialNumber);
+    fields.text("name", &pump->name);
+    fields.text("model", &pump->model);
+    fields.text("address", &pump->address);
+    fields.text("confirmationCode", &pump->confirmationCode);
+    fields.text("patientId", &pump->patientId);
+    fields.flag("inRange", &pump->inRange);
+    fields.number("linkHoldsMs", 0, LongestMs, &pump->linkHoldsMs);
+    fields.object("user", [pump](JsonFields& user) { readUser(user, pump); });
+    fields.object("errors", [pump](JsonFields& codes) {
+        for (const QString& word : codes.names()) {
+            if (PumpCommands.contains(word))
+                codes.number(word, 1, std::numeric_limits<int>::max(), &pump->errors[word]);
+        }
+    });
 
     // A result of fewer than three characters says that there is no pump, so no serial number can be as short.
-    if (!pump.serialNumber.isNull() && (pump.serialNumber.size() < 3 || pump.serialNumber.contains(QLatin1Char('"'))))
-        fields.fail(QStringLiteral("serialNumber"), QStringLiteral("must have three characters or more, and no quote"));
-    if (!pump.address.isNull() && (pump.address.isEmpty() || pump.address.contains(QLatin1Char(' '))))
-        fields.fail(QStringLiteral("address"), QStringLiteral("must not be empty or hold a blank"));
-    if (!pump.patientId.isEmpty() && !isPatientId(pump.patientId))
-        fields.fail(QStringLiteral("patientId"), QStringLiteral("must not be \"0\" or begin or end with a blank"));
-
-    QString deeper;
-    const QJsonValue user = fields.take(QStringLiteral("user"), &deeper);
-    if (!user.isUndefined())
-        userFrom(user, deeper, errors, &pump);
-    const QJsonValue table = fields.take(QStringLiteral("pairingTable"), &deeper);
-    if (!table.isUndefined())
-        pairingTableFrom(table, deeper, errors, &pump);
-
-    const QJsonValue codes = fields.take(QStringLiteral("errors"), &deeper);
-    if (!codes.isUndefined()) {
-        JsonFields byCommand(codes, deeper, errors);
-        const QStringList words = byCommand.names();
-        for (const QString& word : words) {
-            if (PumpCommands.contains(word))
-                byCommand.number(word, 1, std::numeric_limits<int>::max(), &pump.errors[word]);
-        }
-        byCommand.refuseOthers();
-    }
-    fields.refuseOthers();
-    return pump;
+    if (!pump->serialNumber.isNull() && (pump->serialNumber.size() < 3 || pump->serialNumber.contains('"')))
+        fields.fail("serialNumber", "must have three characters or more, and no quote");
+    if (!pump->address.isNull() && (pump->address.isEmpty() || pump->address.contains(' ')))
+        fields.fail("address", "must not be empty or hold a blank");
+    if (!pump->patientId.isEmpty() && !isPatientId(pump->patientId))
+        fields.fail("patientId", "must not be \"0\" or begin or end with a blank");
 }
 
 void refuseTwins(const QVector<Pump>& pumps, const QString& field, QString Pump::*member, QStringList* errors)
@@ -139,93 +99,77 @@ void refuseTwins(const QVector<Pump>& pumps, const QString& field, QString Pump:
         if (value.isEmpty())
             continue;
         if (seen.contains(value))
-            errors->append(QStringLiteral("pumps[%1].%2: \"%3\" is that of pumps[%4] too")
-                               .arg(i)
-                               .arg(field, value)
-                               .arg(seen.value(value)));
+            errors->append(
+                QString("pumps[%1].%2: \"%3\" is that of pumps[%4] too").arg(i).arg(field, value).arg(seen[value]));
         seen.insert(value, i);
     }
 }
 
-Scenario scenarioFrom(const QJsonValue& root, QStringList* errors)
+void readScenario(JsonFields& fields, Scenario* scenario, QStringList* errors)
 {
-    Scenario scenario;
-    JsonFields fields(root, {}, errors);
     QString comment;
-    fields.text(QStringLiteral("comment"), &comment);
-    fields.text(QStringLiteral("firmware"), &scenario.firmware);
-    int seed = static_cast<int>(scenario.seed);
-    fields.number(QStringLiteral("seed"), 0, std::numeric_limits<int>::max(), &seed);
-    scenario.seed = static_cast<quint32>(seed);
-    fields.number(QStringLiteral("jitterPercent"), 0, 90, &scenario.jitterPercent);
-
-    QString deeper;
-    const QJsonValue times = fields.take(QStringLiteral("times"), &deeper);
-    if (!times.isUndefined())
-        scenario.times = timesFrom(times, deeper, errors);
-    const QJsonValue exchange = fields.take(QStringLiteral("exchange"), &deeper);
-    if (!exchange.isUndefined())
-        scenario.exchange = exchangeFrom(exchange, deeper, errors);
-
-    fields.array(QStringLiteral("pumps"), [&](const QJsonValue& value, const QString& path) {
-        scenario.pumps.append(pumpFrom(value, path, errors));
+    fields.text("comment", &comment);
+    fields.text("firmware", &scenario->firmware);
+    int seed = static_cast<int>(scenario->seed);
+    fields.number("seed", 0, std::numeric_limits<int>::max(), &seed);
+    scenario->seed = static_cast<quint32>(seed);
+    fields.object("times", [scenario](JsonFields& times) {
+        for (const auto& entry : TimeFields)
+            times.number(entry.name, 0, LongestMs, &(scenario->times.*entry.field));
     });
-    refuseTwins(scenario.pumps, QStringLiteral("serialNumber"), &Pump::serialNumber, errors);
-    refuseTwins(scenario.pumps, QStringLiteral("address"), &Pump::address, errors);
-    refuseTwins(scenario.pumps, QStringLiteral("patientId"), &Pump::patientId, errors);
-
-    fields.array(QStringLiteral("faults"), [&](const QJsonValue& value, const QString& path) {
-        QString error = QStringLiteral("must be a text");
-        if (!value.isString() || !scenario.faults.add(value.toString(), &error))
-            errors->append(path + QStringLiteral(": ") + error);
+    fields.object("exchange", [scenario](JsonFields& exchange) { readExchange(exchange, &scenario->exchange); });
+    fields.objects("pumps", [scenario](JsonFields& pump) {
+        scenario->pumps.append(Pump());
+        readPump(pump, &scenario->pumps.last());
     });
-    fields.refuseOthers();
-    return scenario;
+    refuseTwins(scenario->pumps, "serialNumber", &Pump::serialNumber, errors);
+    refuseTwins(scenario->pumps, "address", &Pump::address, errors);
+    refuseTwins(scenario->pumps, "patientId", &Pump::patientId, errors);
+    fields.array("faults", [&](const QJsonValue& value, const QString& path) {
+        QString error = "must be a text";
+        if (!value.isString() || !scenario->faults.add(value.toString(), &error))
+            errors->append(path + ": " + error);
+    });
 }
 
 } // namespace
 
 bool isPatientId(const QString& patientId)
 {
-    return !patientId.isEmpty() && patientId != QLatin1String("0") && patientId == patientId.trimmed();
+    return !patientId.isEmpty() && patientId != "0" && patientId == patientId.trimmed();
 }
 
 std::optional<Scenario> parseScenario(const QByteArray& bytes, QStringList* errors)
 {
-    const QJsonValue root = parseJson(bytes, errors);
-    if (!errors->isEmpty())
-        return std::nullopt;
-    Scenario scenario = scenarioFrom(root, errors);
-    if (!errors->isEmpty())
-        return std::nullopt;
-    return scenario;
+    Scenario scenario;
+    JsonFields::parse(bytes, errors, [&](JsonFields& fields) { readScenario(fields, &scenario, errors); });
+    return errors->isEmpty() ? std::make_optional(scenario) : std::nullopt;
 }
 
 std::optional<Scenario> loadScenario(const QString& fileName, QStringList* errors)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
-        errors->append(QStringLiteral("%1: %2").arg(fileName, file.errorString()));
+        errors->append(fileName + ": " + file.errorString());
         return std::nullopt;
     }
     std::optional<Scenario> scenario = parseScenario(file.readAll(), errors);
     for (QString& error : *errors)
-        error.prepend(fileName + QStringLiteral(": "));
+        error.prepend(fileName + ": ");
     return scenario;
 }
 
 Scenario defaultScenario()
 {
     Pump inReach;
-    inReach.serialNumber = QStringLiteral("MV-204817");
-    inReach.address = QStringLiteral("00:1E:42:7A:03:11");
-    inReach.confirmationCode = QStringLiteral("481207");
+    inReach.serialNumber = "MV-204817";
+    inReach.address = "00:1E:42:7A:03:11";
+    inReach.confirmationCode = "481207";
     Pump away;
-    away.serialNumber = QStringLiteral("MV-198305");
-    away.address = QStringLiteral("00:1E:42:7A:05:C4");
-    away.confirmationCode = QStringLiteral("730164");
+    away.serialNumber = "MV-198305";
+    away.address = "00:1E:42:7A:05:C4";
+    away.confirmationCode = "730164";
     away.inRange = false;
-
     Scenario scenario;
     scenario.pumps = {inReach, away};
     return scenario;

@@ -36,14 +36,6 @@ struct Pump
     /// What the pump shows for the user to compare, and BTPAIR answers.
     QString confirmationCode = QStringLiteral("000000");
     bool inRange = true;
-    /// A pump whose display is on sends no data.
-    bool displayOn = false;
-    /// The version of the radio's protocol that the pump speaks; the reader speaks the default alone.
-    int radioVersion = 2;
-    bool pairedElsewhere = false;
-    /// How many devices the pump can be paired with, and with how many others it is.
-    int tableSlots = 5;
-    int tableUsed = 0;
     /// A command that needs the link to the pump for longer loses it.
     int linkHoldsMs = std::numeric_limits<int>::max();
     /// The patient that the pump is paired with; empty for none.
@@ -77,8 +69,6 @@ struct ExchangeSettings
 {
     int days = 28;
     QDate lastDay = QDate(2026, 3, 1);
-    int bolusesPerDay = 6;
-    int eventsPerDay = 4;
 };
 
 /// The reader's whole world.
@@ -86,19 +76,17 @@ struct Scenario
 {
     QString firmware = QStringLiteral("3.2.23");
     quint32 seed = 1;
-    /// By how many percent, at most, a duration differs from the one set; drawn from the seed.
-    int jitterPercent = 0;
     ReaderTimes times;
     ExchangeSettings exchange;
     QVector<Pump> pumps;
     FaultSet faults;
 };
 
-/// Reads a scenario from @p bytes. Every fault is told, one entry each: the line for text that isn't JSON, the field's
-/// path ("pumps[1].address: ...") for a value that doesn't fit or a field that nobody knows.
+/// Parses a scenario. Each error names its line if the text isn't JSON, otherwise the field's path
+/// ("pumps[1].address: ...").
 std::optional<Scenario> parseScenario(const QByteArray& bytes, QStringList* errors);
 
-/// The same from a file; each entry of @p errors begins with the file's name.
+/// Parses a scenario from a file, whose name begins each error.
 std::optional<Scenario> loadScenario(const QString& fileName, QStringList* errors);
 
 /// The world without a scenario file: one pump that is free and one out of range.

@@ -16,11 +16,10 @@ namespace {
 constexpr int LargestFiller = 256 * 1024 * 1024;
 const QString InFolder = ReaderNames::Folder + QLatin1Char('/');
 
-TrafficEntry entryFrom(const QJsonValue& value, qint64 earliest, QStringList* errors)
+void readEntry(JsonFields& fields, qint64 earliest, TrafficEntry* target)
 {
     const QString bytesField = QStringLiteral("base64");
-    TrafficEntry entry;
-    JsonFields fields(value, {}, errors);
+    TrafficEntry& entry = *target;
     fields.require(QStringLiteral("ms"));
     fields.require(QStringLiteral("file"));
     int ms = 0;
@@ -33,7 +32,7 @@ TrafficEntry entryFrom(const QJsonValue& value, qint64 earliest, QStringList* er
     if (!entry.file.isNull() && !entry.isTrigger() && !isTrafficFile(entry.name()))
         fields.fail(QStringLiteral("file"), QStringLiteral("\"%1\" isn't a file of the reader").arg(entry.file));
 
-    const QJsonValue text = fields.take(QStringLiteral("text"), nullptr);
+    const QJsonValue text = fields.take(QStringLiteral("text"));
     if (text.isString())
         entry.bytes = text.toString().toUtf8();
     else if (!text.isUndefined())
@@ -56,10 +55,8 @@ TrafficEntry entryFrom(const QJsonValue& value, qint64 earliest, QStringList* er
         entry.filler = filler;
     bool isGone = false;
     fields.flag(QStringLiteral("gone"), &isGone);
-    if (errors->isEmpty() && int(isGone) + int(entry.bytes.has_value()) + int(entry.filler.has_value()) != 1)
+    if (int(isGone) + int(entry.bytes.has_value()) + int(entry.filler.has_value()) != 1)
         fields.fail(QStringLiteral("text"), QStringLiteral("exactly one of text, base64, filler and gone expected"));
-    fields.refuseOthers();
-    return entry;
 }
 
 } // namespace
@@ -138,11 +135,13 @@ std::optional<QVector<TrafficEntry>> loadTraffic(const QString& fileName, QStrin
     for (int line = 1; !file.atEnd(); ++line) {
         QStringList faults;
         const QByteArray text = file.readLine();
-        const QJsonValue root = parseJson(text, &faults);
-        if (!faults.isEmpty() && !text.endsWith('\n'))
+        if (!text.endsWith('\n') && !text.endsWith('}')) // left by a recorder that was killed
             break;
-        if (faults.isEmpty())
-            entries.append(entryFrom(root, entries.isEmpty() ? 0 : entries.constLast().ms, &faults));
+        TrafficEntry entry;
+        JsonFields::parse(text, &faults, [&](JsonFields& fields) {
+            readEntry(fields, entries.isEmpty() ? 0 : entries.constLast().ms, &entry);
+        });
+        entries.append(entry);
         for (const QString& fault : qAsConst(faults))
             errors->append(QStringLiteral("%1: line %2: %3").arg(fileName).arg(line).arg(fault));
     }
