@@ -9,7 +9,7 @@
 #include "bench/TurnMeter.h"
 #include "workbench/host/HostApplication.h"
 #include "workbench/reader/ReaderFiles.h"
-#include "workbench/reader/Traffic.h"
+#include "workbench/traffic/Traffic.h"
 
 #include <QApplication>
 #include <QFile>

@@ -4,10 +4,10 @@
 // A recording that loses its personal data: the file's bytes.
 
 #include "fuzz/Drive.h"
-#include "workbench/reader/ReaderCommand.h"
+#include "workbench/traffic/ReaderCommand.h"
 #include "workbench/reader/ReaderDrive.h"
-#include "workbench/reader/Traffic.h"
-#include "workbench/reader/TrafficAnonymiser.h"
+#include "workbench/traffic/Traffic.h"
+#include "workbench/traffic/TrafficAnonymiser.h"
 
 #include <QHash>
 #include <QRegularExpression>

@@ -5,7 +5,7 @@
 
 #include "fuzz/Drive.h"
 #include "workbench/reader/ReaderDrive.h"
-#include "workbench/reader/Traffic.h"
+#include "workbench/traffic/Traffic.h"
 #include "workbench/reader/TrafficReplay.h"
 
 #include <QCoreApplication>

@@ -4,7 +4,7 @@
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostLog.h"
 #include "workbench/host/TrafficKeeper.h"
-#include "workbench/reader/Traffic.h"
+#include "workbench/traffic/Traffic.h"
 
 #include <KZip>
 
@@ -72,16 +72,12 @@ private Q_SLOTS:
         }
         const QString serial = seen[0].section('"', 1, 1), file = seen[2].section('\n', 0, 0);
         QVERIFY(file.startsWith('I' + serial + '_') && seen[4].contains('>' + serial + "</SERIALNR>"));
-        QVERIFY(seen[4].contains(seen[0].section(' ', 3, 3).remove(':') + "</BTADR><PATIENT_ID>0</PATIENT_ID></"));
+        // The address is the same without its marks, and a list breaks off where it did.
+        QVERIFY(seen[4].endsWith(seen[0].section(' ', 3, 3).remove(':') + "</BTADR><PATIENT_ID>0</PATIENT_ID>"));
         QVERIFY(seen[1].contains("done\r\nResult  = " + serial + "\r\nError code -31.\r\n"));
         QVERIFY(seen[3].endsWith("Status  = done\nResult  = " + file + "\nError code -0.\n"));
         QVERIFY(!seen.last().contains("Lost") && !seen.last().contains('7') && !seen[10].contains("-7."));
-        QVERIFY(seen.last().contains("\"1.0\" encoding=\"ISO-8859-1\"?>"));
-        // A serial number is the same inside a longer name, and a list breaks off where it did.
-        QVERIFY(seen[12].startsWith('I' + serial) && seen[13].contains(" & ") && seen[13].contains("ID>0</"));
-        QVERIFY(seen[14].endsWith("\nError-0."));
-        QVERIFY(seen[13].contains("<?xml version = '1.0'\nencoding='UTF-8'  standalone='no'?>"));
-        QVERIFY(seen[5].endsWith("\nFirmware version 3.2.23") && seen[6].split('\n').size() == 6);
+        QVERIFY(seen[14].endsWith("\nError-0.") && seen[5].endsWith("\nFirmware version 3.2.23"));
     }
 
     void logAndTrafficKeepTheirLimits()
@@ -105,16 +101,14 @@ private Q_SLOTS:
         const QString misc = folder.filePath("drive/MISC");
         QVERIFY(QDir().mkpath(misc) && write(misc + "/V1.log", QByteArray(1000, 'v')));
         TrafficKeeper keeper(folder.path(), {4000, 12000, 500, 1});
-        keeper.begin(folder.filePath("drive"));
-        QStringList names, errors;
-        for (int i = 0; i < 100; ++i) {
-            const QByteArray text = QByteArray(300, 'a') + QByteArray::number(i);
-            const auto isKept = [&] {
-                names = TrafficKeeper::recordingsIn(folder.path());
-                return !names.isEmpty() && bytesOf(folder.filePath(names.last())).contains(text);
-            };
-            QVERIFY(write(misc + "/STATUS.TXT", text) && QTest::qWaitFor(isKept));
+        const QSignalSpy full(&keeper, &TrafficKeeper::failed);
+        QStringList errors;
+        for (int run = 1, status = 0; run <= 5; ++run) {
+            keeper.begin(folder.filePath("drive"));
+            QTRY_VERIFY(write(misc + "/STATUS.TXT", QByteArray(300, 'a') + QByteArray::number(++status)) &&
+                        full.size() == run);
         }
+        const QStringList names = TrafficKeeper::recordingsIn(folder.path());
         QCOMPARE(names.size(), 3);
         for (const QString& name : qAsConst(names)) {
             const auto entries = loadTraffic(folder.filePath(name), &errors);

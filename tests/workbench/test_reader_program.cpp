@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "reader/DeviceList.h"
 #include "workbench/Programs.h"
-#include "workbench/reader/ReaderCommand.h"
 #include "workbench/reader/ReaderDrive.h"
 #include "workbench/reader/ReaderSimulator.h"
 #include "workbench/reader/Scenario.h"
+#include "workbench/traffic/ReaderCommand.h"
 
 #include <QDir>
 #include <QSignalSpy>

@@ -151,9 +151,8 @@ bool HostApplication::claimFolder(const QString& path, QString* error)
 void HostApplication::keepTraffic()
 {
     m_trafficKeeper = std::make_unique<TrafficKeeper>(m_diagnosticsFolder, TrafficLimits());
-    QObject::connect(m_trafficKeeper.get(), &TrafficKeeper::failed, &m_log, [this](const QString& sentence) {
-        m_log.write(QStringLiteral("host"), QStringLiteral("Warning"), sentence);
-    });
+    QObject::connect(m_trafficKeeper.get(), &TrafficKeeper::failed, &m_log,
+                     [this](const QString& error) { m_log.write("host", "Warning", "traffic file " + error); });
     QObject::connect(&m_pluginHost, &PluginHost::runningChanged, m_trafficKeeper.get(), [this](bool isRunning) {
         const QString drive = m_options.simulation.isEmpty() ? m_deviceAdmin.drivePath() : m_options.simulation;
         if (isRunning && !drive.isEmpty())

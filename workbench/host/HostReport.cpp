@@ -5,7 +5,7 @@
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDates.h"
 #include "workbench/host/TrafficKeeper.h"
-#include "workbench/reader/TrafficAnonymiser.h"
+#include "workbench/traffic/TrafficAnonymiser.h"
 
 #include <KZip>
 

@@ -2,24 +2,24 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDir>
 #include <QObject>
 #include <QThread>
 
 /// How much of the traffic is kept.
 struct TrafficLimits
 {
-    qint64 fileBytes = 2097152;   ///< a run that is longer goes on in another file
-    qint64 totalBytes = 16777216; ///< the oldest files go
+    qint64 fileBytes = 8388608;   ///< of one run; what follows isn't recorded
+    qint64 totalBytes = 16777216; ///< the oldest files are removed
     int contentBytes = 1048576;   ///< of a larger file on the drive only the size is kept
-    int hours = 72;               ///< older files go
+    int hours = 72;               ///< older files are removed
 };
 
 /// Keeps the last traffic of the reader's drive in a folder, one recording for each run of the plug-in, so that a run
-/// that failed can be looked at and played again, also after a crash.
+/// that failed can be examined and replayed, also after a crash.
 ///
-/// The drive is looked at only while a run holds it, for reading alone, on a thread of its own: a drive that hangs
-/// holds up neither the window nor the plug-in. Each file begins with what lay on the drive then, and so plays by
-/// itself.
+/// The drive is watched only while a run holds it, for reading only, on a separate thread: a drive that hangs holds up
+/// neither the window nor the plug-in.
 class TrafficKeeper final : public QObject
 {
     Q_OBJECT
@@ -27,22 +27,26 @@ class TrafficKeeper final : public QObject
 
 public:
     TrafficKeeper(const QString& folder, const TrafficLimits& limits, QObject* parent = nullptr);
-    /// Ends the recording that is at work.
+    /// Ends the current recording.
     ~TrafficKeeper() override;
 
     /// Begins a recording; the one before ends.
     void begin(const QString& drivePath);
-    /// Writes down what has changed last.
+    /// Records what has changed last.
     void end();
 
-    /// Names of the recordings in a folder, the oldest first.
+    /// Returns the names of the recordings in a folder, the oldest first.
     static QStringList recordingsIn(const QString& folder);
 
 Q_SIGNALS:
     /// The traffic of this run can't be kept any more.
-    void failed(const QString& sentence);
+    void failed(const QString& error);
 
 private:
+    void makeRoom() const;
+
+    const QDir m_folder;
+    const TrafficLimits m_limits;
     QThread m_thread;
-    QObject* m_store; // of the thread; it goes with the thread's end
+    QObject* m_worker; // lives on the thread, which deletes it at its end; the recorder is its child
 };

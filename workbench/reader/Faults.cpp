@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/Faults.h"
 
-#include "workbench/reader/ReaderCommand.h"
 #include "workbench/reader/ReaderFiles.h"
+#include "workbench/traffic/ReaderCommand.h"
 
 #include <algorithm>
 

@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/ReaderDrive.h"
 
-#include "workbench/reader/ReaderCommand.h"
 #include "workbench/support/Platform.h"
+#include "workbench/traffic/ReaderCommand.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -43,12 +42,6 @@ QString folderAway(const QString& drivePath)
 }
 
 } // namespace
-
-FileStamp FileStamp::of(const QString& path)
-{
-    const QFileInfo info(path);
-    return info.isFile() ? FileStamp{info.lastModified().toMSecsSinceEpoch(), info.size()} : FileStamp();
-}
 
 ReaderDrive::ReaderDrive(const QString& path, QObject* parent)
     : QObject(parent)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "workbench/traffic/ReaderNames.h"
 #include <QByteArray>
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
@@ -14,33 +15,6 @@
 #include <QVector>
 
 #include <memory>
-
-/// On a busy computer the system's notification of a write can come so late that the write has been seen already.
-constexpr int LateNoticeMs = 300;
-
-/// When and how large a file was last seen; two equal stamps mean that nobody has written it in between.
-struct FileStamp
-{
-    qint64 modifiedMs = -1;
-    qint64 size = -1;
-
-    static FileStamp of(const QString& path);
-
-    bool exists() const { return size >= 0; }
-    bool operator==(const FileStamp& other) const { return modifiedMs == other.modifiedMs && size == other.size; }
-    bool operator!=(const FileStamp& other) const { return !(*this == other); }
-};
-
-namespace ReaderNames {
-inline const QString Folder = QStringLiteral("MISC");
-inline const QString Command = QStringLiteral("CommandFile.txt");
-inline const QString Status = QStringLiteral("STATUS.TXT");
-inline const QString DeviceList = QStringLiteral("DEVLIST.XML");
-inline const QString FirmwareLog = QStringLiteral("VERSION.log");
-inline const QString ExchangeFilter = QStringLiteral("I*.xml");
-/// Lies beside the folder MISC, not in it: its name begins with the folder's.
-inline const QString Trigger = QStringLiteral("MISCNoCommand.txt");
-} // namespace ReaderNames
 
 /// How a status comes to light. The defaults are those of a sound drive.
 struct StatusManner

@@ -12,11 +12,6 @@ QByteArray statusText(const ReaderStatus& status)
         .toUtf8();
 }
 
-bool isRunning(const QByteArray& statusText)
-{
-    return statusText.split('\n').value(2).mid(10) == "running";
-}
-
 QByteArray deviceListXml(const QVector<Pump>& pumps)
 {
     QByteArray bytes;

@@ -25,9 +25,6 @@ struct ReaderStatus
 /// character.
 QByteArray statusText(const ReaderStatus& status);
 
-/// True if the bytes of a STATUS.TXT show a command at work.
-bool isRunning(const QByteArray& statusText);
-
 /// DEVLIST.XML for @p pumps in their order; a pump that is paired with nobody has the patient id "0".
 QByteArray deviceListXml(const QVector<Pump>& pumps);
 

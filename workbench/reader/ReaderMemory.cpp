@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/ReaderMemory.h"
 
-#include "workbench/reader/JsonFields.h"
+#include "workbench/support/JsonFields.h"
 
 #include <QFile>
 #include <QJsonDocument>

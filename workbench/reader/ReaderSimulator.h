@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "workbench/reader/ReaderCommand.h"
 #include "workbench/reader/ReaderMemory.h"
 #include "workbench/reader/Scenario.h"
+#include "workbench/traffic/ReaderCommand.h"
 
 #include <QElapsedTimer>
 #include <QObject>

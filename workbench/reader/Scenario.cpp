@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/Scenario.h"
 
-#include "workbench/reader/JsonFields.h"
+#include "workbench/support/JsonFields.h"
 
 #include <QFile>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "workbench/reader/Traffic.h"
+#include "workbench/traffic/Traffic.h"
 
 #include <QObject>
 #include <QTimer>

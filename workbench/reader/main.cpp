@@ -4,10 +4,10 @@
 #include "workbench/reader/ReaderDrive.h"
 #include "workbench/reader/ReaderSimulator.h"
 #include "workbench/reader/Scenario.h"
-#include "workbench/reader/TrafficAnonymiser.h"
-#include "workbench/reader/TrafficRecorder.h"
 #include "workbench/reader/TrafficReplay.h"
 #include "workbench/support/Platform.h"
+#include "workbench/traffic/TrafficAnonymiser.h"
+#include "workbench/traffic/TrafficRecorder.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

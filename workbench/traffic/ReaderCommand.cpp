@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "workbench/reader/ReaderCommand.h"
+#include "workbench/traffic/ReaderCommand.h"
 
 #include <QRegularExpression>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "workbench/reader/JsonFields.h"
+#include "workbench/support/JsonFields.h"
 
 #include <QJsonDocument>
 

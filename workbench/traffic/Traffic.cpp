@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "workbench/reader/Traffic.h"
+#include "workbench/traffic/Traffic.h"
 
-#include "workbench/reader/JsonFields.h"
-#include "workbench/reader/ReaderDrive.h"
+#include "workbench/support/JsonFields.h"
+#include "workbench/traffic/ReaderNames.h"
 
 #include <QFile>
 #include <QJsonDocument>

@@ -1,0 +1,206 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/traffic/Anonymiser.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+/// What plug-in, host and reader write themselves: the words of their log records, the labels of the reader's files.
+/// No word that is also a person's name, and none of a single letter but the first one of an exchange file's name.
+const char* const Words =
+    "abort aborted about adapter add after again all already an and another answer answers app application are as "
+    "assigned at away base battery be been before begin being birthday boot box btadr btdeleteaddr btispaired btpair "
+    "btpairconfirm btpumpreassign btread bus busy but by byte bytes can cancel canceled canceling changed check class "
+    "cleared closed cmd code command commandfile component confirm connect connected connection connections "
+    "continued controller count created cygnara damaged data database db decline deprecated detected device devicelist "
+    "devicereader devices devlist diagnostics dialog diary directory disabled disk dispose done drive dropped due "
+    "during empty enabled encoding end ended err error exchange executed execution exists extension failed failure "
+    "false "
+    "file files finished finishing firmware folder for found free from full further gone guid had handed hardware "
+    "has have held hold holds host id if import imported in info information initialized inside installed instance "
+    "interface into is isn it its known larger left length library limit line linear list loaded loader lock locked "
+    "log lost lumo mac main many mcp menu merivo merivoconnections message messages mib misc misccommand "
+    "miscnocommand misconnected missing modelnr module msec must name names network new newer no nocommand none not "
+    "note nothing notified number observed observer of off old on one only open opened operation or original "
+    "out over pair paired pairing parser path patient pc percent permission pid plug plugged plugin polling prepare "
+    "process program progress puid pump pumps qd17 qt query radio read reader reading readout reassign record "
+    "recording refused remotecontrol remote remove removed removing report requested responding result revision "
+    "root running sanvio saved schema search searching sec secs serial serialnr serves session set settings simulation "
+    "size snapshot snr so some source space sqlite start started state status stop stopped stored submitted succeeded "
+    "such support system takes temporary than that the them then there this time timeout timeouts to too took trace "
+    "translation translations translator "
+    "trigger true txt type unable unfinished unknown unplugged unstarted unsupported up update usb utf value verified "
+    "version waiting warning was when which while window with within word write written wrong writer catalog xml cdata "
+    "doctype I C";
+
+constexpr int MaxNumberLength = 3;
+
+const QSet<QString>& vocabulary()
+{
+    static const QSet<QString> words = [] {
+        const QStringList list = QString::fromLatin1(Words).split(' ');
+        return QSet<QString>(list.cbegin(), list.cend());
+    }();
+    return words;
+}
+
+/// Returns true also for halves of characters that don't fit into one, so that no script passes for punctuation.
+bool isOfWord(QChar c)
+{
+    return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c.category() == QChar::Other_PrivateUse;
+}
+
+bool isNumber(const QString& word)
+{
+    return std::all_of(word.cbegin(), word.cend(), [](QChar c) { return c >= '0' && c <= '9'; });
+}
+
+bool isOfVocabulary(const QString& word)
+{
+    return vocabulary().contains(word) || vocabulary().contains(word.toLower());
+}
+
+/// Returns true for addresses, GUIDs, MACs and keys: twelve hexadecimal digits or more, in marked pairs or not.
+bool isHexadecimal(const QString& text)
+{
+    static const QRegularExpression form("\\A(?:[0-9A-Fa-f]{2}[:-]?){5,}[0-9A-Fa-f]{2}\\z");
+    return form.match(text).hasMatch();
+}
+
+/// Calls @p word for each word of a text, and @p other for what is between two.
+template <class Word, class Other>
+void eachWord(const QString& text, Word word, Other other)
+{
+    for (int at = 0, end = 0; at < text.size(); at = end) {
+        while (end < text.size() && isOfWord(text.at(end)))
+            ++end;
+        if (end > at)
+            word(text.mid(at, end - at));
+        else
+            other(text.at(end++));
+    }
+}
+
+/// Returns the end of the words from @p at on that single marks join, as in an address, a date or a path.
+int endOfChain(const QString& text, int at)
+{
+    while (at < text.size() && isOfWord(text.at(at))) {
+        const bool isJoined = at + 2 < text.size() && QString("-/_.:").contains(text.at(at + 1));
+        at += isJoined && isOfWord(text.at(at + 2)) ? 2 : 1;
+    }
+    return at;
+}
+
+} // namespace
+
+void Anonymiser::know(const QString& value)
+{
+    m_known.insert(value.toLower());
+    eachWord(
+        value,
+        [&](const QString& word) {
+            // The day and month of a birthday count in its whole only, or most small numbers would.
+            if (word.size() == value.size() || !isNumber(word) || word.size() > MaxNumberLength)
+                m_known.insert(word.toLower());
+        },
+        [](QChar) {});
+}
+
+bool Anonymiser::isPlain(const QString& text)
+{
+    bool isPlain = true;
+    eachWord(
+        text, [&](const QString& word) { isPlain = isPlain && isOfVocabulary(word); }, [](QChar) {});
+    return isPlain;
+}
+
+QString Anonymiser::scrub(const QString& text, Numbers numbers)
+{
+    QString result;
+    for (int at = 0; at < text.size();) {
+        const int end = endOfChain(text, at);
+        result += end > at ? scrubbedChain(text.mid(at, end - at), numbers) : QString(text.at(at));
+        at = std::max(end, at + 1);
+    }
+    return result;
+}
+
+QString Anonymiser::scrubbedChain(const QString& chain, Numbers numbers)
+{
+    if (m_known.contains(chain.toLower()) || isHexadecimal(chain))
+        return hide(chain);
+    // A number counts, or is of seconds, versions or error codes, unless it belongs to something that is replaced.
+    bool keepsNumbers =
+        numbers == Numbers::KeepShort && !chain.contains('-') && !chain.contains('/') && !chain.contains('_');
+    const auto isKept = [&](const QString& word) {
+        if (m_known.contains(word.toLower()))
+            return false;
+        return isNumber(word) ? keepsNumbers && word.size() <= MaxNumberLength : isOfVocabulary(word);
+    };
+    eachWord(
+        chain, [&](const QString& word) { keepsNumbers = keepsNumbers && isKept(word); }, [](QChar) {});
+    QString result;
+    eachWord(
+        chain,
+        [&](const QString& word) {
+            // An exchange file's name begins with a letter of its own.
+            if (isKept(word))
+                result += word;
+            else if (word.startsWith('I') && m_known.contains(word.mid(1).toLower()))
+                result += 'I' + replacementOf(word.mid(1));
+            else
+                result += replacementOf(word);
+        },
+        [&](QChar mark) { result += mark; });
+    return result;
+}
+
+QString Anonymiser::hide(const QString& text)
+{
+    QString result;
+    for (int at = 0; at < text.size();) {
+        const int end = endOfChain(text, at);
+        const QString chain = text.mid(at, end - at);
+        if (isHexadecimal(chain))
+            result += replacementOf(chain);
+        else if (end > at)
+            eachWord(
+                chain, [&](const QString& word) { result += replacementOf(word); },
+                [&](QChar mark) { result += mark; });
+        else
+            result += text.at(at);
+        at = std::max(end, at + 1);
+    }
+    return result;
+}
+
+QString Anonymiser::replacementOf(const QString& word)
+{
+    // Neither case nor the marks between the pairs of an address make another value.
+    const QString key = word.toLower().remove(':').remove('-');
+    const int letters = isHexadecimal(word) ? 6 : 26;
+    QString& replacement = m_replacements[key];
+    for (int tries = 0; replacement.isEmpty(); ++tries) {
+        QString drawn;
+        for (const QChar c : key)
+            drawn += c.isDigit() ? QChar('0' + m_random.bounded(10)) : QChar('a' + m_random.bounded(letters));
+        // There are few words of a letter or two. Where they run out a replacement may be a word that means something,
+        // and then a longer one, but never that of another word.
+        drawn += QString(tries / 10000, 'x');
+        const bool isGood = !m_known.contains(drawn) && !vocabulary().contains(drawn);
+        if (drawn != key && !m_drawn.contains(drawn) && (isGood || tries > 1000))
+            replacement = drawn;
+    }
+    m_drawn.insert(replacement);
+    QString result;
+    int next = 0;
+    for (const QChar c : word) {
+        const bool isMark = c == ':' || c == '-';
+        const QChar drawn = isMark ? c : replacement.at(next++);
+        result += c.isUpper() ? drawn.toUpper() : drawn;
+    }
+    return result + replacement.mid(next);
+}

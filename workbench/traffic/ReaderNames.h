@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QFileInfo>
+#include <QString>
+
+/// On a busy computer the system's notification of a write can come so late that the write was seen already.
+constexpr int LateNoticeMs = 300;
+
+namespace ReaderNames {
+inline const QString Folder = "MISC";
+inline const QString Command = "CommandFile.txt";
+inline const QString Status = "STATUS.TXT";
+inline const QString DeviceList = "DEVLIST.XML";
+inline const QString FirmwareLog = "VERSION.log";
+inline const QString ExchangeFilter = "I*.xml";
+/// Is located beside the folder MISC, not in it: its name begins with the folder's.
+inline const QString Trigger = "MISCNoCommand.txt";
+} // namespace ReaderNames
+
+/// When and how large a file was last seen; two equal stamps mean that nobody has written it in between.
+struct FileStamp
+{
+    qint64 modifiedMs = -1;
+    qint64 size = -1;
+
+    static FileStamp of(const QString& path)
+    {
+        const QFileInfo info(path);
+        return info.isFile() ? FileStamp{info.lastModified().toMSecsSinceEpoch(), info.size()} : FileStamp();
+    }
+
+    bool exists() const { return size >= 0; }
+    bool operator==(const FileStamp& other) const { return modifiedMs == other.modifiedMs && size == other.size; }
+    bool operator!=(const FileStamp& other) const { return !(*this == other); }
+};
+
+/// Returns true if the bytes of a STATUS.TXT show a command at work.
+inline bool isRunning(const QByteArray& statusText)
+{
+    return statusText.split('\n').value(2).mid(10) == "running";
+}

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "workbench/traffic/Anonymiser.h"
+#include "workbench/traffic/Traffic.h"
+
+#include <QHash>
+
+/// Removes names, ids, serial numbers, addresses and all free text from recordings, in the files' contents and names. A
+/// recording plays as before: words that the plug-in depends on stay, and what differed differs. An exchange file's
+/// content becomes filler of the same size, as health data has no place in a report, and so does a file that isn't of
+/// its form; two of the same content get the same filler.
+class TrafficAnonymiser final
+{
+public:
+    /// Makes the anonymiser know what commands, statuses, device lists and file names identify. All recordings first.
+    void learn(const QVector<TrafficEntry>& entries);
+    TrafficEntry anonymised(const TrafficEntry& entry);
+
+    Anonymiser& words() { return m_words; }
+
+private:
+    QString hide(const QString& value);
+    QString form(const QString& text);
+    QString nameOf(const QString& name);
+    QString exchangeName(const QString& name);
+    std::optional<QString> contentOf(const TrafficEntry& entry);
+    QString command(const QString& text);
+    QString status(const QString& text);
+    QString resultOf(const QString& command, const QString& text);
+    std::optional<QString> deviceList(const QByteArray& bytes);
+    QString firmwareLog(const QString& text);
+
+    Anonymiser m_words;
+    bool m_isLearning = false;
+    QHash<QByteArray, int> m_fillers; // contents' hashes to the fillers' numbers
+};
+
+/// Writes the recording @p from without personal data into @p to, which must not exist and is removed on a failure.
+bool anonymiseRecording(const QString& from, const QString& to, QStringList* errors);

@@ -1,0 +1,200 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "workbench/traffic/TrafficRecorder.h"
+
+#include "workbench/support/Platform.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int CheckEveryMs = 10;
+/// Up to here the content decides whether a file has changed. Stamps don't tell two writes of one second apart on FAT,
+/// nor any on a reader without a clock.
+constexpr qint64 SmallFile = 65536; // bytes
+
+/// A command file is emptied before it is written and an exchange file grows; both count once they are the same at two
+/// checks. The others the reader replaces in one step.
+bool isWrittenInSteps(const QString& name)
+{
+    return name == ReaderNames::Command || isExchangeName(name);
+}
+
+/// Returns false where the drive goes away or fails: what could be read until then isn't the file's content.
+bool read(const QString& path, QByteArray* bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    *bytes = file.readAll();
+    return file.error() == QFile::NoError;
+}
+
+bool isAnswerTo(const QByteArray& status, const QByteArray& commandFile)
+{
+    constexpr int LabelLength = 4;
+    const QByteArray word = commandFile.mid(commandFile.indexOf('=') + 1).split(' ').first().trimmed();
+    return status.split('\n').value(1).mid(LabelLength).trimmed().compare(word, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+TrafficRecorder::TrafficRecorder(const QString& drivePath, QObject* parent)
+    : QObject(parent)
+    , m_drivePath(QDir(drivePath).absolutePath())
+{
+    m_timer.setInterval(CheckEveryMs);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &TrafficRecorder::check);
+    // Notifies of what two checks would miss: the same command again, two statuses in quick succession.
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, [this] {
+        m_isCommandWritten = true;
+        check();
+    });
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &TrafficRecorder::check);
+}
+
+TrafficRecorder::~TrafficRecorder()
+{
+    stop();
+}
+
+void TrafficRecorder::setLimits(qint64 fileBytes, int contentBytes)
+{
+    m_maxFileBytes = fileBytes;
+    m_maxContentBytes = contentBytes;
+}
+
+bool TrafficRecorder::start(const QString& fileName, QString* error)
+{
+    if (!QDir(m_drivePath).exists()) {
+        *error = m_drivePath + ": there is no such folder";
+        return false;
+    }
+    // Never over an older recording: it may be the only one of a failure.
+    m_file.setFileName(fileName);
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+        *error = fileName + ": " + m_file.errorString();
+        return false;
+    }
+    m_clock.start();
+    const QString command = pathOf(ReaderNames::Command);
+    QByteArray bytes;
+    if (read(command, &bytes))
+        m_seen.insert(ReaderNames::Command, {FileStamp::of(command), bytes, true});
+    m_timer.start();
+    check();
+    return true;
+}
+
+bool TrafficRecorder::stop()
+{
+    if (m_timer.isActive()) {
+        check();
+        recordPending(true);
+        m_timer.stop();
+    }
+    const bool isWhole = m_file.isOpen();
+    m_file.close();
+    return isWhole;
+}
+
+QString TrafficRecorder::pathOf(const QString& name) const
+{
+    const QString folder = m_drivePath + '/' + ReaderNames::Folder;
+    return name.isEmpty() ? folder : folder + '/' + name;
+}
+
+void TrafficRecorder::check()
+{
+    if (!m_timer.isActive())
+        return;
+    for (const QString& path : {pathOf(ReaderNames::Command), pathOf({})}) {
+        if (!m_watcher.files().contains(path) && !m_watcher.directories().contains(path) && QFileInfo::exists(path))
+            m_watcher.addPath(path);
+    }
+    QStringList names = QDir(pathOf({})).entryList(QDir::Files | QDir::Hidden);
+    // The status last: it refers to files that are there by then.
+    std::stable_partition(names.begin(), names.end(), [](const QString& name) { return name != ReaderNames::Status; });
+    for (const QString& name : qAsConst(names)) {
+        if (isTrafficFile(name))
+            checkFile(name);
+    }
+    for (const QString& name : m_seen.keys()) {
+        // A drive that comes back brings an old command along, which nobody gives again.
+        if (names.contains(name) || name == ReaderNames::Command)
+            continue;
+        m_seen.remove(name);
+        write(name, std::nullopt);
+    }
+    m_isCommandWritten = false;
+}
+
+void TrafficRecorder::checkFile(const QString& name)
+{
+    const bool isCommand = name == ReaderNames::Command;
+    const bool isStatus = name == ReaderNames::Status;
+    const FileStamp stamp = FileStamp::of(pathOf(name));
+    Seen& seen = m_seen[name];
+    QByteArray bytes;
+    if (stamp.size <= SmallFile && !read(pathOf(name), &bytes))
+        return;
+    const bool isLate = seen.isRecorded && m_clock.elapsed() - seen.recordedMs < LateNoticeMs;
+    const bool hasChanged = stamp != seen.stamp || bytes != seen.bytes || (isCommand && m_isCommandWritten && !isLate);
+    seen.isRecorded = seen.isRecorded && !hasChanged;
+    seen.stamp = stamp;
+    seen.bytes = bytes;
+    if (seen.isRecorded || (isCommand && bytes.isEmpty()) || (hasChanged && isWrittenInSteps(name)))
+        return;
+    // The reader can answer a command that isn't recorded yet; the answer follows the command all the same. The end of
+    // a read-out confirms that the exchange file is complete.
+    if (!isCommand && !(isStatus && !isAnswerTo(bytes, m_seen.value(ReaderNames::Command).bytes)))
+        recordPending(isStatus && !isRunning(bytes));
+    record(name);
+}
+
+/// Records the command that hasn't been the same at two checks yet.
+void TrafficRecorder::recordPending(bool withExchangeFiles)
+{
+    for (const QString& name : m_seen.keys()) {
+        const Seen seen = m_seen.value(name);
+        const bool isWhole =
+            name == ReaderNames::Command ? !seen.bytes.isEmpty() : withExchangeFiles && isExchangeName(name);
+        if (!seen.isRecorded && isWhole)
+            record(name);
+    }
+}
+
+void TrafficRecorder::record(const QString& name)
+{
+    Seen& seen = m_seen[name];
+    QByteArray bytes = seen.bytes;
+    if (seen.stamp.size > SmallFile && !read(pathOf(name), &bytes))
+        return;
+    seen.isRecorded = true;
+    seen.recordedMs = m_clock.elapsed();
+    write(name, bytes);
+}
+
+void TrafficRecorder::write(const QString& name, const std::optional<QByteArray>& bytes)
+{
+    if (!m_file.isOpen())
+        return;
+    TrafficEntry entry{m_clock.elapsed(), ReaderNames::Folder + '/' + name, bytes, std::nullopt};
+    if (bytes && bytes->size() > m_maxContentBytes) {
+        // The size stays, and whether the content differs from another.
+        const uint mark = qHash(*bytes) & uint(std::numeric_limits<int>::max());
+        entry.filler = TrafficFiller{bytes->size(), static_cast<int>(mark)};
+        entry.bytes.reset();
+    }
+    const QByteArray line = trafficLine(entry);
+    const bool isFull = m_file.size() + line.size() > m_maxFileBytes;
+    if (!isFull && Platform::writeThrough(m_file, line))
+        return;
+    const QString what = isFull ? "it is full, so the rest isn't recorded" : m_file.errorString();
+    const QString error = m_file.fileName() + ": " + what;
+    m_file.close();
+    Q_EMIT failed(error);
+}
