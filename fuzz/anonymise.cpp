@@ -4,8 +4,8 @@
 // A recording that loses its personal data: the file's bytes.
 
 #include "fuzz/Drive.h"
-#include "workbench/traffic/ReaderCommand.h"
 #include "workbench/reader/ReaderDrive.h"
+#include "workbench/traffic/ReaderCommand.h"
 #include "workbench/traffic/Traffic.h"
 #include "workbench/traffic/TrafficAnonymiser.h"
 

@@ -5,8 +5,8 @@
 
 #include "fuzz/Drive.h"
 #include "workbench/reader/ReaderDrive.h"
-#include "workbench/traffic/Traffic.h"
 #include "workbench/reader/TrafficReplay.h"
+#include "workbench/traffic/Traffic.h"
 
 #include <QCoreApplication>
 #include <QHash>

@@ -336,7 +336,7 @@ blocked-trigger=400 = 1 3 5 the trigger was lost; blocked-command=400 = 1 3 4 BT
 --pair MV . = 2 --pair: "MV" isn't SERIAL=PATIENT; --pair MV=1 . = 1 there is no pump "MV" to pair
 --watch-only . = 2 --watch-only: needs --record; --replay x --seed 1 . = 2 --replay: plays what was recorded
 none = 1 none: there is no such folder; file = 1 file/MISC: the folder can't be made
---scenario bad.json . = 1 bad.json: times.reed: unknown field; --log none/log . = 1 none/log: 
+--scenario bad.json . = 1 bad.json: times.reed: unknown field; --log none/log . = 1 log file 'none/log': 
 broken = 1 broken/.merivo-reader.json: pumps[0].serialNumber: is missing
 --replay bad.jsonl . = 1 bad.jsonl: line 1: file: "../x" isn't a file of the reader)";
         for (const auto& [arguments, end] : pairsOf(calls)) {

@@ -5,19 +5,17 @@
 #include "host/IPlugin.h"
 #include "workbench/host/HostReport.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QLocale>
 #include <QStandardPaths>
 #include <QSysInfo>
 #include <QThread>
 
-#include <utility>
-
 namespace {
 
-/// How many hosts of one user can keep diagnostics at a time.
-constexpr int MostFolders = 9;
 const QString LogName = QStringLiteral("host.log");
 
 QString inDataFolder(const QString& name)
@@ -51,8 +49,8 @@ HostApplication::~HostApplication()
 {
     if (m_reportThread)
         m_reportThread->wait();
-    // No event brings its end any more, but the log is to have it.
-    tellReport();
+    // No event loop delivers its end any more, but the log is to have it.
+    QCoreApplication::sendPostedEvents(&m_window, QEvent::MetaCall);
     m_events.closeDiary();
     Q_EMIT m_events.appShutdown(IShutdownEvtPtr::create());
     m_window.hide();
@@ -114,37 +112,22 @@ bool HostApplication::startDiagnostics(QString* error)
     const QString folder = diagnosticsFolderOf(m_options);
     if (folder.isEmpty())
         return true;
-    QString problem;
+    m_folderLock = std::make_unique<QLockFile>(folder + "/.lock");
+    m_folderLock->setStaleLockTime(0);
+    // Two hosts in one folder would rotate each other's log.
+    QString problem = QString("diagnostics folder '%1': it can't be made, written to, or is in use").arg(folder);
     const LogLimits limits{m_options.logKib * 1024LL, m_options.logFiles};
-    if (!claimFolder(folder, &problem) ||
-        (m_options.log.isEmpty() && !m_log.openFile(QDir(m_diagnosticsFolder).filePath(LogName), &problem, limits))) {
-        m_diagnosticsFolder.clear();
-        *error = problem;
-        // Who hasn't asked for diagnostics can work without them.
-        if (m_options.diagnostics.isEmpty())
-            m_log.write(QStringLiteral("host"), QStringLiteral("Warning"), problem);
-        return m_options.diagnostics.isEmpty();
+    const bool isOurs = QDir().mkpath(folder) && m_folderLock->tryLock();
+    if (isOurs && (!m_options.log.isEmpty() || m_log.openFile(QDir(folder).filePath(LogName), &problem, limits))) {
+        m_diagnosticsFolder = folder;
+        keepTraffic();
+        return true;
     }
-    keepTraffic();
-    return true;
-}
-
-/// Two hosts in one folder would put each other's log aside, so the second takes a folder of its own beside it.
-bool HostApplication::claimFolder(const QString& path, QString* error)
-{
-    for (int number = 1; number <= MostFolders; ++number) {
-        const QString folder = number == 1 ? path : QStringLiteral("%1-%2").arg(path).arg(number);
-        if (!QDir().mkpath(folder))
-            break;
-        m_folderLock = std::make_unique<QLockFile>(folder + QStringLiteral("/.lock"));
-        m_folderLock->setStaleLockTime(0);
-        if (m_folderLock->tryLock()) {
-            m_diagnosticsFolder = folder;
-            return true;
-        }
-    }
-    *error = QStringLiteral("diagnostics folder '%1': it can't be made, written to, or is in use").arg(path);
-    return false;
+    // A user who hasn't asked for diagnostics can work without them.
+    if (m_options.diagnostics.isEmpty())
+        m_log.write("host", "Warning", problem);
+    *error = problem;
+    return m_options.diagnostics.isEmpty();
 }
 
 /// The drive is looked at while the plug-in holds it, and left alone otherwise.
@@ -170,27 +153,23 @@ void HostApplication::writeReport(const QString& path, bool withPersonalData)
         return;
     }
     m_window.showNotice(QStringLiteral("The report '%1' is being written.").arg(QDir::toNativeSeparators(path)));
-    const auto result = std::make_shared<ReportResult>();
-    m_reportResult = result;
     m_reportThread.reset(
-        QThread::create([report = HostReport(reportSources()), path, withPersonalData, result]() mutable {
-            result->isSaved = report.save(path, withPersonalData, &result->sentence);
+        QThread::create([this, report = HostReport(reportSources()), path, withPersonalData]() mutable {
+            QString sentence;
+            const bool isSaved = report.save(path, withPersonalData, &sentence);
+            QMetaObject::invokeMethod(
+                &m_window, [this, isSaved, sentence] { onReportEnded(isSaved, sentence); }, Qt::QueuedConnection);
         }));
-    QObject::connect(m_reportThread.get(), &QThread::finished, &m_window, [this] { tellReport(); });
     m_reportThread->start();
 }
 
-void HostApplication::tellReport()
+void HostApplication::onReportEnded(bool isSaved, const QString& sentence)
 {
-    const auto result = std::exchange(m_reportResult, nullptr);
-    if (!result)
-        return;
-    if (result->isSaved)
-        m_window.showNotice(result->sentence);
+    if (isSaved)
+        m_window.showNotice(sentence);
     else
-        m_window.showError(result->sentence);
-    m_log.write(QStringLiteral("host"), result->isSaved ? QStringLiteral("Info") : QStringLiteral("Error"),
-                result->sentence);
+        m_window.showError(sentence);
+    m_log.write("host", isSaved ? "Info" : "Error", sentence);
 }
 
 bool HostApplication::saveReport(const HostOptions& options, QString* sentence)
@@ -201,7 +180,7 @@ bool HostApplication::saveReport(const HostOptions& options, QString* sentence)
     if (QFileInfo::exists(databaseOf(options)))
         m_database.open(databaseOf(options));
     ReportSources sources = reportSources();
-    sources.logs = HostLog::filesAt(QDir(m_diagnosticsFolder).filePath(LogName), HostOptions::MostLogFiles);
+    sources.logs = LogFile::filesAt(QDir(m_diagnosticsFolder).filePath(LogName), HostOptions::MostLogFiles);
     if (!options.log.isEmpty())
         sources.logs.append(options.log);
     return HostReport(sources).save(options.report, options.personal, sentence);

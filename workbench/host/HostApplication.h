@@ -46,17 +46,10 @@ public:
     HostWindow& window() { return m_window; }
 
 private:
-    struct ReportResult
-    {
-        bool isSaved = false;
-        QString sentence;
-    };
-
     bool startDiagnostics(QString* error);
-    bool claimFolder(const QString& path, QString* error);
     void keepTraffic();
     void writeReport(const QString& path, bool withPersonalData);
-    void tellReport();
+    void onReportEnded(bool isSaved, const QString& sentence);
     ReportSources reportSources();
 
     HostOptions m_options;
@@ -71,6 +64,5 @@ private:
     PluginHost m_pluginHost;
     HostWindow m_window;
     std::unique_ptr<TrafficKeeper> m_trafficKeeper;
-    std::unique_ptr<QThread> m_reportThread;      // of the last report
-    std::shared_ptr<ReportResult> m_reportResult; // the thread's until it ends; null once it is told
+    std::unique_ptr<QThread> m_reportThread; // of the last report
 };

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/HostLog.h"
 
-#include "workbench/support/Platform.h"
-
 #include <QBrush>
 #include <QColor>
 #include <QGuiApplication>
@@ -35,18 +33,6 @@ QColor colourOf(HostLog::Level level)
     return QGuiApplication::palette().color(QPalette::Text);
 }
 
-QString asidePath(const QString& path, int number)
-{
-    return number == 0 ? path : path + QLatin1Char('.') + QString::number(number);
-}
-
-/// True if the file's last line has no end, as a full disk can leave it.
-bool isTorn(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.size() > 0 && file.seek(file.size() - 1) && file.read(1) != "\n";
-}
-
 QString onOneLine(QString text)
 {
     return text.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
@@ -65,24 +51,11 @@ HostLog::HostLog(QObject* parent)
     connect(&m_showTimer, &QTimer::timeout, this, &HostLog::showWaiting);
 }
 
-/// What the file lacks would be told nowhere else.
-HostLog::~HostLog()
-{
-    m_rest = QDeadlineTimer();
-    if (m_isWritten && !m_file.isOpen())
-        takeFileUpAgain();
-}
-
 bool HostLog::openFile(const QString& path, QString* error, const LogLimits& limits)
 {
-    m_limits = limits;
-    m_file.setFileName(path);
-    m_isWritten = m_file.open(QIODevice::WriteOnly | QIODevice::Append);
-    if (m_isWritten && isTorn(path))
-        Platform::writeThrough(m_file, "\n");
-    if (m_isWritten)
+    if (m_file.open(path, limits))
         return true;
-    *error = QStringLiteral("log file '%1': %2").arg(path, m_file.errorString());
+    *error = m_file.errorText();
     return false;
 }
 
@@ -93,7 +66,10 @@ void HostLog::write(const QString& source, const QString& channel, const QString
     const Record record{QDateTime::currentDateTime(),    levelOf(channel), source, channel, message,
                         filled.join(QLatin1String("; "))};
     m_records.append(record);
-    writeToFile(record);
+    const QStringList fields{record.time.toString(Qt::ISODateWithMs), channel, source, onOneLine(message),
+                             onOneLine(record.details)};
+    if (!m_file.write(fields.join('\t').toUtf8() + '\n'))
+        Q_EMIT fileFailed(m_file.errorText());
     if (m_records.size() - m_rowCount >= MaxWaiting)
         showWaiting();
     else if (!m_showTimer.isActive())
@@ -113,82 +89,6 @@ void HostLog::showWaiting()
     beginInsertRows({}, m_rowCount, m_records.size() - 1);
     m_rowCount = m_records.size();
     endInsertRows();
-}
-
-QByteArray HostLog::lineOf(const Record& record)
-{
-    const QStringList fields{record.time.toString(Qt::ISODateWithMs), record.channel, record.source,
-                             onOneLine(record.message), onOneLine(record.details)};
-    return fields.join(QLatin1Char('\t')).toUtf8() + '\n';
-}
-
-void HostLog::writeToFile(const Record& record)
-{
-    if (!m_isWritten)
-        return;
-    if (!m_file.isOpen() && !takeFileUpAgain()) {
-        ++m_lacking;
-        return;
-    }
-    const QByteArray line = lineOf(record);
-    if (m_limits.bytes > 0 && m_file.size() > 0 && m_file.size() + line.size() > m_limits.bytes)
-        startNewFile();
-    if (Platform::writeThrough(m_file, line))
-        return;
-    const QString sentence = QStringLiteral("log file '%1': %2").arg(m_file.fileName(), m_file.errorString());
-    m_file.close();
-    m_rest.setRemainingTime(m_limits.restMs);
-    m_lacking = 1;
-    Q_EMIT fileFailed(sentence);
-}
-
-bool HostLog::takeFileUpAgain()
-{
-    if (!m_rest.hasExpired())
-        return false;
-    m_rest.setRemainingTime(m_limits.restMs);
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Append))
-        return false;
-    const Record gap{QDateTime::currentDateTime(),
-                     Warning,
-                     QStringLiteral("host"),
-                     QStringLiteral("Warning"),
-                     QStringLiteral("The log couldn't be written: %1 records are missing here.").arg(m_lacking),
-                     {}};
-    // Behind a line end, as what failed can have left a part of its line.
-    if (Platform::writeThrough(m_file, '\n' + lineOf(gap)))
-        return true;
-    m_file.close();
-    return false;
-}
-
-/// Where a file can't be put aside, the log goes on in the one that there is: no record is lost for a limit. The older
-/// ones move up no further than to the gap that an attempt has left, or each attempt would push one more out.
-void HostLog::startNewFile()
-{
-    const QString path = m_file.fileName();
-    m_file.close();
-    int free = 1;
-    while (free < m_limits.files - 1 && QFile::exists(asidePath(path, free)))
-        ++free;
-    QFile::remove(asidePath(path, free));
-    for (int number = free; number > 0; --number)
-        QFile::rename(asidePath(path, number - 1), asidePath(path, number));
-    m_file.open(QIODevice::WriteOnly | QIODevice::Append);
-}
-
-QStringList HostLog::files() const
-{
-    return filesAt(m_file.fileName(), m_limits.bytes > 0 ? m_limits.files : 1);
-}
-
-QStringList HostLog::filesAt(const QString& path, int most)
-{
-    QStringList paths;
-    for (int number = most - 1; number >= 0; --number)
-        if (QFile::exists(asidePath(path, number)))
-            paths.append(asidePath(path, number));
-    return paths;
 }
 
 bool HostLog::contains(const QString& text) const

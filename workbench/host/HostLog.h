@@ -2,24 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "workbench/support/LogFile.h"
+
 #include <QAbstractTableModel>
 #include <QDateTime>
-#include <QDeadlineTimer>
-#include <QFile>
 #include <QStringList>
 #include <QTimer>
 #include <QVector>
-
-/// How long the log's file grows. A file that would grow larger is put aside as FILE.1, the one of that name as FILE.2
-/// and so on; the oldest goes.
-struct LogLimits
-{
-    qint64 bytes = 0; ///< of one file, unless one record alone is longer; 0: no limit
-    int files = 2;    ///< with the one that is written, at least 2
-    /// How long a file that couldn't be written rests before it is tried again, as a slow drive would hold up each
-    /// record; in milliseconds.
-    int restMs = 60000;
-};
 
 /// The host's log, as a table for the window and as lines in a file. The file holds every record, at once; the table
 /// shows what has come together a little later, and lets the oldest go when it grows long. GUI thread only.
@@ -33,14 +22,11 @@ public:
     static constexpr int LevelRole = Qt::UserRole;
 
     explicit HostLog(QObject* parent = nullptr);
-    ~HostLog() override;
 
     /// Appends every record from now on to that file as well, one line each. False if it can't be opened.
     bool openFile(const QString& path, QString* error, const LogLimits& limits = {});
-    /// The files of the log, the oldest first.
-    QStringList files() const;
-    /// Those that there are of a log of up to @p most files, the oldest first.
-    static QStringList filesAt(const QString& path, int most);
+    /// Returns the files of the log, the oldest first.
+    QStringList files() const { return m_file.files(); }
 
     /// One record. @p channel tells the level; details may be empty.
     void write(const QString& source, const QString& channel, const QString& message, const QStringList& details = {});
@@ -58,8 +44,7 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 Q_SIGNALS:
-    /// The log file can't be written; records still come to the table. Once it can be again, a line there tells how
-    /// many it lacks.
+    /// The log file can't be written any more; records still come to the table.
     void fileFailed(const QString& sentence);
 
 private:
@@ -74,17 +59,9 @@ private:
     };
 
     void showWaiting();
-    static QByteArray lineOf(const Record& record);
-    void writeToFile(const Record& record);
-    bool takeFileUpAgain();
-    void startNewFile();
 
     QVector<Record> m_records;
     int m_rowCount = 0; ///< how many of them the table shows; the others wait for the timer
     QTimer m_showTimer;
-    QFile m_file;
-    bool m_isWritten = false; ///< the file could be opened; if it fails later it is tried again
-    LogLimits m_limits;
-    QDeadlineTimer m_rest;
-    int m_lacking = 0; ///< records that the file lacks since it failed
+    LogFile m_file;
 };

@@ -9,18 +9,19 @@
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"
 #include "workbench/host/ImportHandler.h"
-#include "workbench/host/LogFilter.h"
 #include "workbench/host/PatientDialog.h"
 #include "workbench/host/PatientEvents.h"
 #include "workbench/host/PluginHost.h"
-#include "workbench/host/ReportDialog.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QDir>
+#include <QFileDialog>
 #include <QHeaderView>
 #include <QLocale>
 #include <QMessageBox>
 #include <QScrollBar>
+#include <QStandardPaths>
 #include <QTimer>
 
 #include <algorithm>
@@ -29,6 +30,36 @@ namespace {
 
 constexpr int PuidRole = Qt::UserRole;
 constexpr int LookForReaderEveryMs = 1000;
+
+/// Filters the log by a text in any column, as its base does, and by the level.
+class LogFilter final : public QSortFilterProxyModel
+{
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+    void setLowestLevel(int level)
+    {
+        m_lowestLevel = level;
+        invalidateFilter();
+    }
+
+protected:
+    bool filterAcceptsRow(int row, const QModelIndex& parent) const override
+    {
+        return sourceModel()->index(row, 0, parent).data(HostLog::LevelRole).toInt() >= m_lowestLevel &&
+               QSortFilterProxyModel::filterAcceptsRow(row, parent);
+    }
+
+private:
+    int m_lowestLevel = 0;
+};
+
+/// Makes a button do what an action does, and be enabled with it.
+void setAction(QAbstractButton* button, QAction* action)
+{
+    QObject::connect(button, &QAbstractButton::clicked, action, &QAction::trigger);
+    QObject::connect(action, &QAction::changed, button, [=] { button->setEnabled(action->isEnabled()); });
+}
 
 /// "Doe, Jane", or the one part that there is.
 QString nameOf(const PatientRecord& patient)
@@ -84,7 +115,6 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     , m_events(events)
     , m_pluginHost(pluginHost)
     , m_deviceAdmin(deviceAdmin)
-    , m_logFilter(new LogFilter(this))
 {
     setupUi(this);
     messageBar->hide();
@@ -93,7 +123,11 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     nameFont.setPointSizeF(nameFont.pointSizeF() * 1.3);
     nameFont.setBold(true);
     diaryName->setFont(nameFont);
-    m_logFilter->setSourceModel(&log);
+    auto* logModel = new LogFilter(this);
+    logModel->setSourceModel(&log);
+    logModel->setFilterKeyColumn(-1);
+    logModel->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    logTable->setModel(logModel);
     setUpTables();
     mainSplitter->setStretchFactor(1, 1);
     mainSplitter->setSizes({430, 790});
@@ -111,11 +145,11 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     connect(deletePatientAction, &QAction::triggered, this, &HostWindow::deletePatient);
     connect(openDiaryAction, &QAction::triggered, this, &HostWindow::openDiary);
     connect(closeDiaryAction, &QAction::triggered, &m_events, &PatientEvents::closeDiary);
-    connect(addPatientButton, &QPushButton::clicked, addPatientAction, &QAction::trigger);
-    connect(editPatientButton, &QPushButton::clicked, editPatientAction, &QAction::trigger);
-    connect(deletePatientButton, &QPushButton::clicked, deletePatientAction, &QAction::trigger);
-    connect(openDiaryButton, &QPushButton::clicked, openDiaryAction, &QAction::trigger);
-    connect(closeDiaryButton, &QPushButton::clicked, closeDiaryAction, &QAction::trigger);
+    setAction(addPatientButton, addPatientAction);
+    setAction(editPatientButton, editPatientAction);
+    setAction(deletePatientButton, deletePatientAction);
+    setAction(openDiaryButton, openDiaryAction);
+    setAction(closeDiaryButton, closeDiaryAction);
     connect(saveReportAction, &QAction::triggered, this, &HostWindow::askForReport);
     connect(quitAction, &QAction::triggered, this, &QWidget::close);
     connect(aboutAction, &QAction::triggered, this, [this] {
@@ -124,9 +158,9 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
                            tr("A host application to run, show and test a plug-in with.\n\nPlug-in: %1, version %2\n%3")
                                .arg(plugin->title(), plugin->version(), plugin->copyright()));
     });
-    connect(logLevel, QOverload<int>::of(&QComboBox::currentIndexChanged), m_logFilter, &LogFilter::setLowestLevel);
-    connect(logFilter, &QLineEdit::textChanged, m_logFilter, &LogFilter::setText);
-    connect(m_logFilter, &QAbstractItemModel::rowsInserted, logTable, &QTableView::scrollToBottom);
+    connect(logLevel, QOverload<int>::of(&QComboBox::currentIndexChanged), logModel, &LogFilter::setLowestLevel);
+    connect(logFilter, &QLineEdit::textChanged, logModel, &QSortFilterProxyModel::setFilterFixedString);
+    connect(logModel, &QAbstractItemModel::rowsInserted, logTable, &QTableView::scrollToBottom);
     connect(&log, &HostLog::fileFailed, this, &HostWindow::showError);
 
     connect(&m_events, &IEventPublisher::patientCreated, this, &HostWindow::refresh);
@@ -158,7 +192,6 @@ void HostWindow::setUpTables()
     importTable->setModel(&m_imports);
     setUpHeaders(importTable, 4);
 
-    logTable->setModel(m_logFilter);
     logTable->verticalHeader()->hide();
     logTable->verticalHeader()->setDefaultSectionSize(logTable->fontMetrics().height() + 6);
     // Fixed widths, since measuring every record again would cost more the longer the log grows.
@@ -186,7 +219,7 @@ void HostWindow::showComponents()
         pluginButton->setIcon(action->icon());
         pluginButton->setText(action->text());
         pluginButton->show();
-        connect(pluginButton, &QPushButton::clicked, action, &QAction::trigger);
+        setAction(pluginButton, action);
     }
     refreshActions();
 }
@@ -199,9 +232,25 @@ void HostWindow::runComponent(IComponent* component)
 
 void HostWindow::askForReport()
 {
-    ReportDialog dialog(this);
-    if (dialog.exec() == QDialog::Accepted)
-        Q_EMIT reportRequested(dialog.path(), dialog.withPersonalData());
+    const QString title = tr("Save report");
+    QMessageBox question(QMessageBox::Question, title,
+                         tr("The report has the log, versions, settings and the last traffic with the reader. Without "
+                            "replacement it also has names, ids and serial numbers: give such a report to nobody who "
+                            "may not see the patients' data."),
+                         QMessageBox::Save | QMessageBox::Cancel, this);
+    auto* replacePersonal = new QCheckBox(tr("&Replace names, ids, serial numbers, addresses and paths"), &question);
+    replacePersonal->setObjectName("replacePersonal");
+    replacePersonal->setChecked(true);
+    question.setCheckBox(replacePersonal);
+    if (question.exec() != QMessageBox::Save)
+        return;
+    const QString name = QDateTime::currentDateTime().toString("'merivo-report-'yyyyMMdd-hhmmss'.zip'");
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    // A report never takes the place of a file, so there is nothing to confirm.
+    const QString path = QFileDialog::getSaveFileName(this, title, folder.filePath(name), tr("Archives (*.zip)"),
+                                                      nullptr, QFileDialog::DontConfirmOverwrite);
+    if (!path.isEmpty())
+        Q_EMIT reportRequested(path, !replacePersonal->isChecked());
 }
 
 void HostWindow::addPatient()
@@ -335,12 +384,6 @@ void HostWindow::refreshActions()
     // The entry stays open without a diary: what it says then is the plug-in's affair.
     for (QAction* action : deviceMenu->actions())
         action->setEnabled(isFree);
-    addPatientButton->setEnabled(addPatientAction->isEnabled());
-    editPatientButton->setEnabled(isSelected);
-    deletePatientButton->setEnabled(isSelected);
-    openDiaryButton->setEnabled(isSelected);
-    closeDiaryButton->setEnabled(isOpen);
-    pluginButton->setEnabled(isFree);
 }
 
 void HostWindow::refreshStatus()

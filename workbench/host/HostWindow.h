@@ -16,7 +16,6 @@ class HostDeviceAdmin;
 class HostLog;
 class IComponent;
 class ImportHandler;
-class LogFilter;
 class PatientEvents;
 class PluginHost;
 struct ImportOutcome;
@@ -70,5 +69,4 @@ private:
     QStandardItemModel m_patients;
     QSortFilterProxyModel m_patientFilter;
     QStandardItemModel m_imports;
-    LogFilter* m_logFilter; // child
 };

@@ -5,6 +5,7 @@
 #include "workbench/reader/ReaderSimulator.h"
 #include "workbench/reader/Scenario.h"
 #include "workbench/reader/TrafficReplay.h"
+#include "workbench/support/LogFile.h"
 #include "workbench/support/Platform.h"
 #include "workbench/traffic/TrafficAnonymiser.h"
 #include "workbench/traffic/TrafficRecorder.h"
@@ -108,33 +109,13 @@ int scenarioFor(const QCommandLineParser& parser, Scenario* scenario)
     return Success;
 }
 
-class LogFile
+/// Writes a line of what happens, with the time. Reports it if the log can't be written any more.
+void writeLog(LogFile& log, const QString& line)
 {
-public:
-    bool open(const QString& fileName)
-    {
-        if (fileName.isEmpty())
-            return m_file.open(stderr, QIODevice::WriteOnly);
-        m_file.setFileName(fileName);
-        return m_file.open(QIODevice::WriteOnly | QIODevice::Append);
-    }
-
-    QString errorString() const { return m_file.errorString(); }
-
-    void write(const QString& line)
-    {
-        const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
-        const QByteArray record = QStringLiteral("%1 %2\n").arg(time, line).toUtf8();
-        const bool isWritten = Platform::writeThrough(m_file, record);
-        if (!isWritten && !m_isFailureTold)
-            complain(Failure, QStringLiteral("%1: %2").arg(m_file.fileName(), m_file.errorString()));
-        m_isFailureTold = !isWritten;
-    }
-
-private:
-    QFile m_file;
-    bool m_isFailureTold = false;
-};
+    const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
+    if (!log.write(QStringLiteral("%1 %2\n").arg(time, line).toUtf8()))
+        complain(Failure, log.errorText());
+}
 
 /// WrongCall, told, for options that contradict each other.
 int checkCall(const QCommandLineParser& parser)
@@ -186,7 +167,7 @@ int playRecording(const QCommandLineParser& parser, ReaderDrive& drive, LogFile&
     if (!entries)
         return complain(Failure, errors);
     TrafficReplay replay(drive, *entries, parser.isSet(InstantOption));
-    QObject::connect(&replay, &TrafficReplay::logged, qApp, [&log](const QString& line) { log.write(line); });
+    QObject::connect(&replay, &TrafficReplay::logged, qApp, [&log](const QString& line) { writeLog(log, line); });
     QObject::connect(&replay, &TrafficReplay::failed, qApp, giveUp, Qt::QueuedConnection);
     replay.start();
     return serve(QStringLiteral("merivo-reader: replaying on %1").arg(drive.path()));
@@ -195,7 +176,7 @@ int playRecording(const QCommandLineParser& parser, ReaderDrive& drive, LogFile&
 int playScenario(const QCommandLineParser& parser, const Scenario& scenario, ReaderDrive& drive, LogFile& log)
 {
     ReaderSimulator reader(drive, scenario, parser.isSet(InstantOption));
-    QObject::connect(&reader, &ReaderSimulator::logged, qApp, [&log](const QString& line) { log.write(line); });
+    QObject::connect(&reader, &ReaderSimulator::logged, qApp, [&log](const QString& line) { writeLog(log, line); });
     QObject::connect(&reader, &ReaderSimulator::failed, qApp, giveUp, Qt::QueuedConnection);
     const QStringList pairs = parser.values(PairOption);
     for (const QString& pair : pairs) {
@@ -244,7 +225,7 @@ int run(const QCommandLineParser& parser)
 
     LogFile log;
     if (!log.open(parser.value(LogOption)))
-        return complain(Failure, QStringLiteral("%1: %2").arg(parser.value(LogOption), log.errorString()));
+        return complain(Failure, log.errorText());
     Platform::quitOnStopRequest();
 
     QString error;
