@@ -54,7 +54,13 @@ bool DevicesTable::currentIsAssignedToOther() const
 
 QSize DevicesTable::sizeHint() const
 {
-    return {QTableView::sizeHint().width(), qMax(minimumHeight(), minimumSizeHint().height())};
+    return {QTableView::sizeHint().width(), minimumSizeHint().height()};
+}
+
+QSize DevicesTable::minimumSizeHint() const
+{
+    const int oneRow = horizontalHeader()->sizeHint().height() + verticalHeader()->defaultSectionSize();
+    return {QTableView::minimumSizeHint().width(), oneRow + 2 * frameWidth()};
 }
 
 void DevicesTable::keyPressEvent(QKeyEvent* event)

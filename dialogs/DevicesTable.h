@@ -25,6 +25,8 @@ public:
     bool currentIsAssignedToOther() const;
     /// As high as it must be: the room that is left in a dialog comes on top.
     QSize sizeHint() const override;
+    /// One row and the header.
+    QSize minimumSizeHint() const override;
 
 protected:
     /// A row that is chosen by a key counts as clicked: who can't use a mouse gets on, too.

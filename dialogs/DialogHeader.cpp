@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/DialogHeader.h"
 
+#include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "toolkit/LmIcons.h"
 
@@ -14,7 +15,7 @@ namespace {
 
 void showIfAny(QLabel* label, const QString& text)
 {
-    label->setText(text);
+    showForeignText(label, text);
     label->setVisible(!text.isEmpty());
 }
 
@@ -37,8 +38,7 @@ void showSimulationPath(QLabel* label, const QString& path)
         return;
     }
     // A developer's aid and no part of the translation.
-    label->setText(QStringLiteral("SimulationPath: '%1'").arg(path));
-    label->setToolTip(label->text());
+    showForeignText(label, QStringLiteral("SimulationPath: '%1'").arg(path), 4);
 }
 
 void showPatient(QLabel* line1, QLabel* line2)
@@ -66,6 +66,6 @@ void showScaledToWidth(QLabel* label, const QString& path, int width)
     if (!label)
         return;
     const QPixmap current = label->pixmap(Qt::ReturnByValue);
-    const QSize size = current.scaledToWidth(width, Qt::FastTransformation).size();
+    const QSize size = current.scaledToWidth(qRound(width * formScale(label)), Qt::FastTransformation).size();
     label->setPixmap(lmIcon(path).pixmap(size));
 }

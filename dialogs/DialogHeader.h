@@ -29,6 +29,6 @@ QString inQuestion(const QString& text);
 /// What a screen reader says for a label's text with markup, in one line.
 QString plainText(const QString& text);
 
-/// Shows the image at @p path on @p label, @p width wide, in the shape of the pixmap that the label has. A null label
-/// is ignored.
+/// Shows the image at @p path on @p label, @p width wide at 96 dpi, in the shape of the pixmap that the label has. A
+/// null label is ignored.
 void showScaledToWidth(QLabel* label, const QString& path, int width);

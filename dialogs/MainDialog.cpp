@@ -4,7 +4,7 @@
 
 #include "dialogs/DialogEnd.h"
 #include "dialogs/DialogHeader.h"
-#include "dialogs/FontFitter.h"
+#include "dialogs/FormScale.h"
 #include "dialogs/PumpAddDialog.h"
 #include "dialogs/PumpReadDialog.h"
 #include "dialogs/PumpRemoveDialog.h"
@@ -43,7 +43,6 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
 {
     setupUi(this);
     lmRemoveHelpButton(this);
-    new FontFitter(this);
 
     markBigSizeFont(m_TitleLabel);
     markHighlightFont(m_TitleLabel);
@@ -56,7 +55,8 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
 
     showScaledToWidth(m_GraphicLabel1, PumpPicture, PictureWidth);
     showScaledToWidth(m_GraphicLabel3, ReaderPicture, PictureWidth);
-    m_GraphicLabel2->setPixmap(lmIcon(QStringLiteral(":/img/Images/icon_help_grey_dark.svg")).pixmap(StateIconSize));
+    m_GraphicLabel2->setPixmap(
+        lmIcon(QStringLiteral(":/img/Images/icon_help_grey_dark.svg")).pixmap(StateIconSize * formScale(this)));
 
     // Not by the form, which would make new icons for each run: Qt's pixmap cache, which is the host's too, would fill
     // up with pictures of icons that are gone.
@@ -78,6 +78,11 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
 
     refresh();
     prepareReader();
+
+    // The answer of the reader finds its room.
+    m_pumpAssignLabel->setText(tr("Pump assigned: S/N '%1'.").arg(QString(16, '0')));
+    scaleForm(this);
+    m_pumpAssignLabel->clear();
 }
 
 void MainDialog::loadPictures(QObject* context, QVector<QPixmap>* kept)
@@ -277,14 +282,15 @@ void MainDialog::refresh()
     m_readPumpButton->setEnabled(hasPump);
     m_removePumpButton->setEnabled(hasPump);
     m_DialogButtonBox->setEnabled(m_pairedPumpKnown);
-    if (m_pairedPumpKnown)
-        m_pumpAssignLabel->setText(hasPump ? tr("Pump assigned: S/N '%1'.").arg(serialNumber) : tr("No pump assigned"));
     m_pumpAssignLabel->setVisible(m_pairedPumpKnown);
+    if (m_pairedPumpKnown) {
+        const QString text = hasPump ? tr("Pump assigned: S/N '%1'.").arg(serialNumber) : tr("No pump assigned");
+        showForeignText(m_pumpAssignLabel, text);
+        m_GraphicLabel2->setAccessibleName(text);
+    }
     const QString image = hasPump ? QStringLiteral(":/img/Images/icon_connected.svg")
                                   : QStringLiteral(":/img/Images/icon_plus_grey_dark.svg");
-    m_GraphicLabel2->setPixmap(lmIcon(image).pixmap(StateIconSize));
-    if (m_pairedPumpKnown)
-        m_GraphicLabel2->setAccessibleName(m_pumpAssignLabel->text());
+    m_GraphicLabel2->setPixmap(lmIcon(image).pixmap(StateIconSize * formScale(this)));
     setUpdatesEnabled(true);
 }
 

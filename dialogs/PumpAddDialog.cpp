@@ -5,6 +5,7 @@
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogEnd.h"
 #include "dialogs/DialogHeader.h"
+#include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/MessageBoxes.h"
@@ -41,6 +42,7 @@ PumpAddDialog::PumpAddDialog(IServices* services, IDatabase* database, const QSt
         button->hide();
     connectAll();
     setPage(StartPage);
+    scaleForm(this);
 }
 
 void PumpAddDialog::setFonts()
@@ -274,8 +276,8 @@ void PumpAddDialog::onAssignButton()
 void PumpAddDialog::onCodeReceived(const QString& confirmCode)
 {
     setUpdatesEnabled(false);
-    m_AssignPairingCode->setText(confirmCode);
     m_AssignPairingCode->show();
+    showForeignText(m_AssignPairingCode, confirmCode);
     m_AssignMessage2->show();
     m_AssignBusyLabel->hide();
     m_AssignBusyMessage->hide();

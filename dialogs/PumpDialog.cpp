@@ -4,12 +4,18 @@
 
 #include "dialogs/DialogEnd.h"
 #include "dialogs/DialogHeader.h"
-#include "dialogs/FontFitter.h"
+#include "dialogs/FormScale.h"
 #include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"
 #include "toolkit/LmWidgets.h"
 
 #include <QLabel>
+
+namespace {
+
+constexpr QSize BusySize{74, 74};
+
+} // namespace
 
 PumpDialog::PumpDialog(IServices* services, IDatabase* database, QWidget* parent)
     : QDialog(parent)
@@ -17,6 +23,7 @@ PumpDialog::PumpDialog(IServices* services, IDatabase* database, QWidget* parent
     , m_database(database)
     , m_busyMovie(QStringLiteral(":/img/Images/busy.gif"))
 {
+    m_busyMovie.setScaledSize(BusySize * formScale(this));
     // Without a frame a label shows nothing until the movie runs, and takes no room in the layout.
     m_busyMovie.jumpToFrame(0);
     lmRemoveHelpButton(this);
@@ -55,7 +62,6 @@ bool PumpDialog::rejectIfDiaryChanged()
 void PumpDialog::fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
                             const QString& simulationPath)
 {
-    new FontFitter(this);
     markBigSizeFont(title);
     markHighlightFont(title);
     showSimulationPath(simulation, simulationPath);

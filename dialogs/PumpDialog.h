@@ -35,8 +35,7 @@ Q_SIGNALS:
     void deviceReaderCritical();
 
 protected:
-    /// To be called once the form is set up: fills the header that the pump dialogs have in common, and keeps the texts
-    /// whole.
+    /// To be called once the form is set up: fills the header that the pump dialogs have in common.
     void fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
                     const QString& simulationPath);
 
@@ -45,8 +44,8 @@ protected:
     /// have changed; the main dialog reports the end to the user.
     bool rejectIfDiaryChanged();
 
-    /// Shows the image at @p path on @p label, @p width wide, in the shape of the pixmap that the label has. A null
-    /// label is ignored.
+    /// Shows the image at @p path on @p label, @p width wide at 96 dpi, in the shape of the pixmap that the label has.
+    /// A null label is ignored.
     void setWidthScaledPixmap(QLabel* label, const QString& path, int width);
 
     IServices* m_services;

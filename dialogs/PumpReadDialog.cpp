@@ -3,6 +3,7 @@
 #include "dialogs/PumpReadDialog.h"
 
 #include "dialogs/DialogHeader.h"
+#include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"
@@ -43,6 +44,7 @@ PumpReadDialog::PumpReadDialog(IServices* services, IDatabase* database, const Q
             Qt::QueuedConnection);
     connect(m_control, &ReadoutPumpControl::readoutFinished, this, &PumpReadDialog::onReadoutFailed,
             Qt::QueuedConnection);
+    scaleForm(this);
 }
 
 bool PumpReadDialog::isCancelEnabled() const
@@ -133,6 +135,6 @@ void PumpReadDialog::discardData()
 
 void PumpReadDialog::setMessage(const QString& text)
 {
-    m_MessageLabel->setText(text);
+    showForeignText(m_MessageLabel, text);
     m_ProgressBar->setAccessibleName(text);
 }

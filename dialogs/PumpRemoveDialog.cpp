@@ -4,6 +4,7 @@
 
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogHeader.h"
+#include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/MessageBoxes.h"
 #include "workflows/RemovePumpControl.h"
@@ -33,6 +34,7 @@ PumpRemoveDialog::PumpRemoveDialog(IServices* services, IDatabase* database, con
     connect(m_DialogButtonBox, &QDialogButtonBox::clicked, this, &PumpRemoveDialog::onButtonClicked);
     connect(m_control, &RemovePumpControl::removingSucceeded, this, &PumpRemoveDialog::onRemovingSucceeded);
     connect(m_control, &RemovePumpControl::removingFinished, this, &PumpRemoveDialog::onRemovingFailed);
+    scaleForm(this);
 }
 
 bool PumpRemoveDialog::isCancelEnabled() const
