@@ -41,6 +41,8 @@ private Q_SLOTS:
             quiet.setObject(&objects[0], QStringLiteral("Export::Export()"), false);
             loud.setObject(&objects[2], QStringLiteral("Former::Former()"), false);
             loud.setObject(&objects[1], QStringLiteral("Import::Import(%1::%2)"), true);
+            idle.setObject(nullptr, QStringLiteral("Null::Null()"), false);
+            idle.setObject(&objects[2], QString(), false);
             QVERIFY(manager.find(&objects[1]) == &loud && manager.contains(&objects[0]));
             QVERIFY(!manager.contains(&objects[2]) && !manager.contains(nullptr));
             for (int i = 0; i < 2; ++i) {
@@ -109,6 +111,7 @@ private Q_SLOTS:
             QVERIFY2(available > 0 && available < total && total > 1 << 24, QByteArray::number(kind));
         }
         QVERIFY(LmDriveSpace::memoryInfo(2).first >= LmDriveSpace::memoryInfo(0).first);
+        QVERIFY(qint64(LmDriveSpace::memoryInfo(0).first) % 4096 == 0);                 // Whole pages.
         QVERIFY(LmDriveSpace::memoryInfo(1).first > LmDriveSpace::memoryInfo(2).first); // Any memory fits in.
         for (const int kind : {-1, 3})
             QCOMPARE(LmDriveSpace::memoryInfo(kind), qMakePair(-1.0, -1.0));
