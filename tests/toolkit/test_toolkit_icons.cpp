@@ -116,6 +116,7 @@ private Q_SLOTS:
         // Capitals make a raster image; negative halves too go away from zero.
         const QRectF capitals = lmPaintPicture(&other, lmPicture(file("v.SVG")), QPointF(-2.5, -3.5), 0x21);
         QCOMPARE(capitals, QRectF(-3, -4, 20.5, 10.5));
+        QCOMPARE(lmPicture(file("v.SVG")).boundingRect(), QRect(0, 0, 20, 10));
         const QRectF bottom = lmPaintPicture(&other, lmPicture(file("v.svg")), rect, Qt::AlignBottom);
 
         // What rounding moves of the left and top edge, the size takes up.
