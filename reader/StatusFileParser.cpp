@@ -6,6 +6,7 @@
 #include "plugin/session/LogChannels.h"
 #include "reader/CommandFileWriter.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -73,6 +74,7 @@ StatusFileParser::~StatusFileParser()
     // On Linux the kernel blocks for up to 25 ms if a watcher is deleted right after its paths. By name, as the plug-in
     // may be unloaded until then: a member pointer would make code of the plug-in part of the call.
     m_watcher->removePaths({m_statusFile, m_path});
+    m_watcher->setParent(QCoreApplication::instance()); // which may end first
     QTimer::singleShot(WatcherReleaseMs, m_watcher.release(), SLOT(deleteLater()));
 }
 
