@@ -129,5 +129,4 @@ void Growth::addTo(Report& report, std::optional<double> limit) const
         report.add(step + ", against linear", ratio, "times", *limit);
     else
         report.note(step + ", against linear", ratio, "times");
-    report.note(step, std::log(toCost / fromCost) / std::log(toSize / fromSize), "exponent");
 }

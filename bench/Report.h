@@ -116,8 +116,7 @@ public:
     Growth(QString what, QString things, QString unit);
 
     void add(double size, double cost) { m_points.emplace_back(size, cost); }
-    /// Adds each cost, and how the last one compares with the one before it: against linear growth, with a limit if
-    /// there is one, and as an exponent.
+    /// Adds each cost and the ratio of the last step to linear growth, with a limit if there is one.
     void addTo(Report& report, std::optional<double> limit) const;
 
 private:

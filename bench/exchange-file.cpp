@@ -110,8 +110,8 @@ int main(int argc, char** argv)
 
     const QTemporaryDir folder(memoryFolder() + "/exchange-XXXXXX");
     std::array<Growth, CostCount> growths{
-        Growth("plug-in's MAC", "MiB", "ms"), Growth("plug-in's MAC, peak memory added", "MiB", "KiB"),
-        Growth("host's import", "MiB", "ms"), Growth("host's import, peak memory added", "MiB", "KiB")};
+        Growth("plug-in's MAC", "MiB", "ms"), Growth("plug-in's MAC, peak memory", "MiB", "KiB"),
+        Growth("host's import", "MiB", "ms"), Growth("host's import, peak memory", "MiB", "KiB")};
     std::vector<double> macMemory;
     for (const int mebibytes : Sizes) {
         const QString path = folder.filePath(QString("I%1.xml").arg(mebibytes));

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// How the end of a search for pumps grows with the reader's device list, and, as the lookup of a pump's patient does,
-// with the number of patients: in a host that has them in a map, and in merivo-host with its database.
+// How the end of a search for pumps grows with the reader's device list, and the lookup of a pump's patient in
+// merivo-host with the number of patients.
 
 #include "bench/Machine.h"
 #include "bench/Report.h"
@@ -16,7 +16,6 @@
 #include "workbench/host/ExtensionPoints.h"
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostLog.h"
-#include "workflows/AddPumpControl.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -27,7 +26,6 @@
 #include <QTableView>
 #include <QTemporaryDir>
 
-#include <array>
 #include <memory>
 
 namespace {
@@ -142,84 +140,39 @@ bool addPatients(const QString& path, int first, int end)
     return isDone;
 }
 
-/// Returns the milliseconds for the name of the last patient in the map's order; -1 if it isn't found.
-double nameOfPatient(const PatientRecord& patient)
-{
-    const double start = workMilliseconds();
-    const QString name = PatientSession::patientName(PatientSession::patientIdsOf(patient.puid));
-    const double time = workMilliseconds() - start;
-    return name == patient.ids.at(0) + ", " + patient.ids.at(1) ? time : -1;
-}
-
-/// Returns the milliseconds from the finished() of a search to its results, ten pumps of known patients; -1 on a
-/// failure.
-double searchResults(const ReaderFolder& reader, IServices* services, IDatabase* database)
-{
-    const std::unique_ptr<CommandFileWriter> writer(CommandFileWriter::create(reader.drive()));
-    const std::unique_ptr<StatusFileParser> parser(StatusFileParser::create(reader.drive()));
-    AddPumpControl control(services, database, nullptr);
-    int paired = 0;
-    QObject::connect(&control, &AddPumpControl::pairingSearchResults, &control,
-                     [&paired](const QList<DeviceInfo>& found) {
-                         for (const DeviceInfo& device : found)
-                             paired += device.paired ? 1 : 0;
-                     });
-    control.startPairingSearch();
-    parser->m_lastStatus.status = CommandStatus::Done;
-    const double start = workMilliseconds();
-    Q_EMIT parser->finished(true);
-    QCoreApplication::processEvents();
-    return paired == 10 ? workMilliseconds() - start : -1;
-}
-
-bool measurePatients(Report& report, const ReaderFolder& reader)
+/// Measures the lookup of the last patient's name, as the tooltip over a pump makes it.
+bool measurePatients(Report& report)
 {
     const QTemporaryDir folder;
     HostLog log;
-    HostDatabase patients;
-    if (!patients.open(folder.filePath("patients.sqlite")) || !reader.writeFile(FileName, deviceList(10, false)))
+    HostDatabase database;
+    if (!database.open(folder.filePath("patients.sqlite")))
         return false;
-    HostServices services(log, patients);
-    DatabasePoint point(log, patients);
-    RecordingHost recorder;
-    struct Host
-    {
-        IServices* services;
-        IDatabase* database;
-        Growth name;
-        Growth search;
-    };
-    std::array<Host, 2> hosts{
-        {{&recorder.services, &recorder.database, Growth("name of a patient, host with a map", "patients", "ms"),
-          Growth("end of a search, host with a map", "patients", "ms")},
-         {&services, &point, Growth("name of a patient, merivo-host", "patients", "ms"),
-          Growth("end of a search, merivo-host", "patients", "ms")}}};
-    double longestName = 0;
+    HostServices services(log, database);
+    DatabasePoint point(log, database);
+    PatientSession::setHost(&services, &point);
+    Growth names("name of a patient", "patients", "ms");
     int present = 0;
+    double longest = 0;
     for (int count = 10; count <= report.number("patients"); count *= 10) {
-        if (!addPatients(patients.path(), present, count))
+        if (!addPatients(database.path(), present, count))
             return false;
-        for (; present < count; ++present)
-            recorder.database.records.insert(patientOf(present).puid, patientOf(present));
-        const PatientRecord last = recorder.database.records.last();
-        for (Host& host : hosts) {
-            PatientSession::setHost(host.services, host.database);
-            const double name = lowestCost([&] { return nameOfPatient(last); });
-            const double search = lowestCost([&] { return searchResults(reader, host.services, host.database); });
-            if (name < 0 || search < 0)
-                return false;
-            host.name.add(count, name);
-            longestName = name; // at last that of merivo-host with all patients
-            host.search.add(count, search);
-        }
+        present = count;
+        const PatientRecord last = point.patients(database.guid()).last();
+        const QString expected = last.ids.at(0) + ", " + last.ids.at(1);
+        longest = lowestCost([&] {
+            const double start = workMilliseconds();
+            const QString name = PatientSession::patientName(PatientSession::patientIdsOf(last.puid));
+            const double time = workMilliseconds() - start;
+            return name == expected ? time : -1;
+        });
+        if (longest < 0)
+            return false;
+        names.add(count, longest);
     }
     // No limit for the growth: a map of 100,000 patients doesn't fit into the processor's caches.
-    for (const Host& host : hosts) {
-        host.name.addTo(report, std::nullopt);
-        host.search.addTo(report, std::nullopt);
-    }
-    // One frame of the screen, which a tooltip must not exceed.
-    report.add("name of a patient, merivo-host, all patients", longestName, "ms", 16);
+    names.addTo(report, std::nullopt);
+    report.add("name of a patient, all patients", longest, "ms", 16); // one frame of the screen
     return true;
 }
 
@@ -235,7 +188,7 @@ int main(int argc, char** argv)
     qputenv("TMPDIR", QFile::encodeName(memoryFolder())); // the time of a disk isn't what grows
     const ReaderFolder reader;
     reader.writeStatus("Reader status 0", "NONE", "done");
-    if (!measureDevices(report, reader) || !measurePatients(report, reader))
+    if (!measureDevices(report, reader) || !measurePatients(report))
         return benchmarkFailed("a file can't be written, or a search has wrong results");
     return report.print();
 }

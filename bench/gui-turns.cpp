@@ -15,7 +15,6 @@
 #include <QEvent>
 #include <QPluginLoader>
 #include <QPushButton>
-#include <QSemaphore>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QThread>
@@ -32,43 +31,28 @@ constexpr int PauseMs = 500;     // before each read-out
 constexpr int ProgressMs = 3000; // the reader's time for the pump's history
 constexpr int ExchangeFileBytes = 512 * 1024;
 
-/// A reader in a thread of its own, as the real one is a device of its own.
+/// The thread of the reader, as the real one is a device of its own.
 class ReaderThread final : public QThread
 {
 public:
-    ReaderThread()
-    {
-        start();
-        m_ready.acquire();
-    }
     ~ReaderThread() override
     {
         quit();
         wait();
     }
-
-    QString drive() const { return m_drive; }
-
-private:
-    void run() override
-    {
-        ReaderFolder reader;
-        reader.writeFile("V0001.log", "Log\n\n\n\nFirmware version 3.2.23\n");
-        reader.writeStatus("Reader status 0", "NONE", "done");
-        reader.answer("BTISPAIRED", {{200, "running"}, {300, "done", "1234567"}});
-        reader.answer("BTREAD", {{300, "running"}, {ProgressMs, "done"}});
-        reader.beforeLastAnswer = [&reader](const QString& command) {
-            if (command == "BTREAD")
-                reader.writeFile("I0001.xml", QByteArray(ExchangeFileBytes, 'x'));
-        };
-        m_drive = reader.drive();
-        m_ready.release();
-        exec();
-    }
-
-    QString m_drive;
-    QSemaphore m_ready;
 };
+
+void prepare(ReaderFolder& reader)
+{
+    reader.writeFile("V0001.log", "Log\n\n\n\nFirmware version 3.2.23\n");
+    reader.writeStatus("Reader status 0", "NONE", "done");
+    reader.answer("BTISPAIRED", {{200, "running"}, {300, "done", "1234567"}});
+    reader.answer("BTREAD", {{300, "running"}, {ProgressMs, "done"}});
+    reader.beforeLastAnswer = [&reader](const QString& command) {
+        if (command == "BTREAD")
+            reader.writeFile("I0001.xml", QByteArray(ExchangeFileBytes, 'x'));
+    };
+}
 
 /// The user, who clicks "Read pump" as soon as it is enabled. Has no timer, which would add turns of its own.
 class User final : public QObject
@@ -132,7 +116,11 @@ int main(int argc, char** argv)
         "Blocking of the GUI thread in read-outs (" + QGuiApplication::platformName() + ")",
         {{"rounds", 5, "Read-outs."}, {"longest", 0, "Lists so many of the longest turns on standard error."}});
     const auto rounds = static_cast<std::size_t>(report.number("rounds"));
-    const ReaderThread reader;
+    ReaderFolder reader;
+    prepare(reader);
+    ReaderThread thread;
+    reader.moveToThread(&thread);
+    thread.start();
     const QTemporaryDir folder;
     RecordingHost host;
     host.deviceAdmin.drivePath = reader.drive();

@@ -38,10 +38,7 @@ bool writeTraffic(const QString& folder, int pumpsOfAList)
             for (Pump& pump : pumps) {
                 pump.serialNumber = QString("MV-%1").arg(++next, 6, 10, QLatin1Char('0'));
                 pump.name = QString("Pump of %1").arg(next);
-                const auto byte = [](int value) {
-                    return QString::number(10 + value % 90);
-                };
-                pump.address = "00:1E:42:" + byte(next / 8100) + ':' + byte(next / 90) + ':' + byte(next);
+                pump.address = QString::asprintf("00:1E:42:%02X:%02X:%02X", next >> 16, next >> 8 & 255, next & 255);
             }
             ReaderStatus status;
             status.header = QString("QD17-C RemoteControl File 0001-%1").arg(++next, 6, 10, QLatin1Char('0'));

@@ -1,28 +1,26 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// A polling run of eight hours: whether each tick makes the drive show its newest status and reads it, whether each
-// change of the status is seen at the next tick, and whether anything grows.
+// Polling for hours: whether each tick writes the trigger and reads the status, whether each change of the status is
+// seen at the next tick, and whether anything grows.
 
-#include "bench/endurance/Holdings.h"
+#include "bench/endurance/ResourceCounts.h"
 #include "bench/endurance/VirtualTime.h"
 #include "plugin/session/Logger.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/StatusFileParser.h"
+#include "support/ReaderFolder.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
-#include <QDir>
-#include <QFileInfo>
 #include <QLoggingCategory>
-#include <QTemporaryDir>
-#include <QTimer>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <random>
 
 #include <fcntl.h>
@@ -32,114 +30,67 @@
 namespace {
 
 constexpr int TicksPerHour = 36000;
-constexpr int MostHours = 100;           // a run's limit is a number of milliseconds
-constexpr qint64 AllowedGrowthKiB = 256; // from the end of the first hour on
+constexpr qint64 AllowedGrowthKiB = 256; // after the first hour
 constexpr double AllowedPauseMs = 105;
 
-/// The reader, and the book-keeping of what the plug-in does to its files. It acts when the trigger file is opened, as
-/// a drive shows a new status then and not before. Lives on the polling thread while a run goes on.
+/// Records what the plug-in does to the reader's files, and changes the status when the trigger file is opened, as a
+/// drive does. Used on the polling thread only.
 class WatchedDrive final
 {
-    Q_DISABLE_COPY_MOVE(WatchedDrive)
-
 public:
-    WatchedDrive(const QString& folder, int ticks, quint32 seed)
-        : m_misc((folder + QStringLiteral("/MISC")).toLocal8Bit())
-        , m_ticks(ticks)
-        , m_random(seed)
-    {
-        QDir().mkpath(folder + QStringLiteral("/MISC"));
-        writeStatus("done");
-    }
-
-    /// From now on the reader works on a command, for so many ticks.
-    void begin() { m_begun = true; }
+    WatchedDrive(const ReaderFolder& reader, int wantedTicks)
+        : m_reader(reader)
+        , m_wantedTicks(wantedTicks)
+    {}
 
     void opened(const char* path)
     {
         const char* name = std::strrchr(path, '/');
-        if (!name)
-            return;
-        if (std::strcmp(name, "/MISCNoCommand.txt") == 0)
+        if (name && std::strcmp(name, "/MISCNoCommand.txt") == 0)
             triggered();
-        else if (std::strcmp(name, "/STATUS.TXT") == 0)
-            read();
+        else if (name && std::strcmp(name, "/STATUS.TXT") == 0)
+            outOfTurn += ++reads != triggers ? 1 : 0;
     }
 
-    /// A record of the plug-in's log.
+    /// Takes the number of a status from a record of the plug-in's log.
     void recorded(const QString& record)
     {
-        const QString label = QStringLiteral("[Status ");
-        const int place = record.indexOf(label);
-        if (place >= 0 && record.contains(QLatin1String("> observed.")))
-            m_seen = record.mid(place + label.size()).section(QLatin1Char(']'), 0, 0).toInt();
+        if (record.contains("> observed."))
+            seen = record.section("[Status ", 1).section(']', 0, 0).toInt();
     }
-
-    /// A tick that lets the run go on is over.
-    void ticked() { ++m_finishedTicks; }
-    bool isLastSeen() const { return m_seen == m_shown; }
 
     int triggers = 0;
     int reads = 0;
+    int ticks = 0; ///< counted by the receiver of progress()
     int changes = 0;
-    int outOfTurn = 0;         ///< opened in another order than trigger, status, tick
-    int missed = 0;            ///< changes that weren't seen at the tick they were made for
+    int seen = 0;              ///< the latest status in the log; 0 as long as there is none
+    int outOfTurn = 0;         ///< in another order than trigger, status, tick
+    int missed = 0;            ///< changes that weren't seen at the next tick
     double longestPauseMs = 0; ///< between two triggers
 
 private:
     void triggered()
     {
-        if (!m_begun)
-            return;
-        if (triggers != reads || triggers != m_finishedTicks)
-            ++outOfTurn;
-        if (m_seen != m_shown)
-            ++missed;
+        outOfTurn += triggers != reads || triggers != ticks ? 1 : 0;
+        missed += seen != changes ? 1 : 0;
         const double now = VirtualTime::milliseconds();
         if (triggers > 0)
             longestPauseMs = std::max(longestPauseMs, now - m_lastTrigger);
         m_lastTrigger = now;
         ++triggers;
-        const bool isLast = triggers == m_ticks;
-        if (isLast || m_random() % 20 == 0) {
-            ++changes;
-            writeStatus(isLast ? "done" : "running");
-        }
-    }
-
-    void read()
-    {
-        if (!m_begun)
+        if (triggers != m_wantedTicks && m_random() % 20 != 0)
             return;
-        ++reads;
-        if (reads != triggers)
-            ++outOfTurn;
+        ++changes;
+        // By another name and through a file descriptor, so that opened() isn't called for it.
+        const bool isWritten = m_reader.writeStatus(QString("Status %1").arg(changes), "BTREAD",
+                                                    triggers == m_wantedTicks ? "done" : "running");
+        if (!isWritten)
+            qFatal("can't write the status");
     }
 
-    /// In place of the old one in one step, past the watched calls.
-    void writeStatus(const char* word)
-    {
-        ++m_shown;
-        if (!m_begun)
-            m_seen = m_shown;
-        char text[128];
-        const int size = std::snprintf(text, sizeof text,
-                                       "Status %d\nCmd=BTREAD\nStatus  = %s\nResult  = \nError -0.\n", m_shown, word);
-        const QByteArray next = m_misc + "/STATUS.NEW";
-        const long file = syscall(SYS_openat, AT_FDCWD, next.constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        if (file < 0 || ::write(static_cast<int>(file), text, static_cast<std::size_t>(size)) != size)
-            qFatal("can't write %s", next.constData());
-        close(static_cast<int>(file));
-        std::rename(next.constData(), (m_misc + "/STATUS.TXT").constData());
-    }
-
-    const QByteArray m_misc;
-    const int m_ticks;
-    std::mt19937 m_random;
-    std::atomic<bool> m_begun{false};
-    int m_shown = 0; ///< the number in the newest status
-    int m_seen = 0;  ///< the number in the latest one that the plug-in logged
-    int m_finishedTicks = 0;
+    const ReaderFolder& m_reader;
+    const int m_wantedTicks;
+    std::mt19937 m_random{1}; // NOLINT(cert-msc51-cpp): the same ticks each time
     double m_lastTrigger = 0;
 };
 
@@ -153,40 +104,34 @@ void takeRecord(QtMsgType type, const QMessageLogContext&, const QString& text)
         std::fprintf(stderr, "%s\n", qUtf8Printable(text));
 }
 
-void print(const QString& label, const Holdings& holdings)
+/// Processes events until @p parser has ended; returns whether it succeeded.
+bool poll(StatusFileParser* parser, WatchedDrive& drive, int hours, qint64* firstHourKiB)
 {
-    std::printf("%12s %10lld %10lld %6d %8d %7d %9d\n", qUtf8Printable(label), holdings.residentKiB,
-                holdings.allocatedKiB, holdings.files, holdings.threads, holdings.timers, holdings.objects);
-    std::fflush(stdout);
-}
-
-/// Whether all was kept; prints the verdict.
-bool tell(const WatchedDrive& drive, int ticks, int progressed, int successes, const Holdings& start,
-          const Holdings& afterFirstHour, const Holdings& end)
-{
-    std::printf("\n%.2f hours of the plug-in's time in %.0f s; longest pause between two ticks: %.3f ms\n",
-                VirtualTime::milliseconds() / 3600000, VirtualTime::realMilliseconds() / 1000, drive.longestPauseMs);
-    std::printf(
-        "Ticks: %d wanted; %d times progress and %d times the end; trigger written %d times, status read %d times, "
-        "out of turn %d times\n",
-        ticks, progressed, successes, drive.triggers, drive.reads, drive.outOfTurn);
-    std::printf("Changes of the status: %d, not seen at their tick: %d\n", drive.changes, drive.missed);
-    const qint64 growth = end.residentKiB - afterFirstHour.residentKiB;
-    std::printf("Memory at the end, compared with the first hour: %+lld KiB, wanted: at most %lld\n", growth,
-                AllowedGrowthKiB);
-    const QString difference = end.differenceFrom(start);
-    std::printf("Left behind: %s\n", difference.isEmpty() ? "nothing" : qUtf8Printable(difference));
-
-    const bool kept = progressed == ticks - 1 && successes == 1 && drive.triggers == ticks && drive.reads == ticks &&
-                      drive.outOfTurn == 0 && drive.missed == 0 && drive.isLastSeen() &&
-                      drive.longestPauseMs <= AllowedPauseMs && growth <= AllowedGrowthKiB && difference.isEmpty();
-    std::printf("%s\n", kept ? "kept" : "NOT KEPT");
-    return kept;
+    QObject receiver;
+    bool isDone = false;
+    QObject::connect(
+        parser, &StatusFileParser::progress, parser, [&drive] { ++drive.ticks; }, Qt::DirectConnection);
+    int progressed = 1;
+    QObject::connect(parser, &StatusFileParser::progress, &receiver, [&progressed, firstHourKiB] {
+        if (++progressed == TicksPerHour)
+            *firstHourKiB = ResourceCounts::now().residentKiB;
+    });
+    QObject::connect(parser, &StatusFileParser::finished, &receiver, [&isDone](bool success) {
+        isDone = success;
+        QCoreApplication::quit();
+    });
+    QObject::connect(parser, &StatusFileParser::timeout, &receiver, &QCoreApplication::quit);
+    CommandFileWriter::instance()->read("1234567");
+    parser->start(hours * 3600 * 2, 0, 0);
+    s_drive = &drive; // after the snapshot, and before the first tick, which needs the event loop
+    QCoreApplication::exec();
+    s_drive = nullptr;
+    return isDone && progressed == hours * TicksPerHour;
 }
 
 } // namespace
 
-// Qt opens its files by this call. The program's symbols come before those of the C library.
+// Qt opens its files with this call. The program's symbols precede those of the C library.
 extern "C" Q_DECL_EXPORT int open64(const char* path, int flags, ...)
 {
     va_list arguments;
@@ -200,72 +145,48 @@ extern "C" Q_DECL_EXPORT int open64(const char* path, int flags, ...)
 
 int main(int argc, char** argv)
 {
-    VirtualTime::start();
-    QCoreApplication app(argc, argv);
-    watchObjects();
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Polls a reader for eight hours, in a clock of its own."));
-    parser.addHelpOption();
-    parser.addOptions({
-        {QStringLiteral("hours"), QStringLiteral("How long."), QStringLiteral("number"), QStringLiteral("8")},
-        {QStringLiteral("seed"), QStringLiteral("Of the ticks at which the status changes."), QStringLiteral("number"),
-         QStringLiteral("1")},
-    });
-    parser.process(app);
-    const int hours = parser.value(QStringLiteral("hours")).toInt();
-    if (hours < 1 || hours > MostHours) {
-        std::fprintf(stderr, "endurance-polling: --hours takes a whole number from 1 to %d\n", MostHours);
+    const int hours = argc == 2 ? std::atoi(argv[1]) : 0;
+    if (hours < 1 || hours > 100) {
+        std::fprintf(stderr, "usage: endurance-polling HOURS, at most 100\n");
         return 2;
     }
-    const int ticks = hours * TicksPerHour;
-    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\nplugin.merivoconnections.debug=true"));
+    VirtualTime::start();
+    qputenv("TMPDIR", "/dev/shm");
+    QCoreApplication app(argc, argv);
+    watchObjects();
+    QLoggingCategory::setFilterRules("*.debug=false\nplugin.merivoconnections.debug=true");
     qInstallMessageHandler(takeRecord);
 
-    const QString inMemory = QStringLiteral("/dev/shm");
-    const QTemporaryDir folder((QFileInfo(inMemory).isWritable() ? inMemory : QDir::tempPath()) +
-                               QStringLiteral("/endurance-XXXXXX"));
-    WatchedDrive drive(folder.path(), ticks, parser.value(QStringLiteral("seed")).toUInt());
-
-    std::printf("%12s %10s %10s %6s %8s %7s %9s\n", "tick", "resident", "allocated", "files", "threads", "timers",
-                "QObjects");
-    // What stays from the first use on: the plug-in's logger, and what the event loop and the clock wait with.
+    const int ticks = hours * TicksPerHour;
+    const ReaderFolder reader;
+    reader.writeStatus("Status 0", "BTREAD", "done");
+    WatchedDrive drive(reader, ticks);
+    // What stays after its first use: the plug-in's logger, and what the event loop and the clock wait with.
     Logger::instance(nullptr, nullptr);
     QTimer::singleShot(1, &app, &QCoreApplication::quit);
     QCoreApplication::exec();
-    const Holdings start = Holdings::now();
-    print(QStringLiteral("start"), start);
-    Holdings afterFirstHour;
-    int progressed = 0;
-    int successes = 0;
+    const ResourceCounts start = ResourceCounts::now();
+    qint64 firstHourKiB = 0;
+    bool isDone = false;
     {
-        CommandFileWriter::create(folder.path());
-        StatusFileParser* reader = StatusFileParser::create(folder.path());
-        QObject receiver;
-        QObject::connect(
-            reader, &StatusFileParser::progress, reader, [&drive] { drive.ticked(); }, Qt::DirectConnection);
-        QObject::connect(reader, &StatusFileParser::progress, &receiver, [&] {
-            ++progressed;
-            if (progressed == TicksPerHour - 1)
-                afterFirstHour = Holdings::now();
-            if (progressed == TicksPerHour - 1 || (progressed + 1) % (ticks / 8) == 0)
-                print(QString::number(progressed + 1), Holdings::now());
-        });
-        QObject::connect(reader, &StatusFileParser::finished, &receiver, [&successes](bool success) {
-            successes += success ? 1 : 0;
-            QCoreApplication::quit();
-        });
-        QObject::connect(reader, &StatusFileParser::timeout, &receiver, &QCoreApplication::quit);
-        CommandFileWriter::instance()->read(QStringLiteral("1234567"));
-        reader->start(hours * 3600 * 2, 0, 0);
-        s_drive =
-            &drive; // behind the read of the snapshot, and ahead of the first tick, for which the clock has to move
-        drive.begin();
-        QCoreApplication::exec();
-        s_drive = nullptr;
-        delete reader;
-        delete CommandFileWriter::instance();
+        const std::unique_ptr<CommandFileWriter> writer(CommandFileWriter::create(reader.drive()));
+        const std::unique_ptr<StatusFileParser> parser(StatusFileParser::create(reader.drive()));
+        isDone = poll(parser.get(), drive, hours, &firstHourKiB);
     }
-    const Holdings end = Holdings::settled(start);
-    print(QStringLiteral("end"), end);
-    return tell(drive, ticks, progressed, successes, start, afterFirstHour, end) ? 0 : 1;
+    const ResourceCounts end = ResourceCounts::settled(start);
+    const QString difference = end.differenceFrom(start);
+    const qint64 growth = end.residentKiB - firstHourKiB;
+    std::printf("%.2f hours of virtual time in %.0f s; longest pause between two ticks: %.3f ms (at most %.0f)\n",
+                VirtualTime::milliseconds() / 3600000, VirtualTime::realMilliseconds() / 1000, drive.longestPauseMs,
+                AllowedPauseMs);
+    std::printf("%d ticks, %s: trigger written %d times, status read %d times, out of turn %d times\n", ticks,
+                isDone ? "all reported" : "NOT all reported", drive.triggers, drive.reads, drive.outOfTurn);
+    std::printf("Changes of the status: %d; not seen at the next tick: %d\n", drive.changes, drive.missed);
+    std::printf("Memory after the first hour: %lld KiB, at the end: %+lld KiB (at most %lld)\nLeft behind: %s\n",
+                firstHourKiB, growth, AllowedGrowthKiB, difference.isEmpty() ? "nothing" : qUtf8Printable(difference));
+    const bool isMet = isDone && drive.triggers == ticks && drive.reads == ticks && drive.outOfTurn == 0 &&
+                       drive.missed == 0 && drive.seen == drive.changes && drive.longestPauseMs <= AllowedPauseMs &&
+                       growth <= AllowedGrowthKiB && difference.isEmpty();
+    std::printf("%s\n", isMet ? "met" : "NOT MET");
+    return isMet ? 0 : 1;
 }

@@ -44,7 +44,7 @@ bool ReaderFolder::writeStatus(const QString& header, const QString& command, co
 void ReaderFolder::answer(const QString& commandWord, const QList<Answer>& answers)
 {
     m_answers.insert(commandWord, answers);
-    m_timer.start(5);
+    m_timer.start(pollMs);
 }
 
 void ReaderFolder::look()
@@ -54,9 +54,10 @@ void ReaderFolder::look()
     const QString line = QString::fromUtf8(command().split('\n').value(1)).mid(8);
     const QString word = line.section(QLatin1Char(' '), 0, 0);
     // An empty file is one that is being written at this moment.
-    if (word.isEmpty() || written <= m_lastSeen)
+    if (word.isEmpty() || (written <= m_lastSeen && line == m_lastLine))
         return;
     m_lastSeen = written;
+    m_lastLine = line;
     commandsSeen.append(line);
     if (m_answers.contains(word))
         send(word, m_answers.value(word));

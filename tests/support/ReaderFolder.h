@@ -40,10 +40,12 @@ public:
     static QByteArray statusText(const QString& header, const QString& command, const QString& status,
                                  const QString& result = {}, int error = 0);
 
-    /// From now on answers each command of that word so. A command counts as new when its file was written again.
+    /// From now on answers each command of that word so. A command counts as new when its file was written
+    /// again, or has another text within one step of the drive's time stamps.
     void answer(const QString& commandWord, const QList<Answer>& answers);
     /// Called just before the last answer of a command is written, for instance to put an exchange file there.
     std::function<void(const QString& commandWord)> beforeLastAnswer;
+    int pollMs = 5; ///< how often the command file is checked, from the next answer() on
     /// All command lines seen, without "Command=".
     QStringList commandsSeen;
 
@@ -52,8 +54,9 @@ private:
     void send(const QString& word, QList<Answer> answers);
 
     QTemporaryDir m_folder;
-    QTimer m_timer;
+    QTimer m_timer{this}; // a child, so that it follows to another thread
     QHash<QString, QList<Answer>> m_answers;
     qint64 m_lastSeen = 0;
+    QString m_lastLine;
     int m_statusCount = 0;
 };
