@@ -2,67 +2,56 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
 #include <QString>
-#include <QtGlobal>
+#include <QTemporaryDir>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 
-/// The entry of every fuzz target, which libFuzzer and the replay call once for each input. A fault is told by the
-/// sanitizers or by require(); 0 means that there was none.
+/// The entry of every fuzz target, which libFuzzer and the replay call once for each input. Always returns 0: the
+/// sanitizers or require() report a fault.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Ends the program, by which a fuzzer knows that it has found something, with a message that says what isn't so.
+/// Ends the program with a message unless @p condition holds, so that the fuzzer keeps the input.
 inline void require(bool condition, const char* what)
 {
     if (!condition)
         qFatal("not so: %s", what);
 }
 
-/// Takes values off the front of an input; zeros when it is used up.
-class Input final
-{
-public:
-    Input(const std::uint8_t* data, std::size_t size)
-        : m_data(data)
-        , m_size(size)
-    {}
-
-    bool isEmpty() const { return m_size == 0; }
-
-    /// A value of a plain type, by its bytes.
-    template <typename Type>
-    Type take()
-    {
-        Type value{};
-        const std::size_t count = qMin(sizeof value, m_size);
-        if (count > 0)
-            std::memcpy(&value, m_data, count);
-        m_data += count;
-        m_size -= count;
-        return value;
-    }
-
-    /// All that is left, as UTF-8; what is none becomes replacement characters.
-    QString takeText()
-    {
-        const QString text = QString::fromUtf8(reinterpret_cast<const char*>(m_data), static_cast<int>(m_size));
-        m_size = 0;
-        return text;
-    }
-
-private:
-    const std::uint8_t* m_data;
-    std::size_t m_size;
-};
-
-/// Keeps Qt's messages to fatal ones, as a fuzzer prints millions of them.
-inline void silenceLog()
+/// Returns the bytes of an input and suppresses Qt's messages except fatal ones, as a fuzzer causes millions of them.
+inline QByteArray inputOf(const std::uint8_t* data, std::size_t size)
 {
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
         if (type == QtFatalMsg)
             std::fprintf(stderr, "%s\n", qUtf8Printable(text));
     });
+    return {reinterpret_cast<const char*>(data), static_cast<int>(size)};
 }
+
+/// A reader's drive, for code that takes files and not bytes. Removed when the process ends; fuzz/run puts it into
+/// memory.
+class Drive final
+{
+public:
+    Drive() { require(m_folder.isValid() && QDir(m_folder.path()).mkdir("MISC"), "a folder can be created"); }
+
+    QString path() const { return m_folder.path(); }
+    QString misc() const { return m_folder.path() + "/MISC"; }
+
+    /// Replaces a file in MISC and returns its path.
+    QString write(const QString& name, const QByteArray& bytes) const
+    {
+        QFile file(misc() + '/' + name);
+        require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush(),
+                "a file can be written");
+        return file.fileName();
+    }
+
+private:
+    QTemporaryDir m_folder;
+};

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// CSV fields: a byte that chooses the locale, then the field.
+// CSV fields: a byte that selects the locale, and the field.
 
 #include "fuzz/Target.h"
 #include "toolkit/LmBidiText.h"
@@ -22,19 +22,19 @@ QString unquoted(const QString& formula)
     QString plain;
     for (int i = 0; i < text.size(); ++i) {
         plain += text.at(i);
-        if (text.at(i) == QLatin1Char('\\'))
-            require(++i < text.size() && text.at(i) == QLatin1Char('\\'), "backslashes come in pairs");
+        if (text.at(i) == '\\')
+            require(++i < text.size() && text.at(i) == '\\', "backslashes come in pairs");
     }
     return plain;
 }
 
 void checkFormula(const QString& item, const QString& formula)
 {
-    require(formula.size() > 2 && formula.endsWith(QLatin1Char('"')), "a formula is whole");
+    require(formula.size() > 2 && formula.endsWith('"'), "a formula is whole");
     QString kept = item;
     for (const char control : {'\n', '\r', '\t'})
         kept.remove(QLatin1Char(control));
-    require(unquoted(formula) == kept, "a formula has all of the text but line ends and tabs");
+    require(unquoted(formula) == kept, "a formula has the whole text except line ends and tabs");
 }
 
 void checkNumber(const QString& item, const QString& number)
@@ -44,15 +44,15 @@ void checkNumber(const QString& item, const QString& number)
     require(same.remove(LmBidi::RLM).size() == number.size(), "a number keeps its length");
     const QString again = number.trimmed();
     if (QLocale().decimalPoint() == QLocale::system().decimalPoint() && again == number)
-        require(lmFixTextCsvItem(again, false) == number, "a number stays one");
+        require(lmFixTextCsvItem(again, false) == number, "a number stays a number");
 }
 
 void checkLine(const QString& item, const QString& line, const QString& blanked)
 {
-    require(blanked == line || blanked.isEmpty(), "a field is blanked whole or not at all");
-    if (lmFixCsvItem(item.trimmed()).startsWith(QLatin1Char('='))) {
+    require(blanked == line || blanked.isEmpty(), "a field is blanked entirely or not at all");
+    if (lmFixCsvItem(item.trimmed()).startsWith('=')) {
         for (const char control : {'\n', '\r', '\t'})
-            require(!line.contains(QLatin1Char(control)), "a text stands in one line");
+            require(!line.contains(QLatin1Char(control)), "a text is one line");
     }
 }
 
@@ -60,13 +60,13 @@ void checkLine(const QString& item, const QString& line, const QString& blanked)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    silenceLog();
-    Input input(data, size);
-    QLocale::setDefault(QLocale(QLatin1String(Locales.at(input.take<std::uint8_t>() % Locales.size()))));
-    const QString item = input.takeText();
+    const QByteArray bytes = inputOf(data, size);
+    const std::size_t locale = bytes.isEmpty() ? 0 : static_cast<std::uint8_t>(bytes.at(0)) % Locales.size();
+    QLocale::setDefault(QLocale(Locales.at(locale)));
+    const QString item = QString::fromUtf8(bytes.mid(1));
 
     const QString field = lmFixCsvItem(item);
-    if (field.startsWith(QLatin1String("=\"")))
+    if (field.startsWith("=\""))
         checkFormula(item, field);
     else
         checkNumber(item, field);

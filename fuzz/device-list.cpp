@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// The reader's list of pumps: its bytes.
+// The bytes of the reader's device list.
 
-#include "fuzz/Drive.h"
+#include "fuzz/Target.h"
 #include "reader/DeviceList.h"
 
 #include <QRegularExpression>
@@ -18,7 +18,7 @@ bool areEqual(const DeviceInfo& one, const DeviceInfo& other)
            one.deviceName == other.deviceName && one.patientId == other.patientId && one.paired == other.paired;
 }
 
-/// Whether a text of an element stands in the bytes as it is: nothing in them is written in another way.
+/// Returns true if the bytes have no encoding, reference or declaration, so that they contain each text unchanged.
 bool isPlain(const QByteArray& bytes)
 {
     const QByteArray others[] = {"&", "<!", "encoding", "\r", QByteArray(1, '\0'), "\xfe\xff", "\xff\xfe"};
@@ -27,33 +27,33 @@ bool isPlain(const QByteArray& bytes)
            bytes.lastIndexOf("<?") <= 0;
 }
 
-/// The field of a record that stands in an element of this path, if it is one.
+/// Returns the field for an element of this path, or null.
 QString* fieldAt(const QStringList& path, DeviceInfo& device)
 {
-    const QString place = path.mid(2).join(QLatin1Char('/'));
-    if (path.mid(0, 2) != QStringList({QStringLiteral("DEVICELIST"), QStringLiteral("DEVICE")}))
+    const QString place = path.mid(2).join('/');
+    if (path.mid(0, 2) != QStringList({"DEVICELIST", "DEVICE"}))
         return nullptr;
-    if (place == QLatin1String("NAME"))
+    if (place == "NAME")
         return &device.deviceName;
-    if (place == QLatin1String("SERIALNR"))
+    if (place == "SERIALNR")
         return &device.serialNumber;
-    if (place == QLatin1String("INTERFACE/BTADR"))
+    if (place == "INTERFACE/BTADR")
         return &device.btAddress;
-    return place == QLatin1String("INTERFACE/PATIENT_ID") ? &device.patientId : nullptr;
+    return place == "INTERFACE/PATIENT_ID" ? &device.patientId : nullptr;
 }
 
-/// A second reading, of tags without attributes and of printable texts: the records that end ahead of anything else.
+/// The records before anything other than tags without attributes and printable texts, by a second parser.
 struct PlainReading
 {
     QList<DeviceInfo> devices;
-    bool isWhole = false; ///< there is nothing else in the list
+    bool isWhole = false; ///< the list has nothing else
 };
 
 PlainReading plainReading(const QByteArray& bytes)
 {
-    static const QRegularExpression head(QStringLiteral("^<\\?xml version=\"1\\.0\"( encoding=\"UTF-8\")?\\?>"));
+    static const QRegularExpression head("^<\\?xml version=\"1\\.0\"( encoding=\"UTF-8\")?\\?>");
     static const QRegularExpression token(
-        QStringLiteral("\\G(?:<(?<begun>[A-Z_]+)(?<empty>/?)>|</(?<ended>[A-Z_]+)>|[ -%'-;=?-~\n]+)"));
+        "\\G(?:<(?<begun>[A-Z_]+)(?<empty>/?)>|</(?<ended>[A-Z_]+)>|[ -%'-;=?-~\n]+)");
     const QString text = QString::fromUtf8(bytes);
     PlainReading reading;
     DeviceInfo device;
@@ -64,17 +64,17 @@ PlainReading plainReading(const QByteArray& bytes)
         if (!match.hasMatch())
             return reading;
         place = match.capturedEnd();
-        const QString begun = match.captured(QStringLiteral("begun"));
-        QString ended = match.captured(QStringLiteral("ended"));
+        const QString begun = match.captured("begun");
+        QString ended = match.captured("ended");
         if (!begun.isEmpty()) {
-            if ((path.isEmpty() && begun != QLatin1String("DEVICELIST")) || fieldAt(path, device))
+            if ((path.isEmpty() && begun != "DEVICELIST") || fieldAt(path, device))
                 return reading;
             path.append(begun);
             if (path.size() == 2)
                 device = {};
             if (QString* field = fieldAt(path, device))
                 field->clear();
-            if (!match.captured(QStringLiteral("empty")).isEmpty())
+            if (!match.captured("empty").isEmpty())
                 ended = begun;
         } else if (ended.isEmpty()) {
             if (path.isEmpty() && !match.captured().trimmed().isEmpty())
@@ -86,10 +86,10 @@ PlainReading plainReading(const QByteArray& bytes)
             continue;
         if (path.isEmpty() || path.last() != ended)
             return reading;
-        if (path.size() == 2 && ended == QLatin1String("DEVICE")) {
-            if (device.deviceName == QLatin1String("Cygnara"))
-                device.deviceName = QStringLiteral("Sanvio Merivo");
-            if (device.patientId == QLatin1String("0"))
+        if (path.size() == 2 && ended == "DEVICE") {
+            if (device.deviceName == "Cygnara")
+                device.deviceName = "Sanvio Merivo";
+            if (device.patientId == "0")
                 device.patientId.clear();
             device.paired = !device.patientId.isEmpty();
             reading.devices.append(device);
@@ -100,50 +100,49 @@ PlainReading plainReading(const QByteArray& bytes)
     return reading;
 }
 
-/// Whatever stands behind them, the records that a plain list begins with are there.
+/// Whatever follows them, the records that a plain list begins with are read.
 void checkPlain(const QList<DeviceInfo>& devices, const QByteArray& bytes)
 {
-    // Bytes that are no text can cost the records just ahead of them, and many name spaces end a list.
+    // Bytes that aren't UTF-8 can cost the records just before them, and many name spaces end a list.
     if (QString::fromUtf8(bytes).toUtf8() != bytes || bytes.count("xmlns") > 256)
         return;
     const PlainReading plain = plainReading(bytes);
     require(devices.size() >= plain.devices.size() && (!plain.isWhole || devices.size() == plain.devices.size()) &&
                 std::equal(plain.devices.cbegin(), plain.devices.cend(), devices.cbegin(), areEqual),
-            "a second reading of what is plain gives the same");
+            "a second parser reads the same from a plain list");
 }
 
 void checkDevice(const DeviceInfo& device, const QByteArray& bytes)
 {
     // Without an id only if that is damaged.
     require(device.paired || device.patientId.isEmpty(), "a pump with a patient is paired");
-    require(device.patientId != QLatin1String("0"), "0 is no patient");
-    require(device.deviceName != QLatin1String("Cygnara"), "the pump has its name for users");
+    require(device.patientId != "0", "0 isn't a patient");
+    require(device.deviceName != "Cygnara", "the pump has its display name");
     if (device.paired && isPlain(bytes))
-        require(bytes.contains('>' + device.patientId.toUtf8()), "a patient's id begins as it is written");
+        require(bytes.contains('>' + device.patientId.toUtf8()), "the list contains the patient's id");
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    silenceLog();
     static const Drive drive;
-    const QString name = QStringLiteral("DEVLIST.XML");
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    const QString name = "DEVLIST.XML";
+    const QByteArray bytes = inputOf(data, size);
     drive.write(name, bytes);
     const QList<DeviceInfo> devices = readDeviceList(drive.misc(), name);
     if (isPlain(bytes))
-        require(devices.size() <= std::max(bytes.count("DEVICE") - 1, 0), "a record for a DEVICE at most");
+        require(devices.size() <= std::max(bytes.count("DEVICE") - 1, 0), "at most one record for each DEVICE");
     for (const DeviceInfo& device : devices)
         checkDevice(device, bytes);
     checkPlain(devices, bytes);
 
-    // Wherever a list breaks off, what stood ahead of the last element that it still has is as before.
+    // A list that is cut has the same records before its last one.
     const auto place = static_cast<int>(qHash(bytes) % static_cast<uint>(bytes.size() + 1));
     drive.write(name, bytes.left(place));
     const QList<DeviceInfo> fewer = readDeviceList(drive.misc(), name);
     for (int i = 0; i < std::min(devices.size(), fewer.size()) - 1; ++i)
-        require(areEqual(devices.at(i), fewer.at(i)), "a break changes nothing ahead of it");
+        require(areEqual(devices.at(i), fewer.at(i)), "a cut changes nothing before it");
     checkPlain(fewer, bytes.left(place));
     for (const DeviceInfo& device : fewer)
         checkDevice(device, bytes.left(place));

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// A recording of a reader's traffic: the file's bytes. A sound one is played on a drive.
+// The bytes of a recording of a reader's traffic. A valid one is replayed on a drive.
 
-#include "fuzz/Drive.h"
+#include "fuzz/Target.h"
 #include "workbench/reader/ReaderDrive.h"
 #include "workbench/reader/TrafficReplay.h"
 #include "workbench/traffic/Traffic.h"
@@ -17,12 +17,12 @@ namespace {
 
 const QDir::Filters Everything = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
 
-const qint64 LargestFiller = 65536;
+const qint64 MaxFiller = 65536;
 
 std::optional<QVector<TrafficEntry>> load(const QByteArray& bytes, QStringList* errors)
 {
     static const Drive folder;
-    return loadTraffic(folder.write(QStringLiteral("recording"), bytes), errors);
+    return loadTraffic(folder.write("recording", bytes), errors);
 }
 
 bool areEqual(const TrafficEntry& one, const TrafficEntry& other)
@@ -30,7 +30,7 @@ bool areEqual(const TrafficEntry& one, const TrafficEntry& other)
     return one.ms == other.ms && one.file == other.file && one.content() == other.content();
 }
 
-/// What is written down again reads as it was.
+/// A recording that is written again is the same.
 void checkAgain(const QVector<TrafficEntry>& entries)
 {
     QByteArray lines;
@@ -43,7 +43,7 @@ void checkAgain(const QVector<TrafficEntry>& entries)
             "a recording that is written again is the same");
 }
 
-/// Lays out the drive as it was ahead of the first command.
+/// The replay restores the drive as it was before the first command.
 void checkPlayed(const QVector<TrafficEntry>& entries)
 {
     const QTemporaryDir folder;
@@ -60,7 +60,7 @@ void checkPlayed(const QVector<TrafficEntry>& entries)
         if (entry.isCommand())
             break;
         const std::optional<QByteArray> content = entry.content();
-        if (entry.isTrigger() || entry.isStatus()) // the drive shows its newest status in its own time
+        if (entry.isTrigger() || entry.isStatus()) // the status appears later
             continue;
         if (content)
             expected.insert(entry.name(), *content);
@@ -69,42 +69,39 @@ void checkPlayed(const QVector<TrafficEntry>& entries)
     }
     const QStringList names = QDir(drive.filePath()).entryList(Everything);
     for (const QString& name : names)
-        require(hasFailed || name == ReaderNames::Status || expected.contains(name),
-                "the drive has no file that it hadn't");
+        require(hasFailed || name == ReaderNames::Status || expected.contains(name), "the drive has no other files");
     for (auto it = expected.cbegin(); it != expected.cend() && !hasFailed; ++it) {
         QFile file(drive.filePath(it.key()));
         require(file.open(QIODevice::ReadOnly) && file.readAll() == it.value(), "the drive is as it was");
     }
     const QStringList roots = QDir(folder.path()).entryList(Everything);
-    require(roots == QStringList({QStringLiteral(".merivo-reader.lock"), QStringLiteral("MISC")}),
-            "nothing is written beside MISC");
+    require(roots == QStringList({".merivo-reader.lock", "MISC"}), "nothing is written outside MISC");
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    silenceLog();
     static int argc = 1;
     static char name[] = "recording";
     static char* argv[] = {name, nullptr};
     static QCoreApplication application(argc, argv);
 
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    const QByteArray bytes = inputOf(data, size);
     QStringList errors;
     const auto entries = load(bytes, &errors);
-    require(entries.has_value() == errors.isEmpty(), "a recording is sound or has faults told");
+    require(entries.has_value() == errors.isEmpty(), "a recording is valid or has errors");
     for (const QString& error : qAsConst(errors))
-        require(error.contains(QLatin1String(": line ")), "a fault is told with its line");
+        require(error.contains(": line "), "an error names its line");
     if (!entries)
         return 0;
 
-    require(entries->size() <= bytes.count('\n') + 1, "an entry for a line at most");
+    require(entries->size() <= bytes.count('\n') + 1, "at most one entry for each line");
     for (int i = 1; i < entries->size(); ++i)
-        require(entries->at(i - 1).ms <= entries->at(i).ms, "time goes on");
-    // A few bytes can ask for filler that takes long to write.
+        require(entries->at(i - 1).ms <= entries->at(i).ms, "times don't decrease");
+    // A few bytes can request filler that takes long to write.
     const bool isLarge = std::any_of(entries->cbegin(), entries->cend(), [](const TrafficEntry& entry) {
-        return entry.filler && entry.filler->size > LargestFiller;
+        return entry.filler && entry.filler->size > MaxFiller;
     });
     if (isLarge)
         return 0;

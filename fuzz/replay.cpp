@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// Feeds a fuzz target the inputs of its kept corpus, without a fuzzer and with any compiler.
+// Runs a fuzz target on the inputs of its corpus, without a fuzzer and with any compiler.
 
 #include "fuzz/Target.h"
 
@@ -9,16 +9,6 @@
 #include <QFile>
 
 #include <cstdio>
-
-namespace {
-
-int failed(const QString& why)
-{
-    std::fprintf(stderr, "%s\n", qUtf8Printable(why));
-    return 1;
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
@@ -28,12 +18,10 @@ int main(int argc, char** argv)
     }
     const QDir corpus(QFile::decodeName(argv[1]));
     const QStringList names = corpus.entryList(QDir::Files, QDir::Name);
-    if (names.isEmpty())
-        return failed(QStringLiteral("no inputs in %1").arg(corpus.path()));
+    require(!names.isEmpty(), "the corpus has inputs");
     for (const QString& name : names) {
         QFile file(corpus.filePath(name));
-        if (!file.open(QIODevice::ReadOnly))
-            return failed(QStringLiteral("can't read %1: %2").arg(file.fileName(), file.errorString()));
+        require(file.open(QIODevice::ReadOnly), "an input can be read");
         const QByteArray bytes = file.readAll();
         std::fprintf(stderr, "%s\n", qUtf8Printable(name));
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.constData()),

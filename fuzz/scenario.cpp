@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// A scenario of merivo-reader: the file's bytes.
+// The bytes of a scenario of merivo-reader.
 
 #include "workbench/reader/Scenario.h"
-#include "fuzz/Drive.h"
+#include "fuzz/Target.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/DeviceList.h"
 #include "reader/StatusRecord.h"
@@ -17,11 +17,11 @@
 
 namespace {
 
-/// The plug-in reads from the reader's files what the scenario said.
+/// The plug-in reads the values of the scenario from the reader's files.
 void checkDeviceList(const QVector<Pump>& pumps)
 {
     static const Drive drive;
-    const QString name = QStringLiteral("DEVLIST.XML");
+    const QString name = "DEVLIST.XML";
     drive.write(name, deviceListXml(pumps));
     const QList<DeviceInfo> devices = readDeviceList(drive.misc(), name);
     require(devices.size() == pumps.size(), "the list has every pump");
@@ -37,8 +37,7 @@ void checkDeviceList(const QVector<Pump>& pumps)
 
 void checkStatus(const Pump& pump)
 {
-    const ReaderStatus status{QStringLiteral("1"), QStringLiteral("BTPAIR"), QStringLiteral("done"),
-                              pump.confirmationCode, 0};
+    const ReaderStatus status{"1", "BTPAIR", "done", pump.confirmationCode, 0};
     const QByteArray bytes = statusText(status);
     QTextStream stream(bytes);
     stream.setCodec("UTF-8");
@@ -47,8 +46,8 @@ void checkStatus(const Pump& pump)
 
 void checkPump(const Pump& pump)
 {
-    require(pump.serialNumber.size() >= 3 && !pump.serialNumber.contains(QLatin1Char('"')), "a serial number fits");
-    require(!pump.address.isEmpty() && !pump.address.contains(QLatin1Char(' ')), "an address fits");
+    require(pump.serialNumber.size() >= 3 && !pump.serialNumber.contains('"'), "a serial number fits");
+    require(!pump.address.isEmpty() && !pump.address.contains(' '), "an address fits");
     require(pump.patientId.isEmpty() || isPatientId(pump.patientId), "a patient's id fits");
     require(pump.userTakesMs >= 0 && pump.linkHoldsMs >= 0, "no time is negative");
     require(std::none_of(pump.errors.cbegin(), pump.errors.cend(), [](int code) { return code < 1; }),
@@ -61,25 +60,24 @@ void checkScenario(const Scenario& scenario)
     const ReaderTimes& times = scenario.times;
     for (const int time : {times.pickup, times.isPaired, times.search, times.connect, times.read, times.pair,
                            times.confirm, times.reassign, times.remove, times.abort, times.userLimit, times.progress})
-        require(time >= 0 && time <= 3600 * 1000, "a time is an hour at most");
+        require(time >= 0 && time <= 3600 * 1000, "a time is at most an hour");
     require(scenario.exchange.days >= 1 && scenario.exchange.lastDay.isValid(), "a read-out has days");
 
     QSet<QString> taken;
     for (const Pump& pump : scenario.pumps) {
         checkPump(pump);
-        require(!taken.contains(QLatin1Char('s') + pump.serialNumber), "a serial number is one pump's");
-        require(!taken.contains(QLatin1Char('a') + pump.address), "an address is one pump's");
-        require(pump.patientId.isEmpty() || !taken.contains(QLatin1Char('p') + pump.patientId), "a patient has a pump");
-        taken |=
-            {QLatin1Char('s') + pump.serialNumber, QLatin1Char('a') + pump.address, QLatin1Char('p') + pump.patientId};
+        require(!taken.contains('s' + pump.serialNumber), "a serial number has one pump");
+        require(!taken.contains('a' + pump.address), "an address has one pump");
+        require(pump.patientId.isEmpty() || !taken.contains('p' + pump.patientId), "a patient has one pump");
+        taken |= {'s' + pump.serialNumber, 'a' + pump.address, 'p' + pump.patientId};
     }
     checkDeviceList(scenario.pumps);
-    // Every one of its faults can be applied to every command.
+    // Each fault can be applied to each command.
     FaultSet faults = scenario.faults;
     for (const char* word : {"", "SEARCH", "BTREAD"}) {
         const Behaviour behaviour = faults.strike(QLatin1String(word));
         require(behaviour.extraMs >= 0 && behaviour.awayMs >= 0, "no time is negative");
-        require(behaviour.listDevices >= 0 && behaviour.listBytes.value_or(0) >= 0, "no list is less than empty");
+        require(behaviour.listDevices >= 0 && behaviour.listBytes.value_or(0) >= 0, "no size is negative");
     }
 }
 
@@ -87,13 +85,11 @@ void checkScenario(const Scenario& scenario)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    silenceLog();
     QStringList errors;
-    const auto scenario =
-        parseScenario(QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(size)), &errors);
-    require(scenario.has_value() == errors.isEmpty(), "a scenario is sound or has faults told");
+    const auto scenario = parseScenario(inputOf(data, size), &errors);
+    require(scenario.has_value() == errors.isEmpty(), "a scenario is valid or has errors");
     for (const QString& error : qAsConst(errors))
-        require(error.indexOf(QLatin1String(": ")) > 0, "a fault is told with its place");
+        require(error.indexOf(": ") > 0, "an error names its place");
     if (scenario)
         checkScenario(*scenario);
     return 0;
