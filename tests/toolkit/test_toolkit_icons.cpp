@@ -117,19 +117,22 @@ private Q_SLOTS:
         const QRectF capitals = lmPaintPicture(&other, lmPicture(file("v.SVG")), QPointF(-2.5, -3.5), 0x21);
         QCOMPARE(capitals, QRectF(-3, -4, 20.5, 10.5));
         QCOMPARE(lmPicture(file("v.SVG")).boundingRect(), QRect(0, 0, 20, 10));
+        const QRectF top = lmPaintPicture(&other, lmPicture(file("v.svg")), rect, Qt::AlignTop);
         const QRectF bottom = lmPaintPicture(&other, lmPicture(file("v.svg")), rect, Qt::AlignBottom);
 
         // What rounding moves of the left and top edge, the size takes up.
         QCOMPARE(right, QRectF(71, 36, 40.25, 19.75));
+        QCOMPARE(top, QRectF(41, 20, 39.75, 20.25));
         QCOMPARE(bottom, QRectF(41, 51, 39.75, 20.25));
         const QImage pictures = image.copy(0, 0, 200, 60);
         QCOMPARE(pictures.pixelColor(71, 36), QColor(Qt::red));
         QCOMPARE(pictures.pixelColor(70, 36).alpha() + pictures.pixelColor(91, 36).alpha(), 0);
         QCOMPARE(pictures, pictures.mirrored(true, false));
-        for (int x = 0; x < image.width(); ++x) // The hatches of neighbours line up.
-            QCOMPARE(image.pixelColor(x, 80), QColor(x < 3 || x >= 53 || x % 8 != 1 ? Qt::transparent
-                                                     : x < 24                       ? Qt::black
-                                                                                    : Qt::red));
+        for (const int y : {65, 80, 94}) // The hatches of neighbours line up, from the top to the bottom.
+            for (int x = 0; x < image.width(); ++x)
+                QCOMPARE(image.pixelColor(x, y), QColor(x < 3 || x >= 53 || (x + y) % 8 != 1 ? Qt::transparent
+                                                        : x < 24                             ? Qt::black
+                                                                                             : Qt::red));
     }
 
     void colorizing()
