@@ -15,7 +15,8 @@ fail() {
 
 build_packages=(cmake g++ ninja-build qtbase5-dev qttools5-dev qttools5-dev-tools libqt5svg5-dev
                 libqt5xmlpatterns5-dev libqt5sql5-sqlite libkf5archive-dev fonts-dejavu-core)
-check_packages=("${build_packages[@]}" binutils clang-format clang-tidy doxygen git python3)
+check_packages=("${build_packages[@]}" binutils clang-format clang-tidy doxygen git python3-pytest
+                python3-pytest-xdist)
 
 # from_caller PATH: what the caller means by a path, which may be relative to where the script was called from.
 from_caller() {

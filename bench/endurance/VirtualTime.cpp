@@ -5,19 +5,13 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <csignal>
-#include <cstdlib>
 #include <limits>
 #include <mutex>
-#include <thread>
+#include <utility>
 #include <vector>
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <sys/file.h>
-#include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
@@ -32,14 +26,12 @@ constexpr Nanoseconds Second = 1000LL * 1000 * 1000;
 constexpr Nanoseconds Millisecond = 1000LL * 1000;
 constexpr Nanoseconds Reading = 1000;
 constexpr Nanoseconds Never = std::numeric_limits<Nanoseconds>::max();
-/// So long, in real time, a thread may be between two waits before the clock goes on without it.
-constexpr Nanoseconds Patience = 200 * Millisecond;
-/// So long until it is looked whether a thread that didn't wait has ended.
+/// How long a waiting thread waits, in real time, until it checks whether a thread that didn't wait has ended.
 constexpr Nanoseconds Retry = 5 * Millisecond;
-/// Where a shared clock begins, always at the same time, by which timers that needn't be exact are rounded.
-constexpr Nanoseconds SharedStart = 1000 * Second;
-/// So many readings of a shared clock take no time, so that all times are the same in each run; a loop that asks for
-/// more waits for the time.
+/// The clock always starts at the same time, since coarse timers are rounded by it.
+constexpr Nanoseconds Start = 1000 * Second;
+/// So many readings in a row take no time, so that all times are the same in each run. A loop that reads the clock more
+/// often is waiting for it.
 constexpr int FreeReadings = 100000;
 
 constexpr timespec toTimespec(Nanoseconds time)
@@ -67,6 +59,8 @@ int systemPoll(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
     return static_cast<int>(syscall(SYS_ppoll, descriptors, count, &time, nullptr, 0));
 }
 
+thread_local bool t_isPeer = false;
+
 /// What one thread waits for. Its last descriptor is the one by which another thread wakes it.
 class Waiter final
 {
@@ -82,6 +76,7 @@ public:
 
     void prepare(const pollfd* wanted, nfds_t count, Nanoseconds until)
     {
+        isPeer = t_isPeer;
         if (m_wakeUp < 0)
             m_wakeUp = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
         descriptors.assign(wanted, wanted + count);
@@ -94,155 +89,78 @@ public:
         eventfd_t value = 0;
         eventfd_read(m_wakeUp, &value);
     }
-    bool isReady() const
-    {
-        std::vector<pollfd> copy = descriptors;
-        return systemPoll(copy.data(), copy.size(), 0) != 0;
-    }
-
     std::vector<pollfd> descriptors;
     Nanoseconds deadline = Never;
+    bool isPeer = false;
 
 private:
     int m_wakeUp = -1;
 };
 
-/// What a process that shares the clock is at. Two of them never run at the same time: one that has something to do
-/// waits for its turn, until the other one waits too.
-struct Party
-{
-    enum State : qint32 { Absent, Busy, Idle };
-    State state;
-    qint32 turns; // how often it went on
-    qint32 seen;  // the other's turns when this one last found nothing to do; NoTurn if the other was busy
-    Nanoseconds deadline;
-};
-
-constexpr qint32 NoTurn = -1;
-
-/// Lies in a file for two processes, whose lock guards the parties.
-struct Clock
-{
-    Party parties[2];
-    std::atomic<Nanoseconds> now; // of CLOCK_MONOTONIC
-};
-
-Clock s_ownClock{};
 std::atomic<bool> s_on{false};
-// These are fixed by start() and join().
-Clock* s_clock = &s_ownClock;
-int s_file = -1; // the clock's, if it is shared
-int s_party = 0;
-int s_bells[2] = {-1, -1};
-Nanoseconds s_start = 0;
+std::atomic<Nanoseconds> s_now{Start}; // of CLOCK_MONOTONIC
 std::atomic<Nanoseconds> s_wallOffset{0};
-std::atomic<int> s_readings{0}; // since this process went on
+std::atomic<int> s_readings{0}; // since a thread last went on
+Nanoseconds s_realStart = 0;
 std::mutex s_mutex;
-std::vector<const Waiter*> s_waiters; // guarded by s_mutex, as are the waiters' members while they stand in it
-quint64 s_forcedJumps = 0;            // guarded by s_mutex
-
-/// Guards the parties against the other process; a process that is killed lets go.
-class PartiesLock final
-{
-    Q_DISABLE_COPY_MOVE(PartiesLock)
-
-public:
-    PartiesLock() { lock(LOCK_EX); }
-    ~PartiesLock() { lock(LOCK_UN); }
-
-private:
-    static void lock(int operation)
-    {
-        if (s_file >= 0 && flock(s_file, operation) != 0)
-            std::abort();
-    }
-};
+// Guarded by s_mutex, as are the members of the waiters while they are listed.
+std::vector<const Waiter*> s_waiters;
+bool s_hasPeer = false;
 
 std::size_t threadCount()
 {
     struct stat folder = {};
     stat("/proc/self/task", &folder);
-    return folder.st_nlink - 2 - (s_file < 0 ? 0 : 1); // the listener to the bell
+    return folder.st_nlink - 2;
 }
 
-void ring(int party)
+/// Returns the waiters that are ready, without the peer if another one is. Under s_mutex.
+std::vector<const Waiter*> readyWaiters()
 {
-    if (s_bells[party] >= 0 && ::write(s_bells[party], "", 1) != 1)
-        std::abort(); // a pipe full of calls that nobody hears
-}
-
-/// The parties' lock is held, as in the next one.
-void goOn()
-{
-    Party& own = s_clock->parties[s_party];
-    own.state = Party::Busy;
-    ++own.turns;
-    s_readings = 0;
-}
-
-bool isOurTurn()
-{
-    return s_clock->parties[s_party].state == Party::Busy || s_clock->parties[1 - s_party].state != Party::Busy;
-}
-
-/// Whether a thread that has something to do may go on now. Under s_mutex.
-bool takeTurn()
-{
-    const PartiesLock lock;
-    if (!isOurTurn())
-        return false;
-    goOn();
-    return true;
-}
-
-/// Whether this process, which has nothing to do ahead of @p deadline, goes on at that time, and the clock is set to
-/// it. If not, the other process is asked whether it has something to do by now, or told that its time has come; a busy
-/// one asks on its own when it is through. The parties' lock is held.
-bool reaches(Nanoseconds deadline)
-{
-    Party& own = s_clock->parties[s_party];
-    const Party& other = s_clock->parties[1 - s_party];
-    own.state = Party::Idle;
-    own.deadline = deadline;
-    own.seen = other.state == Party::Busy ? NoTurn : other.turns;
-    if (other.state == Party::Busy || (s_party == 1 && other.state == Party::Absent))
-        return false;
-    const bool isOtherIdle = other.state == Party::Idle;
-    const bool isOtherFirst =
-        isOtherIdle && (other.deadline < deadline || (other.deadline == deadline && s_party == 1));
-    // What this process did can have given the other one something to do ahead of its time.
-    const bool mustAsk = isOtherIdle && other.seen != own.turns;
-    const Nanoseconds due = isOtherFirst ? other.deadline : deadline;
-    if (!mustAsk && due != Never)
-        s_clock->now = std::max(s_clock->now.load(), due);
-    if (mustAsk || (isOtherFirst && due != Never))
-        ring(1 - s_party);
-    return !mustAsk && !isOtherFirst && due != Never;
-}
-
-/// Sets the clock to the earliest time that is waited for, unless somebody has something to do before. Under s_mutex.
-void jumpIfIdle(bool ignoringOthers)
-{
-    const bool allWait = s_waiters.size() >= threadCount();
-    if (!allWait && !ignoringOthers)
-        return;
-    const PartiesLock lock;
-    std::vector<const Waiter*> next;
-    std::copy_if(s_waiters.cbegin(), s_waiters.cend(), std::back_inserter(next),
-                 [](const Waiter* waiter) { return waiter->isReady(); });
-    if (next.empty()) {
-        const auto first =
-            std::min_element(s_waiters.cbegin(), s_waiters.cend(),
-                             [](const Waiter* left, const Waiter* right) { return left->deadline < right->deadline; });
-        if (!reaches((*first)->deadline))
-            return;
-        next.push_back(*first);
-        if (!allWait)
-            ++s_forcedJumps;
-    } else if (!isOurTurn()) {
-        return;
+    std::vector<pollfd> all;
+    for (const Waiter* waiter : s_waiters)
+        all.insert(all.end(), waiter->descriptors.cbegin(), waiter->descriptors.cend());
+    std::vector<const Waiter*> ready;
+    if (systemPoll(all.data(), all.size(), 0) <= 0)
+        return ready;
+    auto descriptor = all.cbegin();
+    for (const Waiter* waiter : s_waiters) {
+        const auto end = descriptor + static_cast<std::ptrdiff_t>(waiter->descriptors.size());
+        if (std::any_of(descriptor, end, [](const pollfd& candidate) { return candidate.revents != 0; }))
+            ready.push_back(waiter);
+        descriptor = end;
     }
-    goOn();
+    if (ready.size() > 1)
+        ready.erase(std::remove_if(ready.begin(), ready.end(), [](const Waiter* waiter) { return waiter->isPeer; }),
+                    ready.end());
+    return ready;
+}
+
+/// Returns whether a thread that has something to do may go on now. Under s_mutex.
+bool isTurnOf(const Waiter& waiter)
+{
+    if (!s_hasPeer)
+        return true;
+    if (waiter.isPeer)
+        return s_waiters.size() >= threadCount() && readyWaiters().front()->isPeer;
+    return std::any_of(s_waiters.cbegin(), s_waiters.cend(), [](const Waiter* other) { return other->isPeer; });
+}
+
+/// Once all threads wait, wakes those that are ready, or sets the clock to the earliest time that is waited for and
+/// wakes that waiter. Under s_mutex.
+void wakeNext()
+{
+    if (s_waiters.size() < threadCount())
+        return;
+    std::vector<const Waiter*> next = readyWaiters();
+    if (next.empty()) {
+        next.push_back(*std::min_element(s_waiters.cbegin(), s_waiters.cend(), [](const auto* left, const auto* right) {
+            return std::pair(left->deadline, left->isPeer) < std::pair(right->deadline, right->isPeer);
+        }));
+        if (next.front()->deadline == Never)
+            return;
+        s_now = std::max(s_now.load(), next.front()->deadline);
+    }
     for (const Waiter* waiter : next)
         waiter->wakeUp();
 }
@@ -254,28 +172,29 @@ int waitVirtually(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
         return ready;
 
     thread_local Waiter waiter;
-    waiter.prepare(descriptors, count, timeout == Never ? Never : s_clock->now + timeout);
+    waiter.prepare(descriptors, count, timeout == Never ? Never : s_now + timeout);
     {
         const std::lock_guard<std::mutex> lock(s_mutex);
         s_waiters.push_back(&waiter);
-        jumpIfIdle(false);
+        wakeNext();
     }
-    // On a copy, since the waiter's own is looked at by others.
+    // A copy, since other threads poll the waiter's own.
     std::vector<pollfd> set = waiter.descriptors;
     int result = 0;
     int error = 0;
     for (bool isOver = false, isHeld = false; !isOver;) {
-        // While the other process runs, what is ready here must wait for the wake-up.
-        result = systemPoll(isHeld ? &set.back() : set.data(), isHeld ? 1 : set.size(), s_file < 0 ? Patience : Retry);
+        // A thread that is ready but has to wait for its turn waits for the wake-up only.
+        result = systemPoll(isHeld ? &set.back() : set.data(), isHeld ? 1 : set.size(), Retry);
         error = errno;
         const std::lock_guard<std::mutex> lock(s_mutex);
-        isOver = result != 0 && takeTurn();
+        isOver = result != 0 && isTurnOf(waiter);
         isHeld = result != 0 && !isOver;
         if (isOver)
             s_waiters.erase(std::find(s_waiters.begin(), s_waiters.end(), &waiter));
         else
-            jumpIfIdle(s_file < 0);
+            wakeNext();
     }
+    s_readings = 0;
     waiter.takeWakeUp();
     if (result > 0)
         result = systemPoll(descriptors, count, 0);
@@ -283,67 +202,35 @@ int waitVirtually(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
     return result;
 }
 
-/// Looks again whenever the other process calls.
-void listenToBell()
-{
-    for (char call = 0; ::read(s_bells[s_party], &call, 1) == 1;) {
-        const std::lock_guard<std::mutex> lock(s_mutex);
-        jumpIfIdle(false);
-    }
-}
-
-void leave()
-{
-    const std::lock_guard<std::mutex> mutex(s_mutex);
-    const PartiesLock lock;
-    s_clock->parties[s_party].state = Party::Absent;
-    ring(1 - s_party);
-}
-
 Nanoseconds reading()
 {
-    const bool takesTime = s_file < 0 || ++s_readings > FreeReadings;
-    return takesTime ? s_clock->now += Reading : s_clock->now.load();
+    return ++s_readings > FreeReadings ? s_now += Reading : s_now.load();
 }
 
 } // namespace
 
 void VirtualTime::start()
 {
-    s_start = systemTime(CLOCK_MONOTONIC);
-    s_wallOffset = systemTime(CLOCK_REALTIME) - s_start;
-    s_clock->now = s_start;
+    s_realStart = systemTime(CLOCK_MONOTONIC);
+    // In whole seconds, so that all times are cut to milliseconds alike.
+    s_wallOffset = (systemTime(CLOCK_REALTIME) / Second - Start / Second) * Second;
     s_on = true;
 }
 
-bool VirtualTime::join(const std::string& file, int party)
+void VirtualTime::becomePeer()
 {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    s_party = party;
-    s_file = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
-    void* const memory = mmap(nullptr, sizeof(Clock), PROT_READ | PROT_WRITE, MAP_SHARED, s_file, 0);
-    if (s_file < 0 || memory == MAP_FAILED)
-        return false;
-    s_clock = static_cast<Clock*>(memory);
-    for (int bell = 0; bell < 2; ++bell) {
-        const std::string name = file + (bell == 0 ? ".bell0" : ".bell1");
-        mkfifo(name.c_str(), S_IRUSR | S_IWUSR);
-        s_bells[bell] = ::open(name.c_str(), O_RDWR | O_CLOEXEC | (bell == party ? 0 : O_NONBLOCK));
-        if (s_bells[bell] < 0)
-            return false;
-    }
+    thread_local const struct Membership
     {
-        const PartiesLock lock;
-        if (s_clock->now == 0)
-            s_clock->now = SharedStart;
-        goOn();
-    }
-    s_start = s_clock->now;
-    // By whole seconds, so that all times are cut to milliseconds alike.
-    s_wallOffset = (systemTime(CLOCK_REALTIME) / Second - SharedStart / Second) * Second;
-    s_on = true;
-    std::thread(listenToBell).detach();
-    return std::atexit(leave) == 0;
+        Q_DISABLE_COPY_MOVE(Membership)
+        Membership() { set(true); }
+        ~Membership() { set(false); }
+        static void set(bool isMember)
+        {
+            const std::lock_guard<std::mutex> lock(s_mutex);
+            t_isPeer = isMember;
+            s_hasPeer = isMember;
+        }
+    } membership;
 }
 
 void VirtualTime::shiftWallClock(qint64 seconds)
@@ -353,18 +240,12 @@ void VirtualTime::shiftWallClock(qint64 seconds)
 
 double VirtualTime::milliseconds()
 {
-    return static_cast<double>(s_clock->now - s_start) / Millisecond;
+    return static_cast<double>(s_now - Start) / Millisecond;
 }
 
 double VirtualTime::realMilliseconds()
 {
-    return static_cast<double>(systemTime(CLOCK_MONOTONIC) - s_start) / Millisecond;
-}
-
-quint64 VirtualTime::forcedJumps()
-{
-    const std::lock_guard<std::mutex> lock(s_mutex);
-    return s_forcedJumps;
+    return static_cast<double>(systemTime(CLOCK_MONOTONIC) - s_realStart) / Millisecond;
 }
 
 // What stands in for the system's. The program's symbols come before those of the libraries, the C library included.

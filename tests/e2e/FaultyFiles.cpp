@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "faults/Weather.h"
+#include "e2e/FaultyFiles.h"
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -19,45 +19,45 @@ namespace {
 
 enum Watch : char { Unwatched, Watched, Full };
 std::array<std::atomic<char>, 4096> watches{}; // by file descriptor
-std::mutex mutex;                              // for the rest
-std::shared_ptr<const Weather::OpeningAction> openingAction;
-QByteArray spoiledPath;
-Weather::Failure spoiledBy = Weather::Open;
-int spoiledTurn = -1;
+std::mutex mutex;                              // guards the rest
+std::shared_ptr<const FaultyFiles::OpeningAction> openingAction;
+QByteArray faultyPath;
+FaultyFiles::Failure requested = FaultyFiles::Open;
+int turn = -1;
 int operations = 0;
-int failures = 0;
-/// The main thread, and the plug-in's: it alone opens the trigger file.
-thread_local bool isSpoilt = getpid() == gettid();
+int failed = 0;
+/// Set for the main thread and for the plug-in's, the only one that opens the trigger file.
+thread_local bool isAffected = getpid() == gettid();
 
-/// The C library's own function of that name.
+/// Returns the C library's function of that name.
 template <class Function>
-Function* behind(Function*, const char* name)
+Function* libraryFunction(Function*, const char* name)
 {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
-#define BEHIND(name) static auto* const real = behind(&(name), #name)
+#define LIBRARY_FUNCTION(name) static auto* const real = libraryFunction(&(name), #name)
 
-bool fails(Weather::Failure failure)
+bool fails(FaultyFiles::Failure failure)
 {
     const std::lock_guard lock(mutex);
-    if (spoiledTurn < 0 || spoiledBy != failure || (++operations != spoiledTurn && spoiledTurn > 0))
+    if (turn < 0 || requested != failure || (++operations != turn && turn > 0))
         return false;
-    ++failures;
-    if (failure == Weather::Kill)
+    ++failed;
+    if (failure == FaultyFiles::Kill)
         raise(SIGKILL);
     return true;
 }
 
-bool isMeant(const char* path)
+bool isFaulty(const char* path)
 {
     const std::lock_guard lock(mutex);
     const auto name = QByteArray::fromRawData(path, int(qstrlen(path)));
-    isSpoilt = isSpoilt || name.endsWith("/MISCNoCommand.txt");
-    return isSpoilt && spoiledTurn >= 0 && name.startsWith(spoiledPath);
+    isAffected = isAffected || name.endsWith("/MISCNoCommand.txt");
+    return isAffected && turn >= 0 && name.startsWith(faultyPath);
 }
 
-/// To be called without the mutex: it opens files on its own.
-std::shared_ptr<const Weather::OpeningAction> currentOpeningAction()
+/// Call the result without the mutex: it opens files.
+std::shared_ptr<const FaultyFiles::OpeningAction> currentOpeningAction()
 {
     const std::lock_guard lock(mutex);
     return openingAction;
@@ -75,16 +75,16 @@ int failWith(int error)
     return -1;
 }
 
-/// Hands all of what is to be written to @p put, a part or nothing.
+/// Passes all of what is to be written to @p put, a part of it or nothing.
 template <class Put>
 ssize_t written(int file, size_t size, Put put)
 {
     if (watchOf(file) == Unwatched)
         return put(size);
-    fails(Weather::Kill);
-    if (watchOf(file) == Full || fails(Weather::Write))
+    fails(FaultyFiles::Kill);
+    if (watchOf(file) == Full || fails(FaultyFiles::Write))
         return failWith(ENOSPC);
-    if (!fails(Weather::NoSpace))
+    if (!fails(FaultyFiles::NoSpace))
         return put(size);
     watchOf(file) = Full;
     return put(size / 2);
@@ -92,23 +92,23 @@ ssize_t written(int file, size_t size, Put put)
 
 } // namespace
 
-void Weather::spoil(Failure failure, int nth, const QByteArray& path)
+void FaultyFiles::fail(Failure failure, int nth, const QByteArray& path)
 {
     const std::lock_guard lock(mutex);
-    spoiledPath = path;
-    spoiledBy = failure;
-    spoiledTurn = path.isEmpty() ? -1 : nth;
+    faultyPath = path;
+    requested = failure;
+    turn = path.isEmpty() ? -1 : nth;
     operations = 0;
-    failures = 0;
+    failed = 0;
 }
 
-int Weather::spoiled()
+int FaultyFiles::failures()
 {
     const std::lock_guard lock(mutex);
-    return failures;
+    return failed;
 }
 
-void Weather::onOpening(const OpeningAction& action)
+void FaultyFiles::onOpening(const OpeningAction& action)
 {
     auto next = action ? std::make_shared<const OpeningAction>(action) : nullptr;
     const std::lock_guard lock(mutex);
@@ -119,55 +119,55 @@ extern "C" {
 
 int open64(const char* path, int flags, ...)
 {
-    BEHIND(open64);
+    LIBRARY_FUNCTION(open64);
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     if (const auto action = currentOpeningAction())
         (*action)(path);
-    const bool meant = isMeant(path);
-    if (meant && fails(Weather::Open))
+    const bool faulty = isFaulty(path);
+    if (faulty && fails(FaultyFiles::Open))
         return failWith(EIO);
     const int file = real(path, flags, mode);
-    watchOf(file) = meant ? Watched : Unwatched;
+    watchOf(file) = faulty ? Watched : Unwatched;
     return file;
 }
 
 ssize_t read(int file, void* bytes, size_t size)
 {
-    BEHIND(read);
+    LIBRARY_FUNCTION(read);
     const bool isWatched = watchOf(file) != Unwatched;
-    if (isWatched && fails(Weather::Read))
+    if (isWatched && fails(FaultyFiles::Read))
         return failWith(EIO);
     const ssize_t got = real(file, bytes, size);
-    return got > 0 && isWatched && fails(Weather::CutRead) ? got / 2 : got;
+    return got > 0 && isWatched && fails(FaultyFiles::CutRead) ? got / 2 : got;
 }
 
 ssize_t write(int file, const void* bytes, size_t size)
 {
-    BEHIND(write);
+    LIBRARY_FUNCTION(write);
     return written(file, size, [&](size_t part) { return real(file, bytes, part); });
 }
 
 ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t at)
 {
-    BEHIND(pwrite64);
+    LIBRARY_FUNCTION(pwrite64);
     return written(file, size, [&](size_t part) { return real(file, bytes, part, at); });
 }
 
 int close(int file)
 {
-    BEHIND(close);
-    const bool isFailing = watchOf(file).exchange(Unwatched) != Unwatched && fails(Weather::Close);
+    LIBRARY_FUNCTION(close);
+    const bool isFailing = watchOf(file).exchange(Unwatched) != Unwatched && fails(FaultyFiles::Close);
     const int result = real(file);
     return isFailing ? failWith(EIO) : result;
 }
 
 DIR* opendir(const char* path)
 {
-    BEHIND(opendir);
-    if (!isMeant(path) || !fails(Weather::List))
+    LIBRARY_FUNCTION(opendir);
+    if (!isFaulty(path) || !fails(FaultyFiles::List))
         return real(path);
     errno = EIO;
     return nullptr;

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "faults/Weather.h"
+#include "e2e/FaultyFiles.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/StatusFileParser.h"
 
@@ -37,7 +37,7 @@ int runStaleDrive(int commands)
             qFatal("the status can't be written");
     };
     show(answer, "done");
-    Weather::onOpening([&](const QByteArray& path) {
+    FaultyFiles::onOpening([&](const QByteArray& path) {
         if (!path.endsWith("MISCNoCommand.txt"))
             return;
         ++looks;

@@ -1,0 +1,367 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#include "bench/endurance/VirtualTime.h"
+#include "e2e/FaultyFiles.h"
+#include "host/IComponent.h"
+#include "workbench/host/HostApplication.h"
+#include "workbench/host/HostOptions.h"
+#include "workbench/reader/ReaderDrive.h"
+#include "workbench/reader/ReaderSimulator.h"
+#include "workbench/reader/Scenario.h"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMetaEnum>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTableView>
+#include <QTest>
+#include <QThread>
+#include <QThreadPool>
+#include <QTimer>
+#include <QWindow>
+
+#include <atomic>
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <utility>
+
+int runStaleDrive(int commands);
+
+namespace {
+
+/// The simulated reader, on a thread of its own. It runs only while the host waits, and the other way round.
+class ReaderThread final
+{
+    Q_DISABLE_COPY_MOVE(ReaderThread)
+
+public:
+    /// Is called on the reader's thread when the reader serves its drive, with an empty text, and when it has failed.
+    using Report = std::function<void(const QString& error)>;
+
+    explicit ReaderThread(Report report)
+        : m_report(std::move(report))
+    {
+        m_context.moveToThread(&m_thread);
+        m_thread.start();
+        post([] { VirtualTime::becomePeer(); });
+    }
+    ~ReaderThread()
+    {
+        m_isStalled = false;
+        post([this] { stop(); });
+        m_thread.quit();
+        while (!m_thread.isFinished()) // not wait(): the reader runs only while this thread waits for the time
+            QThread::msleep(1);
+    }
+
+    /// Replaces the running reader, if any. The words are options of merivo-reader, each followed by its value.
+    void start(const QString& drive, const QStringList& words)
+    {
+        post([=] {
+            stop();
+            if (const QString error = serve(drive, words); !error.isEmpty())
+                m_report(error);
+        });
+    }
+    void setStalled(bool isStalled)
+    {
+        if (!m_isStalled.exchange(isStalled) && isStalled)
+            post([this] {
+                while (m_isStalled)
+                    QThread::msleep(20);
+            });
+    }
+
+private:
+    template <class Action>
+    void post(Action action)
+    {
+        QMetaObject::invokeMethod(&m_context, action, Qt::QueuedConnection);
+    }
+    void stop()
+    {
+        m_reader.reset();
+        m_drive.reset();
+    }
+    QString serve(const QString& path, const QStringList& words);
+
+    const Report m_report;
+    QThread m_thread;
+    QObject m_context;
+    std::atomic<bool> m_isStalled{false};
+    std::unique_ptr<ReaderDrive> m_drive; // as the next one, created and deleted on the thread
+    std::unique_ptr<ReaderSimulator> m_reader;
+};
+
+QString ReaderThread::serve(const QString& path, const QStringList& words)
+{
+    QHash<QString, QStringList> options;
+    for (int i = 0; i + 1 < words.size(); i += 2)
+        options[words.at(i)] << words.at(i + 1);
+    QStringList errors;
+    std::optional<Scenario> scenario = loadScenario(options["--scenario"].value(0), &errors);
+    QString error = errors.join('\n');
+    for (const QString& fault : qAsConst(options["--fault"]))
+        if (scenario && !scenario->faults.add(fault, &error))
+            return error;
+    QFile::remove(path +
+                  "/.merivo-reader.lock"); // of a reader that lost its drive; this process is its owner and alive
+    m_drive = std::make_unique<ReaderDrive>(path);
+    if (!scenario || !m_drive->open(&error))
+        return error;
+    m_reader = std::make_unique<ReaderSimulator>(*m_drive, *scenario, false);
+    for (const QString& pair : qAsConst(options["--pair"]))
+        m_reader->pairBeforehand(pair.section('=', 0, 0), pair.section('=', 1));
+    QObject::connect(m_reader.get(), &ReaderSimulator::logged, &m_context, [path](const QString& line) {
+        QFile file(path + "/../reader.log");
+        if (file.open(QIODevice::Append))
+            file.write(QDateTime::currentDateTime().toString(Qt::ISODateWithMs).toUtf8() + ' ' + line.toUtf8() + '\n');
+    });
+    QObject::connect(
+        m_reader.get(), &ReaderSimulator::failed, &m_context,
+        [this](const QString& what) {
+            stop();
+            m_report(what);
+        },
+        Qt::QueuedConnection);
+    if (m_reader->start(&error))
+        m_report({});
+    return error;
+}
+
+/// The host with a reader in one process, controlled by lines on standard input: a verb, and a value after a space.
+/// Reports on standard output, one JSON object a line with the virtual time: what the window in front shows and what
+/// can be pressed there, each record of the log, each second, the start and failure of the reader, and the end of a run
+/// of the plug-in. After each report it stops, and with it the time, until it reads "go".
+class Station final : public QObject
+{
+public:
+    Station(HostApplication& host, const QString& drive)
+        : m_host(host)
+        , m_drive(drive)
+        , m_reader([this](const QString& error) {
+            QMetaObject::invokeMethod(
+                this,
+                [this, error] {
+                    report({{"reader", error}});
+                },
+                Qt::QueuedConnection);
+        })
+    {
+        connect(&host.log(), &HostLog::rowsInserted, this, [this](const QModelIndex&, int row, int last) {
+            for (; row <= last; ++row)
+                report({{"record", m_host.log().index(row, HostLog::MessageColumn).data().toString()},
+                        {"level", m_host.log().index(row, HostLog::LevelColumn).data().toString()}});
+        });
+        connect(&m_observations, &QTimer::timeout, this, &Station::observe);
+        connect(&m_seconds, &QTimer::timeout, this, [this] { report({{"second", true}}); });
+        connect(&m_repetition, &QTimer::timeout, this, [this] { m_reported = {}; });
+        m_repetition.setSingleShot(true);
+        report({{"ready", true}});
+        m_observations.start(50);
+        m_seconds.start(1000);
+    }
+
+private:
+    void report(QJsonObject object);
+    void obey(const QString& verb, const QString& value);
+    void runPlugin();
+    void press(const QString& name);
+    QJsonObject view();
+    void observe();
+
+    HostApplication& m_host;
+    const QString m_drive;
+    ReaderThread m_reader;
+    QTimer m_observations;
+    QTimer m_seconds;
+    QTimer m_repetition; // repeats the report after a press without effect
+    QMap<QString, QPointer<QWidget>> m_choices;
+    QJsonObject m_seen;
+    QJsonObject m_reported;
+    int m_presses = 0;
+};
+
+void Station::report(QJsonObject object)
+{
+    object["at"] = VirtualTime::milliseconds();
+    std::puts(QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
+    std::fflush(stdout);
+    std::string line;
+    while (std::getline(std::cin, line) && line != "go") {
+        // Queued, since a command can begin an event loop in which the next one must be read.
+        const QString text = QString::fromStdString(line);
+        QTimer::singleShot(0, this, [this, text] { obey(text.section(' ', 0, 0), text.section(' ', 1)); });
+    }
+    if (!std::cin)
+        QCoreApplication::quit();
+}
+
+void Station::obey(const QString& verb, const QString& value)
+{
+    static const QStringList failures{"open", "read", "cut-read", "write", "no-space", "close", "list", "kill"};
+    HostDatabase& database = m_host.database();
+    if (const int failure = failures.indexOf(verb); failure >= 0)
+        FaultyFiles::fail(FaultyFiles::Failure(failure), value.section(' ', 0, 0).toInt(),
+                          value.section(' ', 1).toLocal8Bit());
+    else if (verb == "reader")
+        m_reader.start(m_drive, value.split(' ', Qt::SkipEmptyParts));
+    else if (verb == "stall")
+        m_reader.setStalled(value == "on");
+    else if (verb == "run")
+        runPlugin();
+    else if (verb == "press")
+        press(value);
+    else if (verb == "key" && QApplication::activeModalWidget())
+        QTest::keyClick(QApplication::activeModalWidget()->windowHandle(), Qt::Key(QKeySequence::fromString(value)[0]));
+    else if (verb == "after")
+        QTimer::singleShot(value.section(' ', 0, 0).toInt(), this, [this, value] {
+            report({{"due", value.section(' ', 1)}});
+        });
+    else if (verb == "clock")
+        VirtualTime::shiftWallClock(value.toInt());
+    else if (verb == "add")
+        database.addPatient({value.section(' ', 0, 0), value.split(' ').mid(1)});
+    else if (verb == "change" && database.changePatient({value, {"Other", value}}))
+        m_host.events().publishChanged({value, {"Other", value}});
+    else if (verb == "delete" && database.removePatient(value))
+        m_host.events().publishDeleted(value);
+    else if (verb == "diary" && value.isEmpty())
+        m_host.events().closeDiary();
+    else if (verb == "diary" && database.findPatient(value))
+        m_host.events().openDiary(*database.findPatient(value));
+    else if (verb == "slip-away") // between the plug-in's trigger and its reading of the status
+        FaultyFiles::onOpening([drive = m_drive](const QByteArray& path) {
+            thread_local bool hasTriggered = false;
+            if (path.endsWith("/MISCNoCommand.txt"))
+                hasTriggered = true;
+            else if (hasTriggered && path.endsWith("/STATUS.TXT"))
+                QDir().rename(drive, drive + ".away");
+        });
+    else if (verb == "swap")
+        FaultyFiles::onOpening([nth = value.toInt()](const QByteArray& path) mutable {
+            if (QThread::currentThread() == qApp->thread() && path.contains("/MISC/I") && --nth == 0)
+                if (QFile file(path); file.open(QIODevice::Append))
+                    file.write("changed");
+        });
+    else
+        qFatal("can't do '%s %s': %s", qPrintable(verb), qPrintable(value), qPrintable(database.errorText()));
+}
+
+void Station::runPlugin()
+{
+    IComponent* component = m_host.pluginHost().components().constFirst();
+    // A second run beside the first, as by a host that leaves its menu entry enabled.
+    if (m_host.pluginHost().isRunning()) {
+        component->execute(&m_host.window());
+        return;
+    }
+    m_host.pluginHost().run(component, &m_host.window());
+    const int failures = FaultyFiles::failures();
+    FaultyFiles::fail(FaultyFiles::Open, 0, {});
+    FaultyFiles::onOpening({});
+    // The log shows its records a little later.
+    QTimer::singleShot(300, this, [this, failures] { report({{"ended", true}, {"failures", failures}}); });
+}
+
+/// What the modal window shows: its enabled buttons with their texts, and the cells of its table's first column, which
+/// can be pressed too; buttons of a box go by the name of the standard button.
+QJsonObject Station::view()
+{
+    static const QMetaEnum standard = QMetaEnum::fromType<QDialogButtonBox::StandardButtons>();
+    m_choices.clear();
+    const QWidget* window = QApplication::activeModalWidget();
+    if (!window)
+        return {};
+    QJsonObject choices;
+    for (auto* button : window->findChildren<QPushButton*>()) {
+        const auto* box = qobject_cast<QDialogButtonBox*>(button->parentWidget());
+        const QString name = box ? standard.valueToKey(box->standardButton(button)) : button->objectName();
+        if (button->isVisible() && button->isEnabled()) {
+            m_choices[name] = button;
+            choices[name] = button->text().remove('&');
+        }
+    }
+    if (auto* table = window->findChild<QTableView*>(); table && table->isVisible())
+        for (int row = 0; row < table->model()->rowCount(); ++row) {
+            const QString serial = table->model()->index(row, 0).data().toString();
+            m_choices[serial] = table;
+            choices[serial] = "row";
+        }
+    QJsonObject labels;
+    for (const auto* label : window->findChildren<QLabel*>())
+        if (label->isVisible())
+            labels[label->objectName()] = label->text();
+    const auto* box = qobject_cast<const QMessageBox*>(window);
+    const auto* pages = window->findChild<QStackedWidget*>();
+    return {{"window", box ? "box" : window->objectName()},
+            {"title", window->windowTitle()},
+            {"text", box ? box->text() : QString()},
+            {"page", pages && pages->currentWidget() ? pages->currentWidget()->objectName() : QString()},
+            {"labels", labels},
+            {"choices", choices}};
+}
+
+/// Reports what two observations in a row agree on, so that nothing is reported that is passing.
+void Station::observe()
+{
+    const QJsonObject seen = view();
+    if (seen == std::exchange(m_seen, seen) && seen != m_reported) {
+        m_repetition.stop();
+        m_reported = seen;
+        report({{"seen", seen}, {"presses", m_presses}});
+    }
+}
+
+void Station::press(const QString& name)
+{
+    ++m_presses;
+    m_repetition.start(3000);
+    view();
+    QWidget* widget = m_choices.value(name);
+    if (!widget)
+        return;
+    QPoint position = widget->rect().center();
+    if (auto* table = qobject_cast<QTableView*>(widget)) {
+        const QModelIndexList cells = table->model()->match(table->model()->index(0, 0), Qt::DisplayRole, name);
+        table->scrollTo(cells.value(0));
+        widget = table->viewport();
+        position = table->visualRect(cells.value(0)).center();
+    }
+    QTest::mouseClick(widget->window()->windowHandle(), Qt::LeftButton, {}, widget->mapTo(widget->window(), position));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    VirtualTime::start();
+    const QApplication application(argc, argv);
+    QThreadPool::globalInstance()->setExpiryTimeout(0); // an idle thread stops the clock
+    QLocale::setDefault(QLocale("de_DE"));
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == "stale-drive")
+        return runStaleDrive(arguments.value(2).toInt());
+    HostOptions options;
+    options.plugin = arguments.value(1);
+    const QString folder = arguments.value(2);
+    options.drive = folder + "/drive";
+    options.database = folder + "/db";
+    options.log = folder + "/host.log";
+    options.robot = "-"; // no diagnostics
+    QString error;
+    HostApplication host;
+    if (!host.start(options, &error))
+        qFatal("%s", qPrintable(error));
+    const Station station(host, options.drive);
+    return QApplication::exec();
+}

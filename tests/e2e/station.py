@@ -1,0 +1,570 @@
+# SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+# SPDX-License-Identifier: MIT
+"""A station: the built plug-in in a host, a simulated reader, and a user who presses what the dialogs offer.
+
+Host and reader are two threads of one process, e2e_station, on a clock that jumps while both wait: a time-out of seven
+minutes takes seconds, and each run takes the same course again. The process stops after each report, and the clock
+with it, so nothing happens while a test decides."""
+
+import hashlib
+import hmac
+import json
+import os
+import pathlib
+import re
+import select
+import shutil
+import signal
+import sqlite3
+import subprocess
+import tempfile
+import xml.etree.ElementTree
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+TITLE = "Sanvio Merivo Pump Plugin"
+NO_ANSWER = "The Sanvio Lumo device is not responding."
+# Seconds of the station's clock.
+MAX_LATENESS = 2  # of a time-out
+PATIENCE = 30  # for the pauses around a command
+MAX_RUN = 3000
+REAL_PATIENCE = 240  # in real seconds
+# How many seconds the reader has for a command, and to begin it where that is less.
+LIMITS = {"SEARCH": 120, "BTPAIR": 120, "BTPAIRCONFIRM": 60, "BTPUMPREASSIGN": 30, "BTREAD": 440}
+BEGIN_LIMITS = {"BTREAD": 20}
+FILE_FAILURES = ["open", "read", "cut-read", "write", "no-space", "close", "list"]
+
+# Slow enough for the polling to see each state of a command.
+TIMES = {"pickup": 900, "isPaired": 30, "search": 300, "connect": 150, "pair": 300, "confirm": 150, "read": 900,
+         "reassign": 150, "remove": 150, "abort": 150, "userLimit": 9000, "progress": 300}
+
+
+def pump(serial, address, code="000000", patient="", user="confirms"):
+    return {"serialNumber": serial, "address": address, "confirmationCode": code, "patientId": patient,
+            "user": {"does": user, "afterMs": 100}}
+
+
+FREE = pump("MV-204817", "00:1E:42:7A:03:11", "481207")
+DECLINING = pump("MV-211460", "00:1E:42:7A:09:5B", "905518", user="declines")
+RICHARDS = pump("MV-198305", "00:1E:42:7A:05:C4", patient="P-2")
+FOURTH = pump("MV-220022", "00:1E:42:7A:00:22", "220022")
+FOUR_PUMPS = [FREE, DECLINING, RICHARDS, FOURTH]
+
+
+ENVIRONMENT = {"ASAN_OPTIONS": "detect_leaks=0"} | os.environ | {
+    "QT_QPA_PLATFORM": "offscreen", "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_LOGGING_RULES": "*.debug=false"}
+
+
+def programs(build):
+    """The paths of the built programs by their names."""
+    return json.loads((build / "tests/e2e/programs.json").read_text())
+
+
+def kept_pairings(drive):
+    pumps = json.loads((drive / ".merivo-reader.json").read_text())["pumps"]
+    return {pump["serialNumber"]: pump["patientId"] for pump in pumps if pump.get("patientId")}
+
+
+def plain(rich_text):
+    return re.sub("<[^>]*>", "", re.sub("<br/?>", " ", rich_text))
+
+
+class Wrong(AssertionError):
+    """Something that must never happen."""
+
+
+class Unexpected(AssertionError):
+    """The user waits for something that doesn't come."""
+
+
+class Station:
+    """A folder with a reader's drive and a host's database, and the process that works on them."""
+
+    def __init__(self, build, pairs=(), faults=(), pumps=FOUR_PUMPS, times=None):
+        self.build = build
+        memory = pathlib.Path("/dev/shm")
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="merivo-e2e-", dir=memory if memory.is_dir() else None))
+        self.drive = self.folder / "drive"
+        self.away = self.folder / "drive.away"
+        self.drive.mkdir()
+        self.times = TIMES | (times or {})
+        self.pumps = pumps
+        self.faults = faults
+        self.imports = {}
+        self.reader_error = None  # of a reader that failed; None while it serves
+        self.start_host()
+        self.start_reader(*faults, pairs=pairs)
+
+    def close(self):
+        """Ends the host as its user does; returns its exit status."""
+        self.process.stdin.close()
+        return self.process.wait(REAL_PATIENCE)
+
+    def discard(self):
+        self.process.kill()
+        self.process.wait()
+        shutil.rmtree(self.folder)
+
+    def start_host(self):
+        with open(self.folder / "errors", "a") as errors:
+            paths = programs(self.build)
+            self.process = subprocess.Popen([paths["station"], paths["plugin"], self.folder], env=ENVIRONMENT,
+                                            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=errors)
+        self.buffer = b""
+        self.presses = 0  # a report that counts fewer is outdated
+        self.next_report()
+        for patient in ("P-1 Doe Jane 1970-02-03", "P-2 Roe Richard"):
+            self.order("add", patient)  # which fails if an earlier host has added it
+
+    def order_reader(self, *faults, pairs=(), pumps=None):
+        """Replaces the reader. The new one has the same pumps if no others are named."""
+        if self.away.exists():
+            self.away.rename(self.drive)
+        self.pumps = self.pumps if pumps is None else pumps
+        (self.folder / "world.json").write_text(json.dumps({"times": self.times, "pumps": self.pumps}))
+        words = [word for fault in faults for word in ("--fault", fault)]
+        words += [word for pair in pairs for word in ("--pair", pair)]
+        self.order("reader --scenario", self.folder / "world.json", *words)
+
+    def start_reader(self, *faults, pairs=(), pumps=None):
+        self.order_reader(*faults, pairs=pairs, pumps=pumps)
+        self.reader_error = "not started"
+        while self.reader_error is not None:
+            report = self.go_on()
+            if report.get("reader"):
+                raise RuntimeError("no reader: " + report["reader"])
+
+    def order(self, *words):
+        try:
+            self.process.stdin.write(" ".join(map(str, words)).encode() + b"\n")
+            self.process.stdin.flush()
+        except BrokenPipeError:
+            pass  # next_report() finds out
+
+    def go_on(self):
+        """Lets host and reader go on until the next report, and returns that."""
+        self.order("go")
+        return self.next_report()
+
+    def next_report(self):
+        while b"\n" not in self.buffer:
+            if not select.select([self.process.stdout], [], [], REAL_PATIENCE)[0]:
+                raise Wrong("host and reader don't go on")
+            part = os.read(self.process.stdout.fileno(), 65536)
+            if not part:
+                errors = (self.folder / "errors").read_text(errors="replace")
+                raise Wrong(f"the host ended with {self.process.wait()}: {errors[-3000:]}")
+            self.buffer += part
+        line, self.buffer = self.buffer.split(b"\n", 1)
+        report = json.loads(line)
+        if "reader" in report:
+            self.reader_error = report["reader"] or None
+        return report
+
+    def was_killed(self):
+        return self.process.poll() == -signal.SIGKILL
+
+    def pairings(self):
+        """Patients by the serial numbers of their pumps, as the reader keeps them."""
+        return kept_pairings(self.away if self.away.exists() else self.drive)
+
+    def listed_pairings(self):
+        """The same as the reader lists them for the plug-in."""
+        root = xml.etree.ElementTree.parse(self.drive / "MISC/DEVLIST.XML").getroot()
+        serials, patients = ([element.text for element in root.iter(tag)] for tag in ("SERIALNR", "PATIENT_ID"))
+        return {serial: patient for serial, patient in zip(serials, patients) if patient != "0"}
+
+    def check_label(self, patient, label):
+        """Checks what the main dialog shows, if it does, against what the reader keeps."""
+        serials = [serial for serial, owner in self.pairings().items() if owner == patient]
+        if len(serials) > 1:
+            raise Wrong(f"the reader keeps {serials} for {patient}")
+        if label and label != (f"Assigned pump: Serial number '{serials[0]}'." if serials else "No pump assigned"):
+            raise Wrong(f'the session of {patient} shows "{label}", the reader keeps {serials}')
+
+    def check_imports(self):
+        """Checks that each import is whole and belongs to the patient whose pump the reader keeps."""
+        kept = self.pairings()
+        with sqlite3.connect(self.folder / "db") as database:
+            if database.execute("PRAGMA integrity_check").fetchone() != ("ok",):
+                raise Wrong("the database is damaged")
+            guid = database.execute("SELECT value FROM meta WHERE key = 'guid'").fetchone()[0]
+            rows = database.execute("SELECT id, puid, file_name, mac, bytes FROM imports"
+                                    " LEFT JOIN import_files ON import_id = id").fetchall()
+        database.close()
+        shared = re.findall(r"0x([0-9a-f]{2})", (ROOT / "host/SharedKey.h").read_text())
+        key = ("".join(shared) + guid).encode()
+        for number, puid, name, mac, content in rows:
+            if content is None or hmac.new(key, content, hashlib.sha256).hexdigest() != mac:
+                raise Wrong(f"the import of {name} isn't what its MAC was made of")
+            if number in self.imports:
+                continue
+            if kept.get(re.match(r"I(.+)_", name)[1]) != puid:
+                raise Wrong(f"{name} was imported for {puid}, who doesn't have that pump")
+            if len(content) < 10000 or content != (self.drive / "MISC" / name).read_bytes():
+                raise Wrong(f"the import of {name} differs from the file on the drive")
+        imports = {row[0]: row[1] for row in rows}
+        if self.imports.items() - imports.items():
+            raise Wrong("an import has disappeared")
+        self.imports = imports
+
+    def result(self):
+        """The pairings that the reader keeps and, with a plus sign, whose the imports are."""
+        return ([f"{serial}={owner}" for serial, owner in sorted(self.pairings().items())]
+                + ["+" + owner for owner in self.imports.values()])
+
+    def log(self):
+        return (self.folder / "host.log").read_text(errors="replace")
+
+    def run(self, patient="P-1", faults=()):
+        return Run(self, patient, faults)
+
+
+class Run:
+    """One run of the plug-in: what its user does, what is injected, and what came of it."""
+
+    def __init__(self, station, patient="P-1", faults=()):
+        self.station = station
+        self.patient = patient
+        self.faults = list(faults)
+        self.boxes, self.records, self.presses, self.undo = [], [], [], []
+        self.actions = {}  # by the name under which the host reports that they are due
+        self.view = {}  # what the window in front shows; empty from a press until its effect
+        self.label = None  # of the main dialog, since the last command
+        self.ended = False
+        self.failures = 0  # of file operations
+        self.command, self.limit = "BTISPAIRED", 20
+        self.clock_shift = 0
+        self.now = self.begin = self.idle_since = 0
+        station.order("diary", patient)
+        self.inject("BEGIN")
+        station.order("run")
+
+    # What the user does.
+
+    @property
+    def main(self):
+        return MainDialog(self)
+
+    @property
+    def choices(self):
+        return self.view.get("choices", {})
+
+    def press(self, name, window=None):
+        """Presses a button or a table's row once it is offered. Fails if something else is offered instead."""
+        while name not in self.choices or self.view["window"] != (window or self.view["window"]):
+            if self.ended or (self.choices and not self.is_busy()):
+                raise Unexpected(f"expected {name} in {window}\nseen: {self.seen()}")
+            self.step()
+        self.presses.append(name)
+        self.inject(name)
+        self.view = {}
+        self.idle_since = self.now
+        self.station.presses += 1
+        self.station.order("press", name)
+
+    def box(self, text, title=TITLE):
+        """Waits for a message box with that text, which its user then answers."""
+        self.wait(lambda: self.view.get("window") == "box", f'a box with "{text}"')
+        if self.view["title"] != title or text not in plain(self.view["text"]):
+            raise Unexpected(f'expected a box "{title}" with "{text}"\nseen: {self.seen()}')
+        return Box(self)
+
+    def key(self, name):
+        self.station.order("key", name)
+
+    def pause(self, seconds):
+        begin = self.now
+        self.wait(lambda: self.now >= begin + seconds, f"{seconds} s")
+
+    def replace_reader(self, *faults, pumps=None):
+        self.station.order_reader(*faults, pumps=pumps)
+        self.station.reader_error = "not started"
+        self.wait(lambda: self.station.reader_error is None, "a reader")
+
+    def leave(self, yes="Yes"):
+        """Answers and closes what is open until the run ends. Texts of boxes are kept."""
+        while not self.ended:
+            offered = [] if self.is_busy() else [n for n in (yes, "No", "Cancel", "Close", "Ok") if n in self.choices]
+            if not offered and yes != "Yes":
+                offered = [n for n in ("m_OverviewButton", "m_DeclineButton") if n in self.choices]
+            if not offered:
+                self.step()
+                continue
+            if self.view["window"] == "box":
+                if self.view["title"] != TITLE:
+                    raise Wrong(f"a box with a title of its own: {self.view['title']}")
+                if "retry" in self.view["text"]:
+                    offered = ["No"]
+                self.boxes.append(plain(self.view["text"]))
+            self.press(offered[0])
+        return self
+
+    def end(self):
+        """Waits until the run ends by itself."""
+        self.wait(lambda: self.ended, "the end of the run")
+        return self
+
+    def expect(self, page=None, disabled=(), **labels):
+        """Waits until the window in front shows a page, texts of labels and buttons, and disabled buttons."""
+        def is_shown():
+            texts = self.view.get("labels", {}) | self.choices
+            return (page in (None, self.view.get("page")) and self.view and not set(disabled) & set(self.choices)
+                    and all(name in texts and text in texts[name] for name, text in labels.items()))
+        self.wait(is_shown, f"{page or ''} {labels or ''}, disabled {disabled}")
+        return self
+
+    def wait(self, condition, what):
+        begin = None
+        while not condition():
+            begin = begin or self.now
+            # What is offered in vain for so long won't change.
+            if self.ended or (self.now == self.idle_since and self.now - begin > PATIENCE):
+                raise Unexpected(f"expected {what}\nseen: {self.seen()}")
+            self.step()
+
+    def agree(self):
+        """Checks dialog, reader and database against each other."""
+        self.wait(lambda: self.label, "the main dialog")
+        self.station.check_label(self.patient, self.label)
+        assert self.station.listed_pairings() == self.station.pairings()
+        self.station.check_imports()
+        return self
+
+    def seen(self):
+        if self.ended:
+            return f"the run ended, {self.records[-4:]}"
+        return f"{self.view.get('window')} {self.view.get('text')} {self.view.get('labels')} {list(self.choices)}"
+
+    def is_busy(self):
+        """Returns whether what is offered is only there to stop what is under way."""
+        is_reading = self.view.get("window") == "PumpReadDialog" and "m_ReadButton" not in self.choices
+        return is_reading or list(self.choices) == ["m_OverviewButton"] == self.presses[-1:]
+
+    # What happens.
+
+    def step(self):
+        """Goes on to the next report."""
+        report = self.station.go_on()
+        self.now = report["at"] / 1000
+        self.begin = self.begin or self.now
+        self.idle_since = self.idle_since or self.now
+        if "record" in report:
+            self.on_record(report["record"], report["level"])
+        elif "due" in report:
+            self.actions.pop(report["due"], lambda: None)()  # none if an earlier run asked for it
+        elif "ended" in report:
+            self.ended = True
+            self.failures = report["failures"]
+            self.close()
+        elif "seen" in report and report["presses"] == self.station.presses:
+            self.view = report["seen"]
+            if self.view.get("window") == "MainDialog" and self.choices:
+                self.label = self.view["labels"].get("m_pumpAssignLabel")
+        shift = max(0, -self.clock_shift)  # a clock that is set back moves the limits
+        if not self.view or (self.choices and not self.is_busy()):
+            self.idle_since = self.now
+        elif self.now - self.idle_since > self.limit + shift + PATIENCE:
+            raise Wrong(f"no answer to {self.command} and no end: {self.seen()}")
+        if self.now - self.begin > MAX_RUN + shift:
+            raise Wrong(f"the run doesn't end: {self.seen()}")
+
+    def close(self):
+        for undo in self.undo:
+            undo()
+        self.undo = []
+
+    def on_record(self, text, level):
+        self.records.append(f"{level} {text}")
+        late = re.search(r"command' timeout .*?: (\d+) of", text)
+        if late:
+            if int(late[1]) > 1000 * (self.limit + MAX_LATENESS) and not self.clock_shift:
+                raise Wrong(f"a time-out of {self.command} came too late: {text}")
+            self.station.order("stall off")
+        submission = re.match("(?:<==|=!=) <([A-Z]+) .*> (?:submitted|failed)", text)
+        if submission:
+            self.command, self.label = submission[1], None
+            self.limit = BEGIN_LIMITS.get(self.command, LIMITS.get(self.command, 20))
+            self.idle_since = self.now
+            self.inject(self.command)
+        elif "Observer polling started" in text:
+            self.inject(self.command + "-polling")
+        elif text == "Observed operation started.":
+            self.limit = LIMITS.get(self.command, 20)
+            self.inject(self.command + "-started")
+        elif text == "--- Plugin component execution finishing":
+            self.inject("END")
+
+    # Faults of everything but the reader, written NAME[=VALUE]@WHEN.
+
+    def inject(self, moment):
+        """Injects what is due when a command is submitted, its polling or it itself has started, before a press, and at
+        BEGIN and END of the run."""
+        for fault in list(self.faults):
+            text, _, when = fault.partition("@")
+            if when == moment:
+                self.faults.remove(fault)
+                name, _, value = text.partition("=")
+                method = getattr(self, "fault_" + name.replace("-", "_"), None)
+                if name in FILE_FAILURES:
+                    self.station.order(name, value, self.station.drive)
+                elif method:
+                    method(value)
+                else:  # of the station
+                    self.station.order(name, value or self.patient)
+
+    def fault_kill(self, nth_write):
+        self.station.order("kill", nth_write, self.station.folder / "db")
+
+    def fault_full_database(self, nth_write):
+        self.station.order("no-space", nth_write, self.station.folder / "db")
+
+    def fault_pull(self, milliseconds):
+        self.station.drive.rename(self.station.away)
+        self.put_back_after(milliseconds)
+
+    def fault_slip_away(self, milliseconds):
+        self.station.order("slip-away")
+        self.put_back_after(milliseconds)
+
+    def put_back_after(self, milliseconds):
+        def put_back():
+            if self.station.away.exists():
+                self.station.order_reader(*self.station.faults)
+        self.undo.append(put_back)
+        if milliseconds:
+            self.after(milliseconds, "put-back", put_back)
+
+    def fault_restart(self, _):
+        self.after(1200, "restart", lambda: self.station.order_reader(*self.station.faults))
+
+    def fault_stall(self, _):
+        """The reader hangs until the plug-in has given it up."""
+        self.station.order("stall on")
+        self.undo.append(lambda: self.station.order("stall off"))
+
+    def fault_clock(self, seconds):
+        self.clock_shift += int(seconds)
+        self.station.order("clock", seconds)
+        self.undo.append(lambda: self.station.order("clock", -int(seconds)))
+
+    def fault_lock(self, _):
+        lock = sqlite3.connect(self.station.folder / "db", isolation_level=None)
+        lock.execute("BEGIN EXCLUSIVE")
+        self.undo.append(lock.close)
+
+    def fault_again(self, _):
+        self.station.order("run")
+
+    def fault_delete(self, _):
+        self.station.order("delete", self.patient)
+        self.undo.append(lambda: self.station.order("add", self.patient, "Doe Jane"))
+
+    def fault_close_diary(self, _):
+        self.station.order("diary ")
+
+    def fault_other_diary(self, patient):
+        self.station.order("diary", patient)
+
+    def after(self, milliseconds, name, action):
+        self.actions[name] = action
+        self.station.order("after", milliseconds, name)
+
+
+class Dialog:
+    """What a user can do in a window of the plug-in. Each operation waits until it is offered."""
+
+    window = None
+
+    def __init__(self, run):
+        self.run = run
+
+    def press(self, name):
+        self.run.press(name, self.window)
+        return self
+
+    def expect(self, **shown):
+        self.run.wait(lambda: self.run.view.get("window") == self.window, self.window)
+        self.run.expect(**shown)
+        return self
+
+
+class Box(Dialog):
+    window = "box"
+
+    def ok(self):
+        self.press("Ok")
+
+    def yes(self):
+        self.press("Yes")
+
+    def no(self):
+        self.press("No")
+
+
+class MainDialog(Dialog):
+    window = "MainDialog"
+
+    def add(self):
+        self.press("m_addPumpButton")
+        return AddDialog(self.run)
+
+    def read(self):
+        self.press("m_readPumpButton")
+        return ReadDialog(self.run)
+
+    def remove(self):
+        self.press("m_removePumpButton")
+        return RemoveDialog(self.run)
+
+    def close(self):
+        self.press("Close")
+        return self.run.end()
+
+
+class AddDialog(Dialog):
+    window = "PumpAddDialog"
+
+    def search(self):
+        return self.press("m_OverviewButton")
+
+    def stop(self):
+        return self.expect(m_OverviewButton="Abort").press("m_OverviewButton")
+
+    def back(self):
+        return self.press("m_OverviewButton")
+
+    def choose(self, serial):
+        return self.press(serial)
+
+    def assign(self):
+        return self.press("m_AssignButton")
+
+    def confirm(self):
+        return self.press("m_ConfirmButton")
+
+    def decline(self):
+        return self.press("m_DeclineButton")
+
+    def ok(self):
+        return self.press("Ok")
+
+    def cancel(self):
+        return self.press("Cancel")
+
+
+class ReadDialog(Dialog):
+    window = "PumpReadDialog"
+
+    def cancel(self):
+        return self.press("Cancel")
+
+
+class RemoveDialog(Dialog):
+    window = "PumpRemoveDialog"
+
+    def ok(self):
+        self.press("Ok")
+        return Box(self.run)
+
+    def cancel(self):
+        return self.press("Cancel")

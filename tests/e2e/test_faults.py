@@ -1,0 +1,170 @@
+# SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+# SPDX-License-Identifier: MIT
+"""Each fault of the catalogue at the commands that it can hit, each failing file operation, and random faults. After a
+fault nothing is lost, and the next run works."""
+
+import collections
+import itertools
+import random
+
+import faults
+import pytest
+from conftest import is_whole
+from station import FILE_FAILURES, FREE, RICHARDS, Unexpected, Wrong, plain
+
+# For cases that go through all file operations: each state of a command is seen by few polls.
+FEW_POLLS = {"pickup": 600, "isPaired": 210, "search": 210, "pair": 210, "read": 210}
+
+
+def add(main):
+    main.add().search().choose(FREE["serialNumber"]).assign().confirm().ok()
+
+
+def reassign(main):
+    main.add().search().choose(RICHARDS["serialNumber"]).assign().ok()
+    main.run.box("reassign the pump").yes()
+
+
+WAYS = {
+    "read": lambda main: main.read(),
+    "add": add,
+    "reassign": reassign,
+    "stop": lambda main: main.add().search().stop(),
+    "remove": lambda main: main.remove().ok().yes(),
+}
+
+
+def go(run, way, yes="Yes"):
+    """Goes a way as far as it is open, and leaves."""
+    try:
+        way(run.main)
+    except Unexpected:
+        pass  # the outcome is compared
+    return run.leave(yes)
+
+
+def check_next_run(station, renews_reader):
+    """A run without faults reads the patient's pump, after adding it if need be."""
+    if renews_reader or station.reader_error:
+        station.start_reader()
+    run = station.run()
+    run.wait(lambda: run.choices, "the main dialog")
+    assert run.view["window"] == "MainDialog", run.seen()
+    station.check_label("P-1", run.label)
+    go(run, WAYS["read" if "m_readPumpButton" in run.choices else "add"])
+    assert not run.boxes and any("MAC verified" in record or "already for the patient" in record
+                                 for record in run.records), f"the next run doesn't work: {run.seen()} {run.boxes}"
+    station.check_imports()
+    assert station.close() == 0, "the host crashes at its end"
+
+
+def carry_out(station, way, injected=(), yes="Yes"):
+    """A run with faults, whose process may be killed."""
+    run = station.run(faults=injected)
+    try:
+        go(run, way, yes)
+    except Wrong:
+        if not station.was_killed() or not any("kill" in fault for fault in injected):
+            raise
+        run.failures = 1
+        run.close()
+        station.start_host()
+        station.start_reader()
+    if station.reader_error or not (station.drive / "MISC").exists():
+        station.start_reader()
+    station.check_imports()
+    return run
+
+
+def pytest_generate_tests(metafunc):
+    whole = is_whole(metafunc.config)
+    if "seed" in metafunc.fixturenames:
+        metafunc.parametrize("seed", range(1, 101 if whole else 5))
+    if "case" in metafunc.fixturenames:
+        chosen = faults.all_cases() if whole else faults.sample()
+        metafunc.parametrize("case", chosen, ids=[case.name for case in chosen])
+
+
+DATABASE_FAILURES = ["kill", "full-database"]
+
+
+@pytest.mark.parametrize("way", ["read", "add", "remove", "reassign"])
+@pytest.mark.parametrize("failure", FILE_FAILURES + DATABASE_FAILURES)
+def test_failing_file_operation(way, failure, make_station, request):
+    """The 1st, 2nd, 3rd ... operation fails, until a run passes without coming to it; in the sample a few of them."""
+    has_failed = False
+    for turn in itertools.count(1) if is_whole(request.config) else (1, 6):
+        station = make_station([faults.JANE] if way in ("read", "remove") else [], times=FEW_POLLS)
+        run = carry_out(station, WAYS[way], [f"{failure}={turn}@BEGIN"])
+        if not run.failures:
+            break
+        has_failed = True
+        check_next_run(station, False)
+    assert has_failed != (way == "remove" and failure in DATABASE_FAILURES)  # a removal writes nothing there
+
+
+def test_fault(case, make_station):
+    station = make_station(case.command.pairs, case.reader_faults)
+    run = carry_out(station, WAYS[case.command.way], case.other_faults)
+    matching = [one for one, result in case.results() if matches(one, result, run)]
+    expected = "\n  or ".join(f"{result}, boxes {one.boxes}, log {one.log}" for one, result in case.results())
+    failures = [record for record in run.records if not record.startswith("Trace") or "Trace ---" in record]
+    assert matching, f"expected: {expected}\nseen: {station.result()}, boxes {run.boxes}, log {failures}"
+    # The session doesn't know what only the reader knows. A cut status is taken for a whole one.
+    if matching[0].state != "reader_only" and "half-status" not in case.name:
+        station.check_label("P-1", run.label)
+    check_next_run(station, case.stays)
+
+
+def matches(outcome, result, run):
+    records = iter(run.records)  # each part is searched for after the one before
+    return (run.station.result() == result and len(run.boxes) == len(outcome.boxes)
+            and all(part in text for part, text in zip(outcome.boxes, run.boxes))
+            and all(any(record.startswith(level) and part in record for record in records)
+                    for level, part in outcome.log))
+
+
+def wander(run, key):
+    """A user without an aim, who leaves after some steps. Chooses by what is offered and how often it was before, so
+    that a step more or less changes no later choice."""
+    met = collections.Counter()
+    for _ in range(14):
+        run.wait(lambda: run.choices, "something to press")
+        offered = (run.view["window"], *sorted(run.choices))
+        met[offered] += 1
+        chance = random.Random(f"{key} {offered} {met[offered]}")
+        if offered[0] == "box":
+            run.boxes.append(plain(run.view["text"]))
+        if run.is_busy() and chance.random() < 0.75:
+            run.wait(lambda: not run.is_busy(), "an end")
+        else:
+            run.press(chance.choice(offered[1:]))
+
+
+def test_random_faults(seed, make_station):
+    """Up to three faults and three runs. Nothing may be lost."""
+    chance = random.Random(seed)
+    chosen = chance.choices(faults.FAULTS, k=chance.randint(1, 3))
+    cases = [chance.choice(list(faults.cases_of(fault))) for fault in chosen]
+    station = make_station(chance.choice([[], ["MV-204817=P-1"], ["MV-211460=P-1"]]),
+                           [fault for case in cases for fault in case.reader_faults])
+    print("injected:", *(case.name for case in cases))
+    injected = [fault for case in cases for fault in case.other_faults]
+    for number in range(3):
+        way = WAYS[chance.choice(["add", "stop", "remove"])] if chance.random() < 0.5 else (
+            lambda main: wander(main.run, f"{seed} {number}"))
+        run = carry_out(station, way, injected, "No")
+        print("pressed:", run.presses, "boxes:", run.boxes)
+        injected = []
+        if not run.boxes and not any("half-status" in case.name for case in cases):
+            station.check_label("P-1", run.label)
+    check_next_run(station, True)
+
+
+def test_same_course_twice(make_station):
+    """Time and order don't depend on how busy the computer is."""
+    courses = []
+    for _ in range(2):
+        run = carry_out(make_station(faults=["slow=700", "stale-until=2@BTPAIR"]), WAYS["add"])
+        courses.append((run.records, run.now))
+    assert courses[0] == courses[1]

@@ -1,0 +1,353 @@
+# SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+# SPDX-License-Identifier: MIT
+"""Whole runs as a user goes through them, and what reader, database, dialog and log hold then."""
+
+import signal
+import subprocess
+
+import pytest
+from conftest import is_whole
+from station import DECLINING, ENVIRONMENT, FOURTH, FREE, NO_ANSWER, RICHARDS, ROOT, kept_pairings, programs, pump
+
+DIARY_GONE = "The patient's diary was closed or changed. Nothing was imported."
+
+
+def finish(station, result, *log):
+    """Checks the result, parts of the log in their order, and that a run with a sound reader shows each one's pump."""
+    station.start_reader()
+    for patient in ("P-1", "P-2"):
+        station.run(patient).agree().main.close()
+    assert station.result() == result.split()
+    text, position = station.log(), 0
+    for part in log:
+        position = text.find(part, position)
+        assert position >= 0, f"{part} isn't in the log, or not in its place:\n{text}"
+    assert station.close() == 0
+
+
+def compare_code(run):
+    return (run.main.add().search().choose("MV-204817").assign()
+            .expect(page="m_AssignPage", m_AssignPairingCode="481207", disabled=["Cancel"]))
+
+
+def test_read(make_station):
+    station = make_station(["MV-204817=P-1"])
+    run = station.run().agree()
+    run.main.read().expect(m_ProgressLabel="Download in progress...")
+    run.key("Escape")
+    run.end()
+    station.check_imports()
+    finish(station, "MV-198305=P-2 MV-204817=P-1 +P-1", "<== <BTISPAIRED P-1> submitted.",
+           '<== <BTREAD "MV-204817"> submitted.', "==> [Read Controller] Readout succeeded: status='2'.", "MAC verified",
+           "--- Plugin component execution finishing", "<-- Plugin component execution finished")
+
+
+def test_read_again_imports_nothing_new(make_station):
+    station = make_station(["MV-204817=P-1"])
+    for _ in range(2):
+        run = station.run().agree()
+        run.main.read()
+        run.end()
+    finish(station, "MV-198305=P-2 MV-204817=P-1 +P-1", "MAC verified", "already for the patient")
+
+
+def test_pump_of_another_patient(make_station):
+    station = make_station(["MV-204817=P-2"], pumps=[FREE])
+    run = station.run().agree()
+    assert sorted(run.choices) == ["Close", "m_addPumpButton"]
+    run.main.close()
+    finish(station, "MV-204817=P-2", "=== Paired pump query for patient 'P-1' finished: snr=''.")
+
+
+def test_add_and_read(make_station):
+    station = make_station()
+    run = station.run().agree()
+    add = run.main.add().expect(page="m_StartPage")
+    add.search().expect(page="m_OverviewPage", disabled=["m_AssignButton"])
+    assert list(run.choices.values()).count("row") == 4
+    add.cancel()
+    run.agree()
+    add = compare_code(run)
+    run.key("Escape")
+    add.confirm().expect(page="m_ConfirmPage", Ok="")
+    assert "m_ConfirmBusyLabel" not in run.view["labels"]
+    add.ok()
+    run.end()
+    finish(station, "MV-198305=P-2 MV-204817=P-1 +P-1", "<== [Add Controller] Start pairing search.",
+           "<== [Add Controller] Start pairing process: snr='MV-204817'.",
+           "==> [Add Controller] Pairing confirm succeeded: status='2'.",
+           "<== [Read Controller] Start readout: snr='MV-204817'.", "MAC verified")
+
+
+def test_add_without_reading(make_station):
+    station = make_station(pumps=[FREE])  # the only pump is selected already
+    run = station.run().agree()
+    run.main.add().search().assign().confirm().expect(Ok="").cancel()
+    run.agree()
+    assert "MV-204817" in run.label
+    run.main.close()
+    finish(station, "MV-204817=P-1", "==> [Add Controller] Pairing confirm succeeded: status='2'.")
+
+
+def test_decline(make_station):
+    """By the user, also where the reader fails at it, by the pump's user, and by one who walks away."""
+    station = make_station()
+    run = station.run().agree()
+    compare_code(run).decline()
+    run.agree()
+    run.replace_reader("fail=32@BTPAIRCONFIRM")
+    compare_code(run).decline()
+    run.agree()
+    run.replace_reader()
+    run.main.add().search().choose(DECLINING["serialNumber"]).assign().expect(m_AssignPairingCode="905518").confirm()
+    run.box("Error Code: 21").ok()
+    run.agree()
+    run.replace_reader(pumps=[pump("MV-220022", FOURTH["address"], user="walks away")])
+    run.main.add().search().choose("MV-220022").assign().confirm()
+    run.box("Connection lost").ok()
+    run.agree().main.close()
+    finish(station, "MV-198305=P-2", "==> [Add Controller] Pairing decline finished: status='2'.",
+           "==> [Add Controller] Pairing decline finished: status='1'.",
+           "=!= [Add Controller] Pairing confirm failed: status='1'.",
+           "=!= [Add Controller] Pairing confirm failed: status='1'.")
+
+
+def test_each_step_of_an_addition_fails(make_station):
+    station = make_station()
+    run = station.run().agree()
+
+    def fail(fault, text):
+        run.box(text).ok()
+        run.agree()
+        run.replace_reader(fault)
+
+    run.replace_reader("fail=999@SEARCH")
+    run.main.add().search()
+    fail("fail=777@BTPAIR", "Error Code: 999")
+    run.main.add().search().choose("MV-204817").assign()
+    fail("fail=32@BTPAIRCONFIRM", "Error Code: 777")
+    compare_code(run).confirm()
+    fail("fail=31@BTPUMPREASSIGN", "Connection lost")
+    run.main.add().search().choose("MV-198305").assign().expect(page="m_ReassignPage").ok()
+    run.box("reassign the pump").yes()
+    fail("no-end", "Pump communication error")
+    run.main.close()
+    finish(station, "MV-198305=P-2", "=!= [Add Controller] Pairing search failed: status='1'.",
+           "=!= [Add Controller] Pairing process start failed: status='1'.",
+           "=!= [Add Controller] Pairing confirm failed: status='1'.",
+           "=!= [Add Controller] Reassign failed: status='1'.")
+
+
+def test_search_finds_nothing_or_is_stopped(make_station):
+    """A pump in the fourth row counts as none."""
+    station = make_station(pumps=[])
+    run = station.run().agree()
+    add = run.main.add().search()
+    run.box("No device found.").ok()
+    run.replace_reader("slow=9000@SEARCH", "slow=3200@ABORT", pumps=[FREE, DECLINING, RICHARDS, FOURTH])
+    add.search().expect(m_OverviewButton="Abort")
+    run.key("Escape")
+    add.stop().expect(m_OverviewButton="Search")
+    run.replace_reader()
+    add.search().choose("MV-220022").assign()
+    run.box("No device selected.").ok()
+    run.agree().main.close()
+    finish(station, "MV-198305=P-2", "=!= [Add Controller] Empty device list.", "<== <ABORT > submitted.",
+           "=!= [Add Controller] Pairing search stopped: status='3'.")
+
+
+def test_stop_is_not_answered(make_station):
+    """After that, a press on Search stops once more."""
+    station = make_station(faults=["slow=9000@SEARCH", "no-start@ABORT"])
+    run = station.run().agree()
+    run.main.add().search().stop()
+    run.box(NO_ANSWER).ok()
+    run.agree()
+    add = run.main.add().search().expect(m_OverviewButton="Search", Cancel="")
+    add.cancel()
+    run.agree().main.close()
+    finish(station, "MV-198305=P-2", "=== Observer canceling.", "<== <ABORT > submitted.", "--- Cancel during polling",
+           "--- 'Unstarted command' timeout during polling", "<== <ABORT > submitted.", "--- Cancel during polling")
+
+
+def test_pump_of_a_deleted_patient_is_free(make_station):
+    station = make_station(pumps=[FREE | {"patientId": "gone-1"}, RICHARDS])
+    run = station.run().agree()
+    add = run.main.add().search().choose("MV-204817").expect(m_AssignButton="Assign")
+    run.pause(3)  # nobody waits until the reader has forgotten the pairing
+    add.assign().expect(m_AssignPairingCode="481207").confirm().expect(Ok="").cancel()
+    run.agree().main.close()
+    finish(station, "MV-198305=P-2 MV-204817=P-1",
+           "=== [Add Controller] Deprecated pairing info (puid='gone-1', snr='MV-204817') removed.",
+           "==> [Add Controller] Pairing confirm succeeded: status='2'.")
+
+
+def test_reassign(make_station):
+    """After a No, a step back and a Yes; the pump is read for its new patient."""
+    station = make_station()
+    run = station.run().agree()
+    add = (run.main.add().search().choose("MV-198305").expect(m_AssignButton="Reassign").assign()
+           .expect(page="m_ReassignPage").ok())
+    run.box("reassign the pump MV-198305 from patient 'Roe, Richard' to patient 'Doe, Jane'?").no()
+    add.back().expect(page="m_OverviewPage").cancel()
+    run.agree()
+    run.main.add().search().choose("MV-198305").assign().expect(page="m_ReassignPage").ok()
+    run.box("reassign the pump").yes()
+    run.end()
+    finish(station, "MV-198305=P-1 +P-1", '<== <BTPUMPREASSIGN "MV-198305" P-1> submitted.',
+           "==> [Add Controller] Reassign succeeded: status='2'.", "MAC verified")
+
+
+def test_remove(make_station):
+    """After a No, a Cancel and a failure."""
+    station = make_station(["MV-204817=P-1"])
+    run = station.run().agree()
+    remove = run.main.remove().expect(Ok="")
+    assert list(run.choices.values()).count("row") == 1
+    remove.ok()
+    run.box("assignment of the pump MV-204817 to patient record Doe, Jane").no()
+    remove.cancel()
+    run.replace_reader("fail=31@BTDELETEADDR")
+    run.agree().main.remove().ok()
+    run.box("assignment of the pump").yes()
+    run.box("Pump communication error").ok()
+    run.agree()
+    assert "MV-204817" in run.label
+    run.replace_reader()
+    run.main.remove().ok()
+    run.box("assignment of the pump").yes()
+    run.main.expect(m_pumpAssignLabel="No pump assigned", m_addPumpButton="").close()
+    finish(station, "MV-198305=P-2", "=!= [Remove Controller] Removing failed: error='31'.",
+           "==> [Remove Controller] Removing succeeded: status='2'.")
+
+
+def test_removal_is_not_answered(make_station):
+    station = make_station(["MV-204817=P-1"], ["no-start@BTDELETEADDR"])
+    run = station.run().agree()
+    remove = run.main.remove()
+    remove.ok()
+    run.box("assignment of the pump").yes()
+    remove.expect(disabled=["Ok", "Cancel"])
+    run.key("Escape")
+    run.box(NO_ANSWER).ok()
+    run.agree().main.close()
+    finish(station, "MV-198305=P-2 MV-204817=P-1", "<== [Remove Controller] Start removing: snr='MV-204817'.",
+           "--- 'Unfinished command' timeout during polling")
+
+
+def test_reader_restarts_while_the_code_is_compared(make_station):
+    """The confirmation comes too late, and the next try succeeds."""
+    station = make_station()
+    run = station.run().agree()
+    add = compare_code(run)
+    run.replace_reader()
+    add.confirm()
+    run.box("Error Code: 20").ok()
+    run.agree()
+    compare_code(run).confirm().ok()
+    run.end()
+    finish(station, "MV-198305=P-2 MV-204817=P-1 +P-1", "Error message box: code='20'",
+           "==> [Add Controller] Pairing confirm succeeded: status='2'.")
+
+
+def test_reader_is_pulled_out(make_station):
+    """In a search, in a pairing, and while the code is compared."""
+    station = make_station(faults=["slow=9000@SEARCH"])
+
+    def pull_out(run):
+        run.fault_pull("")
+        return run
+
+    run = station.run().agree()
+    run.main.add().search().expect(m_OverviewButton="Abort")
+    pull_out(run).box(NO_ANSWER).ok()
+    run.replace_reader("slow=9000@BTPAIR")
+    run.main.close()
+    run = station.run().agree()
+    run.main.add().search().choose("MV-204817").assign().expect(page="m_AssignPage")
+    pull_out(run).box(NO_ANSWER).ok()
+    run.replace_reader()
+    run.main.close()
+    run = station.run().agree()
+    add = compare_code(run)
+    pull_out(run)
+    add.confirm()
+    run.box(NO_ANSWER).ok()
+    run.replace_reader()
+    run.main.close()
+    finish(station, "MV-198305=P-2", *["--- Error during polling"] * 3)
+
+
+def test_diary_changes_while_the_code_is_compared(make_station):
+    station = make_station()
+    run = station.run().agree()
+    add = compare_code(run)
+    station.order("diary P-2")
+    add.confirm()
+    run.box(DIARY_GONE).ok()
+    run.end()
+    finish(station, "MV-198305=P-2")
+
+
+def test_diary_changes_while_the_pump_confirms(make_station):
+    """The pump is the first patient's, and isn't read."""
+    station = make_station(faults=["slow=1500@BTPAIRCONFIRM"])
+    run = station.run().agree()
+    add = compare_code(run).confirm().expect(page="m_ConfirmPage")
+    station.order("diary P-2")
+    add.ok()
+    run.box(DIARY_GONE).ok()
+    run.end()
+    finish(station, "MV-198305=P-2 MV-204817=P-1")
+
+
+@pytest.mark.parametrize("diary", ["", "P-2"], ids=["closed", "changed"])
+@pytest.mark.parametrize("moment", ["read", "remove", "reading", "asked", "removing"])
+def test_diary_is_gone(moment, diary, make_station):
+    """Before the main dialog's buttons are pressed, in a read-out, at the question, and in a removal."""
+    station = make_station(["MV-204817=P-1"], ["slow=1500@BTREAD", "slow=1500@BTDELETEADDR"])
+    run = station.run().agree()
+    if moment == "reading":
+        run.main.read().expect(m_ProgressLabel="Download in progress...")
+    elif moment in ("asked", "removing"):
+        remove = run.main.remove()
+        remove.ok()
+        run.box("assignment of the pump")
+    if moment == "removing":
+        run.press("Yes")
+        remove.expect(disabled=["Ok", "Cancel"])
+    station.order("diary", diary)
+    if moment == "asked":
+        run.press("Yes")
+    elif moment in ("read", "remove"):
+        getattr(run.main, moment)()
+    run.box(DIARY_GONE).ok()
+    run.end()
+    finish(station, "MV-198305=P-2" + ("" if moment == "removing" else " MV-204817=P-1"),
+           "<-- Plugin component execution finished")
+
+
+def test_demo(build, tmp_path):
+    """The programs themselves, by the system's clock. The pairings outlive a reader that is killed."""
+    (tmp_path / "drive").mkdir()
+    serve = [programs(build)["reader"], "--scenario", ROOT / "workbench/reader/scenarios/clinic.json",
+             "--log", tmp_path / "reader.log", tmp_path / "drive"]
+    work = [programs(build)["host"], "--database", tmp_path / "db", "--drive", tmp_path / "drive", "--log",
+            tmp_path / "host.log", "--robot", ROOT / "workbench/demo/demo.steps", "--pictures", tmp_path]
+    for is_first in (True, False):
+        with subprocess.Popen(serve, env=ENVIRONMENT, stdout=subprocess.PIPE, text=True) as reader:
+            try:
+                assert "serving" in reader.stdout.readline()
+                assert kept_pairings(tmp_path / "drive").get("MV-219034") == ("P-1001" if is_first else "P-1003")
+                if is_first:
+                    host = subprocess.run(work, env=ENVIRONMENT, capture_output=True, text=True, timeout=400)
+                    assert host.returncode == 0, host.stdout + host.stderr + (tmp_path / "host.log").read_text()[-5000:]
+            finally:
+                reader.send_signal(signal.SIGKILL)
+    assert len(list(tmp_path.glob("*.png"))) == 20
+
+
+def test_stale_drive(build, request):
+    """No command takes another one's answer from a drive that shows old answers first."""
+    count = "10000" if is_whole(request.config) else "1000"
+    subprocess.run([programs(build)["station"], "stale-drive", count], env=ENVIRONMENT, check=True)
