@@ -173,6 +173,8 @@ int main(int argc, char** argv)
         const std::unique_ptr<StatusFileParser> parser(StatusFileParser::create(reader.drive()));
         isDone = poll(parser.get(), drive, hours, &firstHourKiB);
     }
+    QTimer::singleShot(1000, &app, &QCoreApplication::quit); // the parser's watcher is deleted after a pause
+    QCoreApplication::exec();
     const ResourceCounts end = ResourceCounts::settled(start);
     const QString difference = end.differenceFrom(start);
     const qint64 growth = end.residentKiB - firstHourKiB;
