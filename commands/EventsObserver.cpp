@@ -36,8 +36,7 @@ void EventsObserver::attach(IEventPublisher* publisher, IDatabase* database)
 
 void EventsObserver::onDiarySessionOpened(IDiarySessionOpenedEvtPtr evt)
 {
-    PatientSession* session = PatientSession::create(nullptr);
-    session->setPatientId(evt->puid());
+    PatientSession* session = PatientSession::open(evt->puid());
     session->setPids(evt->pids());
     session->setDiaryName(evt->diaryName());
 }

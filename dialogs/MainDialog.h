@@ -17,9 +17,9 @@ class IServices;
 ///
 /// Only the reader knows that pump, so on opening the dialog aborts a command that an earlier run left behind and then
 /// asks for it. Until the first answer all actions are off and the dialog can't be closed; a reader that stays silent
-/// until then, or answers with an error, ends the dialog. So does a diary that is closed or changed meanwhile, at the
-/// next step: what lands in PatientSession then isn't that patient's. CommandFileWriter and StatusFileParser must
-/// outlive it.
+/// until then, or answers with an error, ends the dialog. So does, at the next step, a diary that is closed or
+/// replaced by another patient's: what is put into PatientSession then isn't that patient's. CommandFileWriter and
+/// StatusFileParser must outlive it.
 class MainDialog final : public QDialog, private Ui::MainDialog
 {
     Q_OBJECT

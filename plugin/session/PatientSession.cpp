@@ -39,6 +39,22 @@ PatientSession* PatientSession::create(QObject* parent)
     return s_instance;
 }
 
+PatientSession* PatientSession::open(const QString& patientId)
+{
+    auto* session = new PatientSession(nullptr);
+    session->m_patientId = patientId;
+    const PatientSession* before = s_instance;
+    if (before && before->m_isOfRun && before->m_patientId == patientId) {
+        session->m_isOfRun = true;
+        session->m_pumpSerialNumber = before->m_pumpSerialNumber;
+        session->m_deviceName = before->m_deviceName;
+        session->m_exchangeFilePath = before->m_exchangeFilePath;
+    }
+    delete s_instance;
+    s_instance = session;
+    return session;
+}
+
 void PatientSession::setHost(IServices* services, IDatabase* database)
 {
     s_services = services;

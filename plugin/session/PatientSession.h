@@ -11,7 +11,7 @@ class IServices;
 /// The plug-in's memory of the patient whose diary is open in the host, written by EventsObserver as the host tells it,
 /// and of that patient's pump as the reader tells it.
 ///
-/// Each diary event replaces the object, also in the middle of a run: never keep the pointer across an event loop, ask
+/// Each diary event replaces the object, also in the middle of a run: never keep the pointer across an event loop, call
 /// instance() each time. GUI thread only. The last object is never freed.
 class PatientSession final : public QObject
 {
@@ -23,6 +23,10 @@ public:
     static PatientSession* instance(QObject* parent = nullptr);
     /// Deletes the current session at once, if there is one, and makes a new, empty one.
     static PatientSession* create(QObject* parent);
+    /// Replaces the session, as create() does, by one for the patient whose diary the host has opened. If a run for
+    /// that patient is under way (see SessionWatch), the new session takes over what belongs to the run: pump, device
+    /// name and exchange file.
+    static PatientSession* open(const QString& patientId);
     /// Where the look-ups ask; both stay the host's. patientIdExt() with a valid birthday and patientIdsOf() need them.
     static void setHost(IServices* services, IDatabase* database);
 
@@ -73,6 +77,7 @@ public:
     static QString displayNameOfDevice(const QString& type);
 
 private:
+    friend class SessionWatch;
     explicit PatientSession(QObject* parent);
 
     QString m_patientId;
@@ -81,4 +86,5 @@ private:
     QString m_deviceName;
     QString m_exchangeFilePath;
     QString m_diaryName;
+    bool m_isOfRun = false; ///< the run under way began with this session, or with an earlier one of the same diary
 };

@@ -2,20 +2,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "plugin/session/PatientSession.h"
+#include <QtGlobal>
 
-#include <QPointer>
-
-/// Watches whether the diary that was open when this object was made is still open.
+/// Watches the diary for which a run of the plug-in began. A run lasts from its first watch to its last one: the
+/// component and each dialog have a watch of their own. GUI thread only.
 ///
-/// The host's diary events come in at any turn of an event loop, also while a dialog is open, and replace
-/// PatientSession. A run that goes on then would act for a patient whom its user did not choose.
+/// The host's diary events come in at any turn of an event loop and replace PatientSession. If the same patient's diary
+/// is opened again, as by a host that refreshes, the run goes on with the new session. A run whose diary was closed, or
+/// replaced by that of another patient, would act for a patient whom its user did not choose.
 class SessionWatch final
 {
-public:
-    /// Returns true once the session has been replaced, also by one for the same patient.
-    bool hasDiaryChanged() const { return m_session.isNull(); }
+    Q_DISABLE_COPY_MOVE(SessionWatch)
 
-private:
-    QPointer<PatientSession> m_session{PatientSession::instance()};
+public:
+    SessionWatch();
+    ~SessionWatch();
+
+    /// Returns true once the diary was closed or another patient's was opened, also if it has been opened again since.
+    bool hasDiaryChanged() const;
 };

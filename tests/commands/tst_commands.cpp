@@ -6,6 +6,7 @@
 #include "commands/ImportDataCommand.h"
 #include "commands/QueryDiaryCmd.h"
 #include "plugin/session/PatientSession.h"
+#include "plugin/session/SessionWatch.h"
 #include "support/MessageCapture.h"
 #include "support/RecordingHost.h"
 
@@ -260,14 +261,34 @@ private Q_SLOTS:
         };
         QCOMPARE(change("p1"), NoSession);
         QCOMPARE(change(""), NoSession);
-        QCOMPARE(open("p1"), QString("p1|Doe|diary p1||Sanvio Merivo|"));
-        PatientSession::instance()->setPump("123", "Other");
-        PatientSession::instance()->setExchangeFilePath("/I1.xml");
-        QCOMPARE(change("p2"), QString("p1|Doe|diary p1|123|Other|/I1.xml"));
-        QCOMPARE(change("p1"), QString("p1|Roe|diary p1|123|Other|/I1.xml"));
+        const QString opened = "p1|Doe|diary p1||Sanvio Merivo|", used = "p1|Doe|diary p1|123|Other|/I1.xml";
+        const auto use = [] {
+            PatientSession::instance()->setPump("123", "Other");
+            PatientSession::instance()->setExchangeFilePath("/I1.xml");
+        };
+        QCOMPARE(open("p1"), opened);
+        use();
+        QCOMPARE(change("p2"), used);
+        QCOMPARE(change("p1"), "p1|Roe" + used.mid(6));
+        {
+            const SessionWatch run;
+            {
+                const SessionWatch dialog;
+                QVERIFY(!dialog.hasDiaryChanged());
+            }
+            QCOMPARE(open("p1"), used);
+            QVERIFY(!run.hasDiaryChanged());
+        }
+        QCOMPARE(open("p1"), opened); // the run is over
+        use();
+        const SessionWatch run;
         QCOMPARE(open("p2"), QString("p2|Doe|diary p2||Sanvio Merivo|"));
         Q_EMIT host.publisher.diarySessionClosed({});
         QCOMPARE(session(), NoSession);
+        QCOMPARE(open("p1"), opened);
+        use();
+        QCOMPARE(open("p1"), opened); // of no run any more
+        QVERIFY(run.hasDiaryChanged() && SessionWatch().hasDiaryChanged());
     }
 
     void replacedExtensionPointsAreDeleted()

@@ -97,12 +97,19 @@ void fireTimer(int interval)
     QCoreApplication::sendEvent(*found, &event);
 }
 
+/// A host that refreshes.
+void reopenDiary()
+{
+    const QStringList pids = PatientSession::instance()->pids();
+    PatientSession::open("P1")->setPids(pids);
+}
+
 /// One dialog in a run of the plug-in, with a reader at rest, driven step by step. The host's journal tells what
 /// happened: log lines, boxes and signals.
 struct Story
 {
     explicit Story(const QString& kind, bool translated = false, const QString& simulation = {},
-                   const QStringList& pids = Patient, const QString& pump = "PU1234");
+                   const QStringList& pids = Patient, const QString& pump = "PU1234", const QString& events = {});
     ~Story();
     void tell(const QString& steps);
     void perform(const QString& step);
@@ -118,6 +125,9 @@ struct Story
     /// Limits and delay of the last polling run that was asked for. None takes place but in a "whole" run: each ends by
     /// a step, however long that takes.
     QVector<int> askedFor;
+    /// How the host ends the diary: by opening another one ("changed"), by closing it ("closed"), or by closing and
+    /// opening it ("reopened"). One that is "refreshed" opens it again for its patient at each step and each record.
+    QString diaryEvents;
     ReaderFolder reader;
     QTranslator translator;
     BoxAnswerer boxes{&s_host.journal.lines};
@@ -125,7 +135,8 @@ struct Story
 };
 
 Story::Story(const QString& kind, bool translated, const QString& simulation, const QStringList& pids,
-             const QString& pump)
+             const QString& pump, const QString& events)
+    : diaryEvents(events)
 {
     if (translated &&
         (!translator.load(":/lang/i18n/mc_en_GB.qm") || !QCoreApplication::installTranslator(&translator)))
@@ -144,6 +155,10 @@ Story::Story(const QString& kind, bool translated, const QString& simulation, co
     PatientSession::instance()->setPump(pump, "stays");
     s_host.journal.clear();
     QStringList& lines = s_host.journal.lines;
+    if (events == "refreshed")
+        s_host.services.beforeLogLine = [](const QString&) {
+            reopenDiary();
+        };
     if (kind == "add")
         dialog = std::make_unique<PumpAddDialog>(&s_host.services, &s_host.database, simulation, nullptr);
     else if (kind == "remove")
@@ -164,6 +179,7 @@ Story::Story(const QString& kind, bool translated, const QString& simulation, co
 
 Story::~Story()
 {
+    s_host.services.beforeLogLine = nullptr;
     dialog.reset();
     delete StatusFileParser::instance();
     delete CommandFileWriter::instance();
@@ -210,6 +226,8 @@ void Story::tell(const QString& steps)
                 tell(parts.takeFirst());
         });
         timer.start(1);
+        if (diaryEvents == "refreshed")
+            reopenDiary();
         perform(parts.takeFirst());
         if (!parts.isEmpty())
             qFatal("Not reached: %s", qPrintable(parts.join('/')));
@@ -222,8 +240,11 @@ void Story::perform(const QString& step)
     const QStringList words = step.split(' ');
     const int number = words.value(1).toInt();
     auto* table = front()->findChild<DevicesTable*>();
-    const auto replaceSession = [] {
-        PatientSession::create(nullptr)->setPatientId("P2");
+    const auto endDiary = [this] {
+        if (diaryEvents != "changed")
+            PatientSession::create(nullptr);
+        if (diaryEvents != "closed")
+            PatientSession::open(diaryEvents == "changed" ? "P2" : "P1");
     };
     if (step == "look")
         lines << look();
@@ -247,10 +268,10 @@ void Story::perform(const QString& step)
         QTest::keyClick(front(), Qt::Key_Escape);
     else if (step == "close")
         front()->close();
-    else if (step == "diary") // closed or changed in the host
-        replaceSession();
-    else if (step == "soon") // the same while the next box is open
-        QTimer::singleShot(0, qApp, replaceSession);
+    else if (step == "diary")
+        endDiary();
+    else if (step == "soon") // while the next message box is open
+        QTimer::singleShot(0, qApp, endDiary);
     else if (words[0] == "after")
         fireTimer(number);
     else if (words[0] == "state")
@@ -326,7 +347,7 @@ QStringList Story::happened() const
             found << line.section('<', 2).section('>', 0, 0).trimmed();
         else if (!line.contains(QRegularExpression("^mcp|^err.---|Controller\\]|^databaseGuid|^patients")) ||
                  line.contains("dialog]") || line.contains("Paired pump query"))
-            found << line.remove("mcp|").remove(QRegularExpression("\\|\\|$")).trimmed();
+            found << line.remove("mcp|").remove(QRegularExpression("\\|\\|$")).remove(reader.misc()).trimmed();
     }
     return found;
 }
@@ -398,14 +419,18 @@ void DialogsTest::tellsStory()
     QFETCH(QString, steps);
     QFETCH(QStringList, expected);
     const QString row = QTest::currentDataTag();
-    Story story(row.section(QRegularExpression("[ ,]"), 0, 0), steps.startsWith("translated"));
-    story.dialog->show();
-    story.tell(steps);
-    QCOMPARE(story.happened().join('\n'), expected.join('\n'));
-    for (const BoxAnswerer::Box& box : qAsConst(story.boxes.seen)) {
-        const bool isQuestion = box.text.contains('?');
-        QCOMPARE(box.icon, isQuestion ? QMessageBox::Question : QMessageBox::Warning);
-        QCOMPARE(box.buttons, isQuestion ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    const bool isEnded = steps.contains(QRegularExpression("\\b(diary|soon)\\b"));
+    for (const QString& events : QString(isEnded ? "changed closed reopened" : "none refreshed").split(' ')) {
+        Story story(row.section(QRegularExpression("[ ,]"), 0, 0), steps.startsWith("translated"), {}, Patient,
+                    "PU1234", events);
+        story.dialog->show();
+        story.tell(steps);
+        QCOMPARE(events + story.happened().join('\n'), events + expected.join('\n'));
+        for (const BoxAnswerer::Box& box : qAsConst(story.boxes.seen)) {
+            const bool isQuestion = box.text.contains('?');
+            QCOMPARE(box.icon, isQuestion ? QMessageBox::Question : QMessageBox::Warning);
+            QCOMPARE(box.buttons, isQuestion ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+        }
     }
 }
 
@@ -457,7 +482,7 @@ void DialogsTest::destroyedDialogIsNotReached()
 
 void DialogsTest::wholeRun()
 {
-    Story story("whole");
+    Story story("whole", false, {}, Patient, "PU1234", "refreshed");
     for (const char* word : {"ABORT", "SEARCH", "BTPAIR", "BTPAIRCONFIRM", "BTREAD"})
         story.reader.answer(word, {{10, "running"}, {300, "done", "4711"}});
     story.reader.answer("BTISPAIRED", {{50, "running"}, {300, "done", "0"}});

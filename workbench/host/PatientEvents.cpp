@@ -39,7 +39,8 @@ PatientEvents::PatientEvents(QObject* parent)
 
 void PatientEvents::openDiary(const PatientRecord& patient)
 {
-    closeDiary();
+    if (patient.puid != m_openPatient.puid)
+        closeDiary();
     m_openPatient = patient;
     Q_EMIT diarySessionOpened(patientEvent<IDiarySessionOpenedEvt>(patient));
 }

@@ -17,7 +17,7 @@ public:
     PatientRecord openPatient() const { return m_openPatient; }
     bool isOpen() const { return !m_openPatient.puid.isEmpty(); }
 
-    /// Publishes diarySessionOpened; another diary that is open is closed first.
+    /// Publishes diarySessionOpened; another patient's diary that is open is closed first.
     void openDiary(const PatientRecord& patient);
     /// Publishes diarySessionClosed if a diary is open.
     void closeDiary();
