@@ -69,7 +69,7 @@ void PumpAddDialog::connectAll()
     connect(m_PumpsOverview, &DevicesTable::clicked, this, &PumpAddDialog::updateAssignButton);
     connect(m_OverviewButton, &QPushButton::clicked, this, &PumpAddDialog::onOverviewButton);
     connect(m_AssignButton, &QPushButton::clicked, this, &PumpAddDialog::onAssignButton);
-    connect(m_ConfirmButton, &QPushButton::clicked, this, [this] { setPage(ConfirmPage); });
+    connect(m_ConfirmButton, &QPushButton::clicked, this, &PumpAddDialog::onConfirmButton);
     connect(m_DeclineButton, &QPushButton::clicked, this, &PumpAddDialog::onDeclineButton);
     connect(m_DialogButtonBox, &QDialogButtonBox::clicked, this, &PumpAddDialog::onButtonClicked);
     connect(m_Pages, &QStackedWidget::currentChanged, this, &PumpAddDialog::onPageEntered);
@@ -160,8 +160,7 @@ void PumpAddDialog::onPageEntered(int index)
     case ConfirmPage:
         m_busyMovie.start();
         m_DialogButtonBox->setEnabled(false);
-        if (!rejectIfDiaryChanged())
-            m_control->startPairingConfirm(true);
+        m_control->startPairingConfirm(true);
         break;
     default:
         break;
@@ -286,13 +285,22 @@ void PumpAddDialog::onCodeReceived(const QString& confirmCode)
     setUpdatesEnabled(true);
 }
 
+/// A pairing for a patient whose diary is no longer open is declined, so that reader and pump don't stay in it.
+void PumpAddDialog::onConfirmButton()
+{
+    if (hasDiaryChanged())
+        onDeclineButton();
+    else
+        setPage(ConfirmPage);
+}
+
+/// A decline names no patient, and is sent whatever became of the diary.
 void PumpAddDialog::onDeclineButton()
 {
     m_busyMovie.start();
     m_ConfirmButton->setEnabled(false);
     m_DeclineButton->setEnabled(false);
-    if (!rejectIfDiaryChanged())
-        m_control->startPairingConfirm(false);
+    m_control->startPairingConfirm(false);
 }
 
 /// A decline ends the dialog, whatever the reader's answer.

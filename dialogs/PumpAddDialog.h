@@ -46,6 +46,7 @@ private:
     void updateAssignButton(const QModelIndex& index);
     void onAssignButton();
     void onCodeReceived(const QString& confirmCode);
+    void onConfirmButton();
     void onDeclineButton();
     void onDeclineFinished();
     void onPumpAssigned();

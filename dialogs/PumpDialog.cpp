@@ -53,10 +53,10 @@ void PumpDialog::accept()
 
 bool PumpDialog::rejectIfDiaryChanged()
 {
-    const bool hasChanged = m_sessionWatch.hasDiaryChanged();
-    if (hasChanged)
-        closeAsRejected(this);
-    return hasChanged;
+    if (!hasDiaryChanged())
+        return false;
+    closeAsRejected(this);
+    return true;
 }
 
 void PumpDialog::fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,

@@ -43,6 +43,7 @@ protected:
     /// Returns true then. Called before each step for a patient and again after a question, during which the diary may
     /// have changed; the main dialog reports the end to the user.
     bool rejectIfDiaryChanged();
+    bool hasDiaryChanged() const { return m_sessionWatch.hasDiaryChanged(); }
 
     /// Shows the image at @p path on @p label, @p width wide at 96 dpi, in the shape of the pixmap that the label has.
     /// A null label is ignored.
