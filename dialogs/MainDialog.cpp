@@ -262,14 +262,19 @@ bool MainDialog::rejectIfDiaryChanged()
         // What this run's command yielded for its own patient is now in the session of another one.
         PatientSession::instance()->setPump({}, {});
         PatientSession::instance()->setExchangeFilePath({});
-        logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));
-        // The catalogue has no such text, so that it stands in one language.
-        warn(tr("Merivo Connections", "Default message box title used within plugin warnings."),
-             QStringLiteral("The patient's diary was closed or changed. Nothing was imported. Please open the diary "
-                            "and start the plugin again."));
+        reportDiaryChanged();
         closeAsRejected(this);
     }
     return true;
+}
+
+void MainDialog::reportDiaryChanged()
+{
+    logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));
+    // The catalogue has no such text, so it is shown in one language.
+    warn(tr("Merivo Connections", "Default message box title used within plugin warnings."),
+         QStringLiteral("The patient's diary was closed or changed. Nothing was imported. Please open the diary and "
+                        "start the plugin again."));
 }
 
 void MainDialog::refresh()

@@ -37,6 +37,9 @@ public:
     /// Closes the dialog once the patient's pump is known; does nothing before.
     void reject() override;
 
+    /// Logs that the run ended because its diary was closed or changed, and shows it to the user.
+    static void reportDiaryChanged();
+
 Q_SIGNALS:
     /// A read-out has ended with data, whose path is in PatientSession; the dialog closes right after. Carries the GUID
     /// of the open database.

@@ -7,6 +7,7 @@
 #include "plugin/MerivoConnectionsPlugin.h"
 #include "plugin/session/LogChannels.h"
 #include "plugin/session/PatientSession.h"
+#include "plugin/session/SessionWatch.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"
@@ -94,6 +95,7 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
                     tr("No patient is selected. Please select first an patient and then start the plugin again."),
                     QStringLiteral("-!- Plugin component execution failed: missing patient"));
     }
+    const SessionWatch sessionWatch;
 
     std::shared_ptr<UsbDeviceAdapter> adapter; // Holds the reader for the whole run; a simulation has none.
     QString drivePath = m_simulationPath;
@@ -110,6 +112,11 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
                            "again"),
                         QStringLiteral("-!- Plugin component execution failed: unsupported firmware version"));
         }
+    }
+    // Diary events come in while the adapter waits.
+    if (sessionWatch.hasDiaryChanged()) {
+        MainDialog::reportDiaryChanged();
+        return false;
     }
 
     CommandFileWriter::create(drivePath);

@@ -28,11 +28,12 @@ public:
     IPlugin* plugin() const override;
 
     /// Checks that a patient is open, that a reader is there and that its firmware is new enough, then runs the main
-    /// dialog modally and returns when the user is done. True for a run that reached the dialog. Otherwise the user has
-    /// read a box over @p parent, the log holds the failure, and nothing is left behind.
+    /// dialog modally and returns when the user is done. Returns true if the main dialog was shown. Otherwise shows a
+    /// message box over @p parent, logs the failure and cleans up. A diary that is closed or replaced by another
+    /// patient's before the main dialog opens is a failure too; its message box is the main dialog's and has no parent.
     ///
-    /// The event loop turns in here, with all that the host does in it, also before and after the dialog's time. A call
-    /// from in there leaves a line in the log, returns false at once and disturbs nothing.
+    /// The event loop turns in here, also before and after the main dialog is open. A call from there leaves a line in
+    /// the log, returns false at once and disturbs nothing.
     bool execute(QWidget* parent) override;
 
     /// Loads the pictures of the main dialog in the next turns of the event loop, once, so that the dialog opens

@@ -282,35 +282,47 @@ private Q_SLOTS:
 
     void preconditions()
     {
-        const ReaderFolder folder;
-        QVERIFY(folder.writeFile("V1.log", "1\n2\n3\n4\nversion 3.2.22\n"));
-        const QString acquired = "\nacquireDevice(1, '')", held = "\nsetDeviceHold(1)";
-        const QString released = held + "\ndevice deleted";
-        const QString noReader = "No lumo2 device reader is currently connected.", missing = "missing device reader";
-        // The patient, the drive or "none" for no device, what is asked of the host, the box, the reason, the end.
+        const ReaderFolder old, good;
+        QVERIFY(old.writeFile("V1.log", "1\n2\n3\n4\nversion 3.2.22\n"));
+        const QString acquired = "acquireDevice(1, '')\n", held = acquired + "setDeviceHold(1)\ndrivePath\n";
+        const QString released = "\nsetDeviceHold(1)\ndevice deleted", restored = "\nsetDeviceHold(0)\ndevice deleted";
+        const auto failure = [](const char* text, const char* reason) {
+            return QString("box|Merivo Connection|%1\nerr|-!- Plugin component execution failed: %2||")
+                .arg(text, reason);
+        };
+        const QString noReader = failure("No lumo2 device reader is currently connected.", "missing device reader");
+        const QString oldFirmware = failure("The Lumodevice has an old firmware. Please update the DeviceReader and "
+                                            "start the plugin again",
+                                            "unsupported firmware version");
+        const QString diary = "err|=!= [Main dialog] Diary closed or changed, run ended.||\nbox|Merivo Connections|The "
+                              "patient's diary was closed or changed. Nothing was imported. Please open the diary and "
+                              "start the plugin again.";
+        // The patient, the drive or "none" for no device, the diary's patient after a hold with a pause, what happens.
         const QStringList rows[] = {
-            {"", folder.drive(), "",
-             "No patient is selected. Please select first an patient and then start the plugin again.",
-             "missing patient", ""},
-            {"p1", "none", acquired, noReader, missing, ""},
-            {"p1", "", acquired + held + "\ndrivePath", noReader, missing, released},
-            {"p1", folder.drive(), acquired + held + "\ndrivePath",
-             "The Lumodevice has an old firmware. Please update the DeviceReader and start the plugin again",
-             "unsupported firmware version", released}};
+            {"", good.drive(), "p1",
+             failure("No patient is selected. Please select first an patient and then start the plugin again.",
+                     "missing patient")},
+            {"p1", "none", "p1", acquired + noReader},
+            {"p1", "", "p1", held + noReader + released},
+            {"p1", old.drive(), "p2", held + oldFirmware + restored},
+            {"p1", good.drive(), "p2", held + diary + restored}};
         for (const QStringList& row : rows) {
             m_host.openDiary(row.at(0));
             m_host.deviceAdmin.hasDevice = row.at(1) != "none";
             m_host.deviceAdmin.drivePath = row.at(1);
+            m_host.deviceAdmin.holdChanges = row.at(2) != "p1";
+            if (m_host.deviceAdmin.holdChanges)
+                QTimer::singleShot(100, &m_host.publisher, [&] { m_host.openDiary(row.at(2)); });
             m_host.journal.clear();
             QWidget window;
             const BoxAnswerer boxes(&m_host.journal.lines);
             QVERIFY(!m_component->execute(&window));
-            QCOMPARE(m_host.journal.lines.join('\n'), Started + row.at(2) + "\nbox|Merivo Connection|" + row.at(3) +
-                                                          "\nerr|-!- Plugin component execution failed: " + row.at(4) +
-                                                          "||" + row.at(5));
+            QCOMPARE(m_host.journal.lines.join('\n'), Started + '\n' + row.at(3));
             const BoxAnswerer::Box& box = boxes.seen.first();
-            QVERIFY(box.icon == QMessageBox::Warning && box.buttons == QMessageBox::Ok && box.parent == &window);
+            QVERIFY(box.icon == QMessageBox::Warning && box.buttons == QMessageBox::Ok);
+            QCOMPARE(box.parent, row.at(3).contains(diary) ? nullptr : &window);
             QVERIFY(!CommandFileWriter::instance() && !StatusFileParser::instance());
+            QVERIFY(good.command().isEmpty());
         }
     }
 
@@ -325,7 +337,9 @@ private Q_SLOTS:
             m_component->m_simulationPath = simulated ? folder.drive() : QString();
             m_host.deviceAdmin.hasDevice = true;
             m_host.deviceAdmin.drivePath = folder.drive();
+            m_host.deviceAdmin.holdChanges = true;
             m_host.openDiary("p1");
+            QTimer::singleShot(100, &m_host.publisher, [this] { m_host.openDiary("p1"); }); // in the pause after a hold
 
             // The user's part: as soon as the reader has answered, a read-out is reported, and the dialog is closed.
             QTimer user;
@@ -358,7 +372,7 @@ private Q_SLOTS:
                 "\nmcp|Command file writer initialized.||%1\nmcp|Status file parser initialized.||%1\n"
                 "execute(3)\nmcp|--- Plugin component execution finishing||\n"
                 "mcp|Status file parser finished.||%1\nmcp|Command file writer finished.||%1\ndialog gone\n" +
-                (simulated ? "" : "setDeviceHold(1)\ndevice deleted\n") +
+                (simulated ? "" : "setDeviceHold(0)\ndevice deleted\n") +
                 "mcp|<-- Plugin component execution finished||";
             const QStringList expected = QString(text).replace("%1", folder.misc()).split('\n');
             QStringList milestones = m_host.journal.lines.join('\n').remove(Started + '\n' + again + '\n').split('\n');
