@@ -189,13 +189,13 @@ private Q_SLOTS:
 
     void fileMac()
     {
-        const QByteArray data("<data/>\r\n\0\xff", 11);
+        const QByteArray data(" <data/>\r\n\0\xff\n", 13);
         const std::tuple<const char*, QByteArray, QString> rows[] = {
             {"{g}", {}, MacOfNothing}, // There is no file.
             {"{g}", "", MacOfNothing},
-            {"{g}", data, "3f33720d74f21f5eceea75e9d8eccec8a70ab94422bb4b93a39975ca180c8557"},
-            {"{h}", data, "d85f74e447f1473203ef869d7251ac948efe46ebff5c0bf90708f661ce605426"},
-            {"{ü-€}", data, "5677de049be232647952212e75dfff8f97423a0580687fa89615feb2eb489279"},
+            {"{g}", data, "53c5bb1eeb35201f1c56c35464e5fadb8da8d1aadde3b903bbbea4c73e6c1790"},
+            {"{h}", data, "fcef8d434da6d3c27568085e8b7f6e1387e9c8873a3e7643027d4767b536e9ed"},
+            {"{ü-€}", data, "89d309a1c8bc1dffce6620b739e7831b6c7f79f8018a7fa90f2584f436e1f068"},
             {"{g}", QByteArray(262400, 'x'), "a73e4458e197a300484b6a488b8b4013550fde7033fd76f3598741f2a64dcf08"},
         };
         for (const auto& [guid, bytes, mac] : rows) {

@@ -195,9 +195,12 @@ void Story::endRun(bool success, CommandStatus status, const QString& result, co
 {
     StatusFileParser::instance()->m_lastStatus = {"h", "X", status, result, error.toInt()};
     Q_EMIT StatusFileParser::instance()->finished(success);
+    const QString before = look();
     const QObjectList receivers = front()->children();
     for (QObject* receiver : receivers)
         QCoreApplication::sendPostedEvents(receiver);
+    if (front()->findChild<ReadoutPumpControl*>() && look() != before)
+        s_host.journal.lines << "told on the thread that emits";
 }
 
 /// The pumps that the reader knows, some with the key of their patient behind a "=".
@@ -286,9 +289,12 @@ void Story::perform(const QString& step)
         QTest::keyClick(table, Qt::Key_Down);
     else if (words[0] == "end") // +STATUS RESULT ERROR: executed; -STATUS: not executed
         endRun(words[1][0] == '+', CommandStatus(words[1].midRef(1).toInt()), words.value(2), words.value(3));
-    else if (words[0] == "report" && front()->findChild<ReadoutPumpControl*>())
+    else if (words[0] == "report" && front()->findChild<ReadoutPumpControl*>()) {
+        const QString before = look();
         Q_EMIT front()->findChild<ReadoutPumpControl*>()->readoutProgress(words.value(2, "PU1234"), number);
-    else if (words[0] == "report")
+        if (look() != before)
+            lines << "told on the thread that emits";
+    } else if (words[0] == "report")
         Q_EMIT front()->findChild<AddPumpControl*>()->pairingSearchProgress({}, number);
     else if (words[0] == "press") { // a button that no form gives the box
         auto* box = child<QDialogButtonBox>(*front(), "m_DialogButtonBox");
@@ -332,6 +338,8 @@ QString Story::look() const
     }
     if (const auto* bar = front()->findChild<QProgressBar*>())
         parts << QString::number(bar->value());
+    if (const auto* table = front()->findChild<DevicesTable*>(); table && table->isVisible())
+        parts << QString("row %1").arg(table->selectedIndexes().value(0).row());
     for (const auto* button : front()->findChildren<QPushButton*>()) {
         if (button->isVisible())
             parts << QString(button->isEnabled() ? "%1" : "(%1)").arg(button->text().remove('&'));

@@ -213,14 +213,17 @@ private Q_SLOTS:
                                           plugin.commandController().m_commandHandler}
                     .count(nullptr);
             };
-            host.hasObjects = false;
-            QCOMPARE(nulls(&host), 1);
+            const QPointer<IEventPublisher> publisher(host.foundPublisher = new RecordingEventPublisher);
+            const QPointer<IDatabase> database(host.foundDatabase = new RecordingDatabase(host.journal));
+            QCOMPARE(nulls(&host), 0);
             QCOMPARE(nulls(nullptr), 4);
+            QVERIFY(!publisher && !database); // detached
             const MessageCapture capture;
             plugin.initialize(m_settings, QDir());
             plugin.installTranslator();
             QVERIFY(m_host.journal.lines.isEmpty() && capture.messages().isEmpty());
-            host.hasObjects = true;
+            host.foundPublisher = &host.publisher;
+            host.foundDatabase = &host.database;
             QCOMPARE(nulls(&host), 0);
             host.openDiary("p1");
         }

@@ -79,11 +79,10 @@ IExtensionPoint* RecordingHost::extensionPoint(const QString& name)
         {QStringLiteral("ServicesExtensionPoint"), &services},
         {QStringLiteral("DeviceAdminExtensionPoint"), &deviceAdmin},
         {QStringLiteral("CommandHandlerExtensionPoint"), &commandHandler},
-        {QStringLiteral("EventPublisherExtensionPoint"), static_cast<IExtensionPoint*>(&publisher)},
-        {QStringLiteral("DatabaseExtensionPoint"), static_cast<IExtensionPoint*>(&database)},
+        {QStringLiteral("EventPublisherExtensionPoint"), foundPublisher},
+        {QStringLiteral("DatabaseExtensionPoint"), foundDatabase},
     };
-    IExtensionPoint* point = points.value(name);
-    return hasObjects || !dynamic_cast<QObject*>(point) ? point : nullptr;
+    return points.value(name);
 }
 
 void RecordingHost::openDiary(const QString& puid, const QStringList& pids)

@@ -148,12 +148,13 @@ public:
     void openDiary(const QString& puid, const QStringList& pids = {});
 
     Journal journal;
-    bool hasObjects = true; ///< the publisher and the database, which the plug-in deletes when it gets others
     RecordingServices services{journal};
     RecordingDeviceAdmin deviceAdmin{journal};
     RecordingCommandHandler commandHandler{journal};
     RecordingEventPublisher publisher;
     RecordingDatabase database{journal};
+    IEventPublisher* foundPublisher = &publisher; ///< the plug-in deletes it when it finds another one
+    IDatabase* foundDatabase = &database;         ///< likewise
 };
 
 /// A diary or patient event with settable values: PatientEvent<IDiarySessionOpenedEvt>,
