@@ -31,9 +31,11 @@ def compare_code(run):
 
 
 def test_read(make_station):
+    """Also if the host opens the diary of the same patient again."""
     station = make_station(["MV-204817=P-1"])
     run = station.run().agree()
     run.main.read().expect(m_ProgressLabel="Download in progress...")
+    station.order("diary P-1")
     run.key("Escape")
     run.end()
     station.check_imports()
@@ -286,7 +288,8 @@ def test_diary_changes_while_the_code_is_compared(make_station):
     add.confirm()
     run.box(DIARY_GONE).ok()
     run.end()
-    finish(station, "MV-198305=P-2")
+    finish(station, "MV-198305=P-2", "<== <BTPAIRCONFIRM 0> submitted.",
+           "==> [Add Controller] Pairing decline finished")
 
 
 def test_diary_changes_while_the_pump_confirms(make_station):
