@@ -51,9 +51,8 @@ void showPatient(QLabel* line1, QLabel* line2)
 
 QString inQuestion(const QString& text)
 {
-    constexpr int LongestReal = 200;
-    const bool isReal = text.size() <= LongestReal;
-    return (isReal ? text : text.left(LongestReal) + QChar(0x2026)).toHtmlEscaped();
+    constexpr int MaxLength = 200;
+    return (text.size() <= MaxLength ? text : elided(text, MaxLength)).toHtmlEscaped();
 }
 
 QString plainText(const QString& text)

@@ -12,20 +12,12 @@
 namespace {
 
 constexpr int FormDpi = 96;
-/// Screens that nobody has configured report up to 100 dpi, and are the ones that the forms are drawn for.
+/// Screens without a configured scale report up to 100 dpi; the forms are made for these.
 constexpr int MaxUnscaledDpi = 100;
-/// The property that holds how many lines the text of a label may have.
+/// The property with the maximum number of lines in a label.
 constexpr char MaxLines[] = "MaxLines";
-/// More never fit into a label.
+/// No label is large enough for more characters.
 constexpr int MaxForeignLength = 300;
-
-QSize scaledMaximum(QSize size, qreal factor)
-{
-    const auto scaled = [factor](int length) {
-        return length < QWIDGETSIZE_MAX ? qRound(length * factor) : length;
-    };
-    return {scaled(size.width()), scaled(size.height())};
-}
 
 void scaleLayout(QBoxLayout* layout, qreal factor)
 {
@@ -41,7 +33,7 @@ void scaleLayout(QBoxLayout* layout, qreal factor)
     }
 }
 
-/// The size of the form itself is left as it is, however small the screen.
+/// Limits @p size to the screen, but not to less than the present size of the dialog.
 QSize boundedByScreen(const QDialog& dialog, QSize size)
 {
     return size.boundedTo(dialog.screen()->availableSize().expandedTo(dialog.size()));
@@ -51,18 +43,17 @@ void scaleSizes(QDialog* dialog, qreal factor)
 {
     const QList<QBoxLayout*> layouts = dialog->findChildren<QBoxLayout*>();
     for (QBoxLayout* layout : layouts) {
-        if (!layout->objectName().isEmpty()) // that of a button box follows the style
+        if (!layout->objectName().isEmpty()) // the layout of a button box is set by the style
             scaleLayout(layout, factor);
     }
-    const QList<QWidget*> widgets = dialog->findChildren<QWidget*>();
+    const QList<QWidget*> widgets = dialog->findChildren<QWidget*>() << dialog;
     for (QWidget* widget : widgets) {
         widget->setMinimumSize(widget->minimumSize() * factor);
-        widget->setMaximumSize(scaledMaximum(widget->maximumSize(), factor));
+        widget->setMaximumSize((widget->maximumSize() * factor).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
         auto* button = qobject_cast<QPushButton*>(widget);
         if (button && !button->objectName().isEmpty())
             button->setIconSize(button->iconSize() * factor);
     }
-    dialog->setMaximumSize(scaledMaximum(dialog->maximumSize(), factor));
     dialog->resize(boundedByScreen(*dialog, dialog->size() * factor));
 }
 
@@ -70,10 +61,8 @@ void scaleSizes(QDialog* dialog, qreal factor)
 void layOut(QDialog* dialog)
 {
     const QList<QLayout*> layouts = dialog->findChildren<QLayout*>();
-    for (QLayout* layout : layouts) {
+    for (QLayout* layout : layouts)
         layout->invalidate();
-        layout->parentWidget()->updateGeometry();
-    }
     for (QLayout* layout : layouts)
         layout->activate();
 }
@@ -84,7 +73,7 @@ bool fits(const QLabel& label, const QString& text)
     const QFontMetrics metrics = label.fontMetrics();
     const QRect room(0, 0, label.width(), QWIDGETSIZE_MAX);
     const QSize needed = metrics.boundingRect(room, Qt::TextWordWrap, text).size();
-    // Lines can be some fractions of a pixel higher than the spacing.
+    // A line can be higher than the spacing by a fraction of a pixel.
     return needed.width() <= room.width() && needed.height() < (maxLines + 1) * metrics.lineSpacing();
 }
 
@@ -93,12 +82,13 @@ void shorten(QLabel* label)
     const QString text = label->text();
     QString shown = text;
     for (int length = qMin(text.size(), MaxForeignLength); !fits(*label, shown) && length > 0; --length)
-        shown = text.left(length) + QChar(0x2026);
+        shown = elided(text, length);
     label->setText(shown);
     label->setToolTip(shown == text ? QString() : text);
 }
 
-/// Gives the dialog @p size, or more if its texts need it: with a style sheet or a large font also more than a maximum.
+/// Resizes the dialog to @p size, or more if its texts need it. With a style sheet or a large font they may need more
+/// than a maximum size, which is increased then.
 void growToTexts(QDialog* dialog, QSize size)
 {
     const QList<QWidget*> widgets = dialog->findChildren<QWidget*>();
@@ -111,7 +101,7 @@ void growToTexts(QDialog* dialog, QSize size)
     const QLayout* layout = dialog->layout();
     const QSize smallest = layout->totalMinimumSize();
     const int width = qMax(size.width(), smallest.width());
-    dialog->resize(size); // the whole foreign texts may have pushed it
+    dialog->resize(size); // the foreign texts may have enlarged it before they were shortened
     const QSize needed = boundedByScreen(*dialog, smallest.expandedTo({0, layout->minimumHeightForWidth(width)}));
     dialog->setMaximumSize(dialog->maximumSize().expandedTo(needed));
     dialog->resize(size.expandedTo(needed));
@@ -127,10 +117,7 @@ qreal formScale(const QWidget* widget)
 
 void scaleForm(QDialog* dialog)
 {
-    dialog->ensurePolished(); // a style sheet may change fonts
-    const QList<QWidget*> widgets = dialog->findChildren<QWidget*>();
-    for (QWidget* widget : widgets)
-        widget->ensurePolished();
+    dialog->ensurePolished(); // with its children: a style sheet may change fonts
     scaleSizes(dialog, formScale(dialog));
     const QSize size = dialog->size();
     layOut(dialog);
@@ -140,6 +127,13 @@ void scaleForm(QDialog* dialog)
             shorten(label);
     }
     growToTexts(dialog, size);
+}
+
+QString elided(const QString& text, int length)
+{
+    if (text.at(length - 1).isHighSurrogate())
+        --length;
+    return text.left(length) + QChar(0x2026);
 }
 
 void showForeignText(QLabel* label, const QString& text, int maxLines)

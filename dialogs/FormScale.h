@@ -8,16 +8,21 @@ class QDialog;
 class QLabel;
 class QWidget;
 
-// The forms have their sizes in pixels for a screen of 96 dpi, while fonts are in points. On a screen with more dpi a
-// form grows as its fonts do.
+// The forms have their sizes in pixels for a screen of 96 dpi, and their fonts in points. On a screen of more dpi the
+// fonts are larger, and the sizes are scaled by the same factor.
 
-/// Returns the factor from the pixels of a form to those of the screen of @p widget, which is at least 1.
+/// Returns the factor from the sizes in a form to those on the screen of @p widget. It is at least 1.
 qreal formScale(const QWidget* widget);
 
-/// Scales all sizes of the form of @p dialog, and enlarges the dialog if its texts need more than that, as with a large
-/// font. The size stays within the screen. The last step of a dialog's constructor; fonts aren't changed.
+/// Scales all sizes of the form of @p dialog, and enlarges the dialog if its texts need more space, for example with a
+/// large font. The dialog remains within the screen, and fonts aren't changed. Called at the end of the dialog's
+/// constructor.
 void scaleForm(QDialog* dialog);
 
+/// Returns the first @p length UTF-16 units of @p text, without half a surrogate pair at the end, and an ellipsis.
+/// @p length is positive and not greater than that of @p text.
+QString elided(const QString& text, int length);
+
 /// Shows a text of any length, such as a name or a path, that can't widen the layout. A text that doesn't fit into the
-/// label is shortened there and is complete in its tool tip. A label that isn't visible yet is treated by scaleForm().
+/// label is shortened there and is complete in the tool tip. If the label isn't visible yet, scaleForm() shortens it.
 void showForeignText(QLabel* label, const QString& text, int maxLines = 2);

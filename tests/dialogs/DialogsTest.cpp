@@ -562,7 +562,7 @@ void DialogsTest::staysWhole_data()
     QTest::addColumn<QString>("text");
     for (const char* kind : {"main", "read", "add", "remove"}) {
         QTest::addRow("%s, nothing", kind) << kind << "";
-        QTest::addRow("%s, one word", kind) << kind << QString(10000, 'W');
+        QTest::addRow("%s, one word", kind) << kind << "W" + QString("\xF0\x9D\x90\x96").repeated(5000);
         QTest::addRow("%s, odd words", kind) << kind << QString("<i>\xC3\xA4 \"%1' &amp; %L2</b>\n").repeated(500);
     }
 }
@@ -597,7 +597,7 @@ void DialogsTest::staysWhole()
     QCOMPARE(story.dialog->size(), size);
     QCOMPARE(story.boxes.seen.size(), kind == "add" || kind == "remove" ? 1 : 0);
     for (const BoxAnswerer::Box& box : qAsConst(story.boxes.seen))
-        QVERIFY(box.size.boundedTo(QGuiApplication::primaryScreen()->size()) == box.size);
+        QVERIFY(box.text.isValidUtf16() && box.size.boundedTo(QGuiApplication::primaryScreen()->size()) == box.size);
     QVERIFY((std::clock() - start) / CLOCKS_PER_SEC < 5);
 }
 
