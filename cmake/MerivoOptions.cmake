@@ -15,7 +15,7 @@ else()
     # Qt's qCDebug(category) leaves out what a macro takes by "...", as C++20 allows; clang finds that pedantic in C++17.
     target_compile_options(merivo_options INTERFACE
         $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-gnu-zero-variadic-macro-arguments>)
-    # merivo_export_only() leaves out what a library doesn't use. A debug build is linked faster without.
+    # Sections of their own, so that merivo_export_only() can remove unused ones. A debug build links faster without.
     target_compile_options(merivo_options INTERFACE $<$<NOT:$<CONFIG:Debug>>:-ffunction-sections;-fdata-sections>)
     # A release doesn't tell where it was built, so that it is the same to the byte wherever that is. Other builds do: a
     # debugger and a coverage report look for the sources there.

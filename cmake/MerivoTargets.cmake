@@ -62,8 +62,8 @@ function(merivo_set_test_properties name timeout labels)
 endfunction()
 
 # merivo_export_only(NAME SYMBOL...): the library's dynamic symbols are these and no others, weak template symbols
-# included, which hidden visibility alone would leave. On Windows only what the code declares is exported anyway. Code
-# and virtual tables that nothing reaches are left out, as each of their relocations takes time when a host loads it.
+# included, which hidden visibility alone would leave. On Windows only what the code declares is exported anyway. Removes
+# code and virtual tables that nothing refers to, because their relocations take time when a host loads the library.
 function(merivo_export_only name)
     set(exports "${CMAKE_CURRENT_BINARY_DIR}/${name}.exports")
     if(WIN32)

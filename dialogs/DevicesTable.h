@@ -23,9 +23,9 @@ public:
     QModelIndex selectSingleRow();
     /// DevicesModel::isAssignedToOther() for the current row; false if there is none.
     bool currentIsAssignedToOther() const;
-    /// As high as it must be: the room that is left in a dialog comes on top.
+    /// Returns the minimum height, so that the table only grows by the space that a dialog has left.
     QSize sizeHint() const override;
-    /// One row and the header.
+    /// Returns the height of the header and one row.
     QSize minimumSizeHint() const override;
 
 protected:

@@ -4,7 +4,8 @@
 
 #include <QDialog>
 
-/// Closes @p dialog as Rejected, also while its reject() does nothing: the one function that bypasses reject().
+/// Closes @p dialog as Rejected without calling its reject(), which does nothing in some states. Nothing else bypasses
+/// reject().
 inline void closeAsRejected(QDialog* dialog)
 {
     dialog->done(QDialog::Rejected);

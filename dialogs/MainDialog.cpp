@@ -79,7 +79,7 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
     refresh();
     prepareReader();
 
-    // The answer of the reader finds its room.
+    // Reserves space for the longest usual text, which replaces this one when the reader answers.
     m_pumpAssignLabel->setText(tr("Pump assigned: S/N '%1'.").arg(QString(16, '0')));
     scaleForm(this);
     m_pumpAssignLabel->clear();
@@ -89,11 +89,12 @@ void MainDialog::loadPictures(QObject* context, QVector<QPixmap>* kept)
 {
     int delay = 0;
     for (const QString& path : {PumpPicture, ReaderPicture}) {
-        // Two turns each: the icon is decoded three times while it is loaded, and each of the pixmaps once.
+        // Two turns for each picture, as both take time: loading the icon decodes the picture three times, and the two
+        // pixmaps decode it once each.
         QTimer::singleShot(delay += LoadIntervalMs, context, [path] { lmIcon(path); });
         QTimer::singleShot(delay += LoadIntervalMs, context, [path, kept] {
             QLabel label;
-            kept->append(QPixmap(path)); // loaded by the form too
+            kept->append(QPixmap(path)); // the form loads it too
             label.setPixmap(kept->last());
             showScaledToWidth(&label, path, PictureWidth);
             kept->append(label.pixmap(Qt::ReturnByValue));
@@ -164,7 +165,7 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
         ErrorHandler::showError(record.error);
         if (rejectIfDiaryChanged())
             return;
-        closeAsRejected(this); // the next lines are carried out all the same
+        closeAsRejected(this); // the lines after it are executed nevertheless
     }
 
     m_pairedPumpKnown = true;

@@ -29,9 +29,9 @@ public:
     /// Services and database stay the host's. A simulation path that isn't empty is shown to the user.
     MainDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
 
-    /// Loads the two large pictures in short turns of the event loop, unless @p context is deleted before. Otherwise
-    /// the first dialog decodes them in its constructor, which takes 20 ms. Keeps their pixmaps in @p kept, as Qt's
-    /// cache drops those that nothing refers to. GUI thread only.
+    /// Loads the two large pictures in four short turns of the event loop, and stops when @p context is deleted.
+    /// Without this call the constructor of the first dialog decodes them, which takes 20 ms. Adds their pixmaps to @p
+    /// kept, since Qt's cache drops pixmaps that nothing refers to. GUI thread only.
     static void loadPictures(QObject* context, QVector<QPixmap>* kept);
 
     /// Closes the dialog once the patient's pump is known; does nothing before.

@@ -39,7 +39,7 @@ protected:
     void fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
                     const QString& simulationPath);
 
-    /// Closes the dialog as Rejected, whatever its Cancel button, if the diary was closed or changed since it opened.
+    /// Closes the dialog as Rejected, also with Cancel disabled, if the diary was closed or changed since it opened.
     /// Returns true then. Called before each step for a patient and again after a question, during which the diary may
     /// have changed; the main dialog reports the end to the user.
     bool rejectIfDiaryChanged();

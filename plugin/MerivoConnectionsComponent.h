@@ -36,8 +36,8 @@ public:
     /// the log, returns false at once and disturbs nothing.
     bool execute(QWidget* parent) override;
 
-    /// Loads the pictures of the main dialog in the next turns of the event loop, once, so that the dialog opens
-    /// without a noticeable pause. Does nothing in an application without widgets.
+    /// Loads the pictures of the main dialog at the first call, in the next turns of the event loop, so that the dialog
+    /// opens without a noticeable pause. Does nothing in an application without widgets.
     void loadPictures();
 
     /// True unless one of the reader's log files on that drive tells of a firmware below 3.2.23. A drive without such a

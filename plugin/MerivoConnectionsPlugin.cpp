@@ -87,7 +87,7 @@ void MerivoConnectionsPlugin::setExtensionRegistry(IExtensionRegistry* registry)
     PatientSession::instance(nullptr);
     PatientSession::setHost(m_services, m_database);
     m_eventsObserver.attach(publisher, m_database);
-    // The main dialog can only be opened for a patient.
+    // The main dialog needs an open diary, so that its pictures aren't needed before one is opened.
     if (publisher) {
         connect(publisher, &IEventPublisher::diarySessionOpened, m_component.get(),
                 &MerivoConnectionsComponent::loadPictures, Qt::UniqueConnection);

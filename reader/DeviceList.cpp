@@ -32,9 +32,9 @@ int endOfPlainSection(const QByteArray& list, int begin)
     return 0;
 }
 
-/// Returns how much of a list the XML reader reads in a time that only grows with its length. It compares the
-/// attributes of an element with each other, searches a name space among all open ones, and expands a few declarations
-/// to a long text. The list of a reader has none of these. One with many of them is damaged, and is read up to there.
+/// Returns how many bytes of a list the XML reader can read in linear time. It compares the attributes of an element
+/// with each other, searches all open name spaces for each name, and can expand a few declarations to a very long text.
+/// The list of a reader has no such markup, so that a list with much of it is damaged and is only read up to there.
 int readableSize(const QByteArray& list)
 {
     constexpr int MaxAttributes = 100;
@@ -73,7 +73,7 @@ void parseInterface(QXmlStreamReader& xml, DeviceInfo& device)
             device.btAddress = xml.readElementText();
         } else if (xml.name() == QLatin1String("PATIENT_ID")) {
             const QString id = xml.readElementText();
-            // A part of an id could be another patient's, or nobody's, whose pairing would be removed.
+            // A part of an id could be the id of another patient, or of none, and the pairing would then be removed.
             const bool isDamaged = xml.hasError() && xml.error() != QXmlStreamReader::PrematureEndOfDocumentError;
             // The reader writes exactly one zero for no patient.
             device.patientId = isDamaged || id == QLatin1String("0") ? QString() : id;
@@ -109,7 +109,7 @@ QList<DeviceInfo> parseDeviceList(const QString& path)
     QByteArray list = file.read(std::min(fileSize, MaxListSize));
     list.truncate(readableSize(list));
     if (list.size() < fileSize)
-        list += "]]>"; // an error instead of an end, so that an id that is cut here counts as damaged
+        list += "]]>"; // not well-formed: an id that is cut here is damaged, and not one at the end of the file
     // By a buffer: bytes that are no text, given all at once, would cost the whole list.
     QBuffer buffer(&list);
     if (!buffer.open(QIODevice::ReadOnly))

@@ -12,7 +12,7 @@ struct DeviceInfo
     QString btAddress;    ///< Bluetooth address, for the pairing.
     QString serialNumber; ///< What identifies the pump in every other command.
     QString deviceName;   ///< The name as it is displayed.
-    QString patientId;    ///< The patient that the pump is assigned to; empty if none, or if the id isn't readable.
+    QString patientId;    ///< The patient that the pump is assigned to; empty without one or if the id is damaged.
     bool paired = false;  ///< Whether the pump is assigned to a patient, known or not.
 };
 Q_DECLARE_METATYPE(DeviceInfo)

@@ -71,10 +71,11 @@ StatusFileParser::~StatusFileParser()
     joinWorker(m_thread);
     logTrace(QStringLiteral("Status file parser finished."), m_path);
 
-    // On Linux the kernel blocks for up to 25 ms if a watcher is deleted right after its paths. By name, as the plug-in
-    // may be unloaded until then: a member pointer would make code of the plug-in part of the call.
+    // On Linux the kernel blocks for up to 25 ms if a watcher is deleted right after its paths are removed. The slot is
+    // named by text because the plug-in may be unloaded before the call: a member pointer would call code of the
+    // plug-in.
     m_watcher->removePaths({m_statusFile, m_path});
-    m_watcher->setParent(QCoreApplication::instance()); // which may end first
+    m_watcher->setParent(QCoreApplication::instance()); // deletes it if the application ends before
     QTimer::singleShot(WatcherReleaseMs, m_watcher.release(), SLOT(deleteLater()));
 }
 
@@ -207,8 +208,8 @@ void StatusFileParser::continuePolling()
 
     qCDebug(plainDebug).noquote() << "void StatusFileParser::continuePolling()"
                                   << QStringLiteral("Polling continued (%1)").arg(linear);
-    // A tenth of the limit shows 52, half of it 90. At the limit, or if the clock was set back, the curve can reach 100
-    // and above, which only a command that has ended may report.
+    // A tenth of the limit shows 52, half of it 90. At the limit, or after the clock was set back, the curve can reach
+    // 100 or more, but 100 is reserved for a command that has ended.
     const double weight = 9.0 * static_cast<double>(elapsed);
     const double curve = std::abs(100.0 * (static_cast<double>(elapsed) + weight) /
                                   (static_cast<double>(std::max<qint64>(total, 1)) + weight));

@@ -79,7 +79,7 @@ Q_SIGNALS:
     /// The run ended by a status. True: the status is new and about the submitted command, or the user cancelled; see
     /// m_lastStatus for what happened. False: it is about another command.
     void finished(bool success);
-    /// Emitted after each tick after which the run goes on: 0 to 99, on a curve that is steep at first.
+    /// Emitted after each tick that doesn't end the run: 0 to 99, on a curve that is steep at first.
     void progress(int percentage);
     /// The run ended without a status: a limit was passed, or a read failed.
     void timeout();

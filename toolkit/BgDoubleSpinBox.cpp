@@ -22,7 +22,10 @@ void BgDoubleSpinBox::setDecimalUnit(double minimum, double maximum)
 
 void BgDoubleSpinBox::setDecimalUnit(bool decimalUnit)
 {
-    decimalUnit ? setDecimalUnit(minimum(), maximum()) : setWholeUnit(minimum(), maximum());
+    if (decimalUnit)
+        setDecimalUnit(minimum(), maximum());
+    else
+        setWholeUnit(minimum(), maximum());
 }
 
 bool BgDoubleSpinBox::isDecimalUnit() const

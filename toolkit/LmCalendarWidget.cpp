@@ -33,7 +33,7 @@ QIcon arrowIcon(QLatin1String side)
     return icon;
 }
 
-/// The colour of @p ground under a transparent @p color.
+/// Returns the colour that a transparent @p color has on @p ground.
 QColor blended(const QColor& color, const QColor& ground)
 {
     const qreal alpha = color.alphaF();
@@ -44,7 +44,7 @@ QColor blended(const QColor& color, const QColor& ground)
                             mixed(color.blueF(), ground.blueF()));
 }
 
-/// Relative luminance as the WCAG define it, from 0 for black to 1 for white.
+/// Returns the relative luminance as the WCAG define it, from 0 for black to 1 for white.
 qreal luminance(const QColor& color)
 {
     const auto linear = [](qreal value) {
@@ -208,8 +208,8 @@ void LmCalendarWidget::paintCell(QPainter* painter, const QRect& rect, const QDa
             fill(otherEndBrush());
         }
     }
-    // The ground is the same in every theme: the text of a dark one, which is bright, can't be read on it. A disabled
-    // calendar keeps the pale text of a light theme.
+    // The ground doesn't depend on the theme, so that the bright text of a dark theme can't be read on it. In a light
+    // theme a disabled calendar keeps its pale text.
     if (!pen && !isReadable(textColor(), ground))
         pen = textPen();
     if (pen)

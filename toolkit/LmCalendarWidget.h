@@ -66,8 +66,9 @@ protected:
 
     /// Returns the state of a date on the current page.
     CellState cellState(const QDate& date) const;
-    /// Paints the cell in fixed colours, except for the text of a weekday in the month shown: that has the palette's
-    /// colour, or textPen() where the palette's has a contrast below 4.5 on the fixed ground, as in a dark theme.
+    /// Paints the cell in fixed colours, except for the text of a weekday in the month shown. This has the colour of
+    /// the palette, or of textPen() if the contrast of the palette's colour to the ground is below 4.5, as in a dark
+    /// theme.
     void paintCell(QPainter* painter, const QRect& rect, const QDate& date) const override;
 
     static QBrush cellBrush();

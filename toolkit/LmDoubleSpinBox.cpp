@@ -49,7 +49,7 @@ void LmDoubleSpinBox::repairSeparator(QString& input) const
         if (replaceFirst(candidate, 0, input.size()))
             return;
     }
-    // Units and abbreviations have points, so these are searched in the number only.
+    // These are searched only between prefix and suffix, since units and abbreviations can contain points.
     const int from = input.startsWith(prefix()) ? prefix().size() : 0;
     const int to = input.size() - (input.endsWith(suffix()) ? suffix().size() : 0);
     if (!replaceFirst(QChar(u'.'), from, to))

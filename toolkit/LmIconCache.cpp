@@ -50,9 +50,9 @@ QPicture recordRaster(const QImage& image)
     return picture;
 }
 
-/// A picture is that of the image when it was loaded, as a file may change and a resource be unregistered. An SVG file
-/// is recorded at once, because it may refer to other files. Recording an SVG resource takes longer than everything
-/// else, and most are never asked for as a picture: its bytes are kept in place of that.
+/// Keeps an SVG as it is now, since its file may change and its resource may be unregistered before its picture is
+/// requested. A file is recorded at once because it may refer to other files. For a resource only its bytes are kept,
+/// because recording is slow and most pictures are never requested.
 void keepSvg(LmIconItem& item)
 {
     if (item.path.startsWith(QLatin1String(":/"))) {
