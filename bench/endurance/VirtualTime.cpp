@@ -30,8 +30,7 @@ constexpr Nanoseconds Never = std::numeric_limits<Nanoseconds>::max();
 constexpr Nanoseconds Retry = 5 * Millisecond;
 /// The clock always starts at the same time, since coarse timers are rounded by it.
 constexpr Nanoseconds Start = 1000 * Second;
-/// So many readings in a row take no time, so that all times are the same in each run. A loop that reads the clock more
-/// often is waiting for it.
+/// A loop that reads the clock more often than this in a row is waiting for it.
 constexpr int FreeReadings = 100000;
 
 constexpr timespec toTimespec(Nanoseconds time)
@@ -101,6 +100,7 @@ std::atomic<bool> s_on{false};
 std::atomic<Nanoseconds> s_now{Start}; // of CLOCK_MONOTONIC
 std::atomic<Nanoseconds> s_wallOffset{0};
 std::atomic<int> s_readings{0}; // since a thread last went on
+int s_freeReadings = 0;
 Nanoseconds s_realStart = 0;
 std::mutex s_mutex;
 // Guarded by s_mutex, as are the members of the waiters while they are listed.
@@ -204,13 +204,14 @@ int waitVirtually(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
 
 Nanoseconds reading()
 {
-    return ++s_readings > FreeReadings ? s_now += Reading : s_now.load();
+    return ++s_readings > s_freeReadings ? s_now += Reading : s_now.load();
 }
 
 } // namespace
 
-void VirtualTime::start()
+void VirtualTime::start(bool readingsTakeTime)
 {
+    s_freeReadings = readingsTakeTime ? 0 : FreeReadings;
     s_realStart = systemTime(CLOCK_MONOTONIC);
     // In whole seconds, so that all times are cut to milliseconds alike.
     s_wallOffset = (systemTime(CLOCK_REALTIME) / Second - Start / Second) * Second;

@@ -16,8 +16,9 @@
 /// Waits on condition variables are not replaced: nothing here waits on one with a limit. Linux only.
 namespace VirtualTime {
 
-/// Switches to this clock. Call once, before the application object is created.
-void start();
+/// Switches to this clock. Call once, before the application object is created. A reading of the clock takes a
+/// microsecond, or no time, with which all times are the same in each run but whole milliseconds, which Qt rounds up.
+void start(bool readingsTakeTime = true);
 /// Makes the calling thread run only while all other threads wait, and they only while it waits. What the two sides do
 /// to each other then happens in the same order in each run. At most one thread at a time, until it ends.
 void becomePeer();

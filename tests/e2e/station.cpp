@@ -344,7 +344,7 @@ void Station::press(const QString& name)
 
 int main(int argc, char** argv)
 {
-    VirtualTime::start();
+    VirtualTime::start(false);
     const QApplication application(argc, argv);
     QThreadPool::globalInstance()->setExpiryTimeout(0); // an idle thread stops the clock
     QLocale::setDefault(QLocale("de_DE"));
