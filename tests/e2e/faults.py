@@ -73,6 +73,7 @@ DRIVE_GONE = before(NO_ANSWER, "Error during polling")
 DRIVE_GONE_AFTER_TRIGGER = before(NO_ANSWER, "Status file open failed", "Error during polling")
 UNREADABLE = reader_only(NO_ANSWER, "Error during polling")
 DIARY_GONE = reader_only("diary was closed or changed", "Diary closed or changed")
+DIARY_GONE_BEFORE = before("diary was closed or changed", "Diary closed or changed")
 OLD_FIRMWARE = before("old software version", "unsupported firmware version")
 ABORTED_FIRST = outcome("done", None, "Trace Prepare (abort old running) succeeded.")
 SECOND_RUN_IGNORED = outcome("done", None, "Trace execution ignored: another one is under way")
@@ -248,6 +249,9 @@ FAULTS = [
     around("delete@{}", ALL, DIARY_GONE),
     around("close-diary@{}", ALL, DIARY_GONE),
     around("other-diary=P-2@{}", ALL, DIARY_GONE),
+    around("close-diary@m_readPumpButton", ("BTREAD",), DIARY_GONE_BEFORE),
+    around("other-diary=P-2@m_removePumpButton", ("BTDELETEADDR",), DIARY_GONE_BEFORE),
+    around("other-diary=P-2@Yes", ("BTPUMPREASSIGN", "BTDELETEADDR"), DIARY_GONE_BEFORE),
     around("again@BEGIN", ("BTREAD",), SECOND_RUN_IGNORED),
     around("again@END", ("BTREAD",), SECOND_RUN_IGNORED),
 ]

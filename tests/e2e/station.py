@@ -262,11 +262,11 @@ class Run:
         self.station.presses += 1
         self.station.order("press", name)
 
-    def box(self, text, title=TITLE):
+    def box(self, text):
         """Waits for a message box with that text, which its user then answers."""
         self.wait(lambda: self.view.get("window") == "box", f'a box with "{text}"')
-        if self.view["title"] != title or text not in plain(self.view["text"]):
-            raise Unexpected(f'expected a box "{title}" with "{text}"\nseen: {self.seen()}')
+        if self.view["title"] != TITLE or text not in plain(self.view["text"]):
+            raise Unexpected(f'expected a box "{TITLE}" with "{text}"\nseen: {self.seen()}')
         return Box(self)
 
     def key(self, name):
@@ -488,83 +488,42 @@ class Dialog:
         return self
 
 
+def pressing(button, opens=None):
+    """An operation that presses a button, and returns the dialog or box that opens, or its own dialog."""
+    def operation(self):
+        self.press(button)
+        return opens(self.run) if opens else self
+    return operation
+
+
 class Box(Dialog):
     window = "box"
-
-    def ok(self):
-        self.press("Ok")
-
-    def yes(self):
-        self.press("Yes")
-
-    def no(self):
-        self.press("No")
-
-
-class MainDialog(Dialog):
-    window = "MainDialog"
-
-    def add(self):
-        self.press("m_addPumpButton")
-        return AddDialog(self.run)
-
-    def read(self):
-        self.press("m_readPumpButton")
-        return ReadDialog(self.run)
-
-    def remove(self):
-        self.press("m_removePumpButton")
-        return RemoveDialog(self.run)
-
-    def close(self):
-        self.press("Close")
-        return self.run.end()
+    ok, yes, no = map(pressing, ("Ok", "Yes", "No"))
 
 
 class AddDialog(Dialog):
     window = "PumpAddDialog"
-
-    def search(self):
-        return self.press("m_OverviewButton")
+    choose = Dialog.press  # a serial number
+    search = back = pressing("m_OverviewButton")
+    assign, confirm, decline = map(pressing, ("m_AssignButton", "m_ConfirmButton", "m_DeclineButton"))
+    ok, cancel = map(pressing, ("Ok", "Cancel"))
 
     def stop(self):
         return self.expect(m_OverviewButton="Abort").press("m_OverviewButton")
-
-    def back(self):
-        return self.press("m_OverviewButton")
-
-    def choose(self, serial):
-        return self.press(serial)
-
-    def assign(self):
-        return self.press("m_AssignButton")
-
-    def confirm(self):
-        return self.press("m_ConfirmButton")
-
-    def decline(self):
-        return self.press("m_DeclineButton")
-
-    def ok(self):
-        return self.press("Ok")
-
-    def cancel(self):
-        return self.press("Cancel")
 
 
 class ReadDialog(Dialog):
     window = "PumpReadDialog"
 
-    def cancel(self):
-        return self.press("Cancel")
-
 
 class RemoveDialog(Dialog):
     window = "PumpRemoveDialog"
+    ok, cancel = pressing("Ok", Box), pressing("Cancel")
 
-    def ok(self):
-        self.press("Ok")
-        return Box(self.run)
 
-    def cancel(self):
-        return self.press("Cancel")
+class MainDialog(Dialog):
+    window = "MainDialog"
+    add = pressing("m_addPumpButton", AddDialog)
+    read = pressing("m_readPumpButton", ReadDialog)
+    remove = pressing("m_removePumpButton", RemoveDialog)
+    close = pressing("Close", Run.end)
