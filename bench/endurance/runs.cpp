@@ -10,6 +10,7 @@
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -277,7 +278,12 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("TMPDIR", "/dev/shm");
     QApplication app(argc, argv);
-    QThreadPool::globalInstance()->setExpiryTimeout(0); // an idle thread stops the clock
+    // An idle thread of the pool would stop the clock.
+    const auto endPool = [] {
+        QThreadPool::globalInstance()->waitForDone();
+    };
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, endPool);
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, endPool);
     watchObjects();
     QLoggingCategory::setFilterRules("*.debug=false\n*.info=false\n*.warning=false\n*.critical=false");
     QApplication::setQuitOnLastWindowClosed(false);
