@@ -22,7 +22,7 @@ namespace {
 
 QString imagePath(const char* name)
 {
-    return QStringLiteral(":/img/images/%1.svg").arg(QLatin1String(name));
+    return QString(":/img/images/%1.svg").arg(name);
 }
 
 LmClickFrame* makeFrame(const QString& text, int id, QLabel* told)
@@ -36,13 +36,12 @@ LmClickFrame* makeFrame(const QString& text, int id, QLabel* told)
         told->setText(what);
         frame->setClickStyle(!frame->property("ClickStyle").toBool());
     };
-    QObject::connect(frame, qOverload<>(&LmClickFrame::clicked), told, [tell] { tell(QStringLiteral("clicked()")); });
+    QObject::connect(frame, qOverload<>(&LmClickFrame::clicked), told, [tell] { tell("clicked()"); });
     QObject::connect(frame, qOverload<int>(&LmClickFrame::clicked), told,
-                     [tell](int number) { tell(QStringLiteral("clicked(%1)").arg(number)); });
-    QObject::connect(frame, qOverload<>(&LmClickFrame::doubleClicked), told,
-                     [tell] { tell(QStringLiteral("doubleClicked()")); });
+                     [tell](int number) { tell(QString("clicked(%1)").arg(number)); });
+    QObject::connect(frame, qOverload<>(&LmClickFrame::doubleClicked), told, [tell] { tell("doubleClicked()"); });
     QObject::connect(frame, qOverload<int>(&LmClickFrame::doubleClicked), told,
-                     [tell](int number) { tell(QStringLiteral("doubleClicked(%1)").arg(number)); });
+                     [tell](int number) { tell(QString("doubleClicked(%1)").arg(number)); });
     return frame;
 }
 
@@ -93,13 +92,13 @@ GalleryPage buttonsPage()
 {
     auto* const page = new QWidget;
     auto* const buttons = new QHBoxLayout;
-    buttons->addWidget(new LmPushButton(lmIcon(imagePath("flag")), QStringLiteral("Push button")));
-    auto* const check = new LmCheckButton(QStringLiteral("Check button"));
+    buttons->addWidget(new LmPushButton(lmIcon(imagePath("flag")), "Push button"));
+    auto* const check = new LmCheckButton("Check button");
     check->setCheckable(true);
     check->setChecked(true);
     buttons->addWidget(check);
     auto* const tool = new LmToolButton;
-    tool->setText(QStringLiteral("Tool button"));
+    tool->setText("Tool button");
     buttons->addWidget(tool);
     auto* const baltic = new LmBalticButton;
     baltic->setIconFor("Day", lmIcon(imagePath("sun")));
@@ -107,18 +106,18 @@ GalleryPage buttonsPage()
     baltic->setIconStyle("Day");
     baltic->setIconSize(QSize(24, 24));
     QObject::connect(baltic, &QAbstractButton::clicked, baltic, [baltic] {
-        const bool isDay = baltic->property("IconStyle").toString() == QLatin1String("Day");
+        const bool isDay = baltic->property("IconStyle").toString() == "Day";
         baltic->setIconStyle(isDay ? "Night" : "Day");
     });
     buttons->addWidget(baltic);
-    buttons->addWidget(new LmBigCheckBox(QStringLiteral("Big check box")));
+    buttons->addWidget(new LmBigCheckBox("Big check box"));
     buttons->addStretch();
 
     auto* const frames = new QHBoxLayout;
-    auto* const told = new QLabel(QStringLiteral("not clicked yet"));
-    LmClickFrame* const marked = makeFrame(QStringLiteral("Frame 7"), 7, told);
+    auto* const told = new QLabel("not clicked yet");
+    LmClickFrame* const marked = makeFrame("Frame 7", 7, told);
     marked->setClickStyle(true);
-    frames->addWidget(makeFrame(QStringLiteral("Frame without id"), -1, told));
+    frames->addWidget(makeFrame("Frame without id", -1, told));
     frames->addWidget(marked);
     frames->addWidget(told);
     frames->addStretch();
@@ -126,8 +125,8 @@ GalleryPage buttonsPage()
     auto* const tabs = new LmTabWidget;
     auto* const stack = new LmTabStackedWidget;
     for (int i = 1; i <= 3; ++i) {
-        tabs->addTab(new QLabel(QStringLiteral("Page %1 of the tabs").arg(i)), QStringLiteral("Tab %1").arg(i));
-        stack->addWidget(new QLabel(QStringLiteral("Page %1 of the stack, which follows the tabs").arg(i)));
+        tabs->addTab(new QLabel(QString("Page %1 of the tabs").arg(i)), QString("Tab %1").arg(i));
+        stack->addWidget(new QLabel(QString("Page %1 of the stack, which follows the tabs").arg(i)));
     }
     QObject::connect(tabs, &QTabWidget::currentChanged, stack, &QStackedWidget::setCurrentIndex);
 
@@ -138,7 +137,7 @@ GalleryPage buttonsPage()
     column->addWidget(stack);
     column->addWidget(new LmDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, Qt::Horizontal));
     column->addStretch();
-    return {QStringLiteral("buttons"), QStringLiteral("Buttons and frames"), page};
+    return {"buttons", "Buttons and frames", page};
 }
 
 GalleryPage picturesPage()
@@ -158,14 +157,14 @@ GalleryPage picturesPage()
     int column = 0;
     for (const auto& [call, pixmap] : icons) {
         grid->addWidget(iconLabel(pixmap), 0, column, Qt::AlignCenter);
-        grid->addWidget(new QLabel(QLatin1String(call)), 1, column, Qt::AlignCenter);
+        grid->addWidget(new QLabel(call), 1, column, Qt::AlignCenter);
         ++column;
     }
     auto* const rows = new QVBoxLayout(page);
     rows->addLayout(grid);
     rows->addWidget(new Canvas, 0, Qt::AlignLeft);
     rows->addStretch();
-    return {QStringLiteral("pictures"), QStringLiteral("Icons and pictures"), page};
+    return {"pictures", "Icons and pictures", page};
 }
 
 GalleryPage messagesPage()
@@ -173,35 +172,35 @@ GalleryPage messagesPage()
     auto* const page = new QWidget;
     auto* const column = new QVBoxLayout(page);
     const auto addButton = [column](const char* text) {
-        auto* const button = new LmPushButton(QLatin1String(text));
+        auto* const button = new LmPushButton(text);
         column->addWidget(button, 0, Qt::AlignLeft);
         return button;
     };
-    auto* const warning = new LmMessageBox(QMessageBox::Warning, QStringLiteral("A title that is wider than the text"),
-                                           QStringLiteral("Short."), QMessageBox::Ok, page);
+    auto* const warning =
+        new LmMessageBox(QMessageBox::Warning, "A title that is wider than the text", "Short.", QMessageBox::Ok, page);
     QObject::connect(addButton("A warning"), &QAbstractButton::clicked, warning, &QDialog::open);
-    auto* const question = new LmMessageBox(QMessageBox::Question, QStringLiteral("Question"),
-                                            QStringLiteral("The first line of the question.<br/>Shall it be so?"),
-                                            QMessageBox::Yes | QMessageBox::No, page);
-    question->setButtonText(QMessageBox::Yes, QStringLiteral("Yes, with a text of its own"));
+    auto* const question =
+        new LmMessageBox(QMessageBox::Question, "Question", "The first line of the question.<br/>Shall it be so?",
+                         QMessageBox::Yes | QMessageBox::No, page);
+    question->setButtonText(QMessageBox::Yes, "Yes, with a text of its own");
     QObject::connect(addButton("A question"), &QAbstractButton::clicked, question, &QDialog::open);
 
     auto* const tooltip = new LmTooltip(page);
-    tooltip->setText(QStringLiteral("Drag me: I stay within the width of the screens."));
+    tooltip->setText("Drag me: I stay within the width of the screens.");
     LmPushButton* const toggle = addButton("A tooltip that can be dragged");
     QObject::connect(toggle, &QAbstractButton::clicked, tooltip, [tooltip, toggle] {
         tooltip->move(toggle->mapToGlobal(QPoint(0, toggle->height())));
         tooltip->setVisible(!tooltip->isVisible());
     });
 
-    auto* const folder = new QLabel(QStringLiteral("no folder chosen"));
+    auto* const folder = new QLabel("no folder chosen");
     QObject::connect(addButton("Choose a folder"), &QAbstractButton::clicked, folder, [folder, page] {
-        const QString chosen = LmFileDialog::getExistingDirectory(page, QStringLiteral("Choose a folder"), QString());
-        folder->setText(chosen.isEmpty() ? QStringLiteral("no folder chosen") : chosen);
+        const QString chosen = LmFileDialog::getExistingDirectory(page, "Choose a folder", QString());
+        folder->setText(chosen.isEmpty() ? "no folder chosen" : chosen);
     });
     column->addWidget(folder);
     column->addStretch();
-    return {QStringLiteral("messages"), QStringLiteral("Messages"), page, {warning, question, tooltip}};
+    return {"messages", "Messages", page, {warning, question, tooltip}};
 }
 
 QVector<GalleryPage> galleryPages()

@@ -33,7 +33,7 @@ template <typename Box>
 QLayout* withEcho(Box* box, QLabel* echo)
 {
     const auto show = [echo](auto value) {
-        echo->setText(QStringLiteral("value %1").arg(value));
+        echo->setText(QString("value %1").arg(value));
     };
     QObject::connect(box, qOverload<decltype(box->value())>(&Box::valueChanged), echo, show);
     show(box->value());
@@ -46,13 +46,13 @@ QLayout* withEcho(Box* box, QLabel* echo)
 QLayout* glucoseField()
 {
     auto* const box = new BgDoubleSpinBox;
-    auto* const unit = new LmCheckButton(QStringLiteral("mmol/l"));
+    auto* const unit = new LmCheckButton("mmol/l");
     unit->setCheckable(true);
     QObject::connect(unit, &QAbstractButton::toggled, box, [box](bool decimal) {
         decimal ? box->setDecimalUnit(0.6, 33.3) : box->setWholeUnit(10, 600);
-        box->setSuffix(decimal ? QStringLiteral(" mmol/l") : QStringLiteral(" mg/dl"));
+        box->setSuffix(decimal ? " mmol/l" : " mg/dl");
     });
-    box->setSuffix(QStringLiteral(" mg/dl"));
+    box->setSuffix(" mg/dl");
     box->setValue(120);
     QLayout* const row = withEcho(box, new QLabel);
     row->addWidget(unit);
@@ -68,13 +68,13 @@ QGroupBox* textsBox()
         {"lmPlainDouble(-1.5, 1, 0, 'f')", lmPlainDouble(-1.5, 1, 0, 'f')},
         {"lmDurationText() of 90 minutes", lmDurationText(5400000000000)},
         {"lmRatioText(2, 3, 2)", lmRatioText(2, 3, 2)},
-        {"lmLocalizedDate(\"d MMMM yyyy\", ...)", lmLocalizedDate(QStringLiteral("d MMMM yyyy"), Sample)},
+        {"lmLocalizedDate(\"d MMMM yyyy\", ...)", lmLocalizedDate("d MMMM yyyy", Sample)},
         {"lmLocalizedTime(...)", lmLocalizedTime(QTime(15, 4))},
     };
-    auto* const box = new QGroupBox(QStringLiteral("Texts"));
+    auto* const box = new QGroupBox("Texts");
     auto* const form = new QFormLayout(box);
     for (const auto& [call, text] : rows)
-        form->addRow(QLatin1String(call), new QLabel(text));
+        form->addRow(call, new QLabel(text));
     return box;
 }
 
@@ -83,34 +83,34 @@ QGroupBox* textsBox()
 GalleryPage numbersPage()
 {
     auto* const page = new QWidget;
-    auto* const fields = new QGroupBox(QStringLiteral("Fields"));
+    auto* const fields = new QGroupBox("Fields");
     auto* const form = new QFormLayout(fields);
 
     auto* const plain = new LmSpinBox;
     plain->setRange(-9999, 9999);
     plain->setValue(-1250);
-    form->addRow(QStringLiteral("Whole numbers"), withEcho(plain, new QLabel));
+    form->addRow("Whole numbers", withEcho(plain, new QLabel));
 
     auto* const special = new LmSpinBox;
-    special->setSpecialValueText(QStringLiteral("off"));
-    form->addRow(QStringLiteral("0 reads \"off\""), withEcho(special, new QLabel));
+    special->setSpecialValueText("off");
+    form->addRow("0 reads \"off\"", withEcho(special, new QLabel));
 
     auto* const decimal = new LmDoubleSpinBox;
     decimal->setRange(-999, 999);
     decimal->setValue(12.5);
-    form->addRow(QStringLiteral("Decimals: type 1*5 or 1#5"), withEcho(decimal, new QLabel));
+    form->addRow("Decimals: type 1*5 or 1#5", withEcho(decimal, new QLabel));
 
     auto* const low = new LmDoubleSpinBox;
-    low->setSpecialValueText(QStringLiteral("low"));
+    low->setSpecialValueText("low");
     low->setRange(0.5, 20);
-    form->addRow(QStringLiteral("The least reads \"low\""), withEcho(low, new QLabel));
-    form->addRow(QStringLiteral("Blood glucose"), glucoseField());
+    form->addRow("The least reads \"low\"", withEcho(low, new QLabel));
+    form->addRow("Blood glucose", glucoseField());
 
     auto* const column = new QVBoxLayout(page);
     column->addWidget(fields);
     column->addWidget(textsBox());
     column->addStretch();
-    return {QStringLiteral("numbers"), QStringLiteral("Numbers"), page};
+    return {"numbers", "Numbers", page};
 }
 
 GalleryPage datesPage()
@@ -121,9 +121,9 @@ GalleryPage datesPage()
     auto* const quarters = new LmTimeEdit(QTime(10, 15));
     quarters->setMinuteStep(15);
     auto* const edits = new QFormLayout;
-    edits->addRow(QStringLiteral("Date, with the house calendar"), date);
-    edits->addRow(QStringLiteral("Time"), minutes);
-    edits->addRow(QStringLiteral("Time, in quarters of an hour"), quarters);
+    edits->addRow("Date, with the house calendar", date);
+    edits->addRow("Time", minutes);
+    edits->addRow("Time, in quarters of an hour", quarters);
 
     auto* const calendar = new LmCalendarWidget;
     calendar->setUp(LmGuiConfig::instance()->firstWeekDay());
@@ -133,7 +133,7 @@ GalleryPage datesPage()
     calendar->setRangeStart(Sample.addDays(-5));
     widen(calendar);
     widen(date->calendarWidget());
-    auto* const end = new LmCheckButton(QStringLiteral("Pick the end"));
+    auto* const end = new LmCheckButton("Pick the end");
     end->setCheckable(true);
     QObject::connect(end, &QAbstractButton::toggled, calendar,
                      [calendar](bool picksEnd) { calendar->setEditingStart(!picksEnd); });
@@ -141,7 +141,7 @@ GalleryPage datesPage()
         calendar->isEditingStart() ? calendar->setRangeStart(picked) : calendar->setRangeEnd(picked);
     });
 
-    auto* const box = new QGroupBox(QStringLiteral("A range"));
+    auto* const box = new QGroupBox("A range");
     auto* const boxColumn = new QVBoxLayout(box);
     boxColumn->addWidget(calendar);
     boxColumn->addWidget(end, 0, Qt::AlignLeft);
@@ -149,7 +149,7 @@ GalleryPage datesPage()
     column->addLayout(edits);
     column->addWidget(box);
     column->addStretch();
-    return {QStringLiteral("dates"), QStringLiteral("Dates and times"), page, {date->calendarWidget()}};
+    return {"dates", "Dates and times", page, {date->calendarWidget()}};
 }
 
 GalleryPage monthsPage()
@@ -168,5 +168,5 @@ GalleryPage monthsPage()
         grid->addWidget(calendar, place / 3, place % 3);
         ++place;
     }
-    return {QStringLiteral("months"), QStringLiteral("Months"), page};
+    return {"months", "Months", page};
 }

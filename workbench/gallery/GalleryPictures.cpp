@@ -58,13 +58,13 @@ QImage imageOf(const GalleryPage& page)
 bool writeGallery(const QVector<GalleryPage>& pages, const QString& folder, QString* error)
 {
     if (!QDir().mkpath(folder)) {
-        *error = QStringLiteral("can't make the folder %1").arg(folder);
+        *error = QString("can't make the folder %1").arg(folder);
         return false;
     }
     for (const GalleryPage& page : pages) {
-        QImageWriter writer(QStringLiteral("%1/%2.png").arg(folder, page.name));
+        QImageWriter writer(QString("%1/%2.png").arg(folder, page.name));
         if (!writer.write(imageOf(page))) {
-            *error = QStringLiteral("can't write %1: %2").arg(writer.fileName(), writer.errorString());
+            *error = QString("can't write %1: %2").arg(writer.fileName(), writer.errorString());
             return false;
         }
     }

@@ -19,7 +19,7 @@
 
 namespace {
 
-const QString FlagPath = QStringLiteral(":/img/images/flag.svg");
+const QString FlagPath = ":/img/images/flag.svg";
 
 LmMenu* makeMenu(QLabel* told, QWidget* parent)
 {
@@ -36,10 +36,10 @@ LmMenu* makeMenu(QLabel* told, QWidget* parent)
         {"Without keys", "", false, false},
         {"Print", "Ctrl+Shift+P", false, false},
     };
-    auto* const menu = new LmMenu(QStringLiteral("Menu"), parent);
+    auto* const menu = new LmMenu("Menu", parent);
     for (const Entry& entry : entries) {
-        QAction* const action = menu->addAction(QLatin1String(entry.text));
-        action->setShortcut(QKeySequence(QLatin1String(entry.keys)));
+        QAction* const action = menu->addAction(entry.text);
+        action->setShortcut(QKeySequence(entry.keys));
         action->setCheckable(entry.isCheckable);
         action->setChecked(entry.isCheckable);
         if (entry.hasIcon)
@@ -61,15 +61,14 @@ GalleryPage listsPage()
         if (day % 2 == 0)
             item->setIcon(lmIcon(FlagPath));
     }
-    list->addItems(
-        QStringList{QStringLiteral("A line that is longer than the list is wide, cut off with an ellipsis")});
+    list->addItems(QStringList{"A line that is longer than the list is wide, cut off with an ellipsis"});
     list->setFixedSize(260, 300);
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
-    auto* const up = new LmPushButton(QStringLiteral("Up"));
-    auto* const down = new LmPushButton(QStringLiteral("Down"));
-    auto* const add = new LmPushButton(QStringLiteral("Copy"));
-    auto* const remove = new LmPushButton(QStringLiteral("Remove"));
+    auto* const up = new LmPushButton("Up");
+    auto* const down = new LmPushButton("Down");
+    auto* const add = new LmPushButton("Copy");
+    auto* const remove = new LmPushButton("Remove");
     auto* const told = new QLabel;
     auto* const buttons = new QVBoxLayout;
     for (QWidget* widget : {static_cast<QWidget*>(up), static_cast<QWidget*>(down), static_cast<QWidget*>(add),
@@ -81,9 +80,8 @@ GalleryPage listsPage()
     QObject::connect(remove, &QAbstractButton::clicked, list, &LmListWidget::removeSelectedItems);
     QObject::connect(add, &QAbstractButton::clicked, list, [list] { list->addItems(list->selectedItems()); });
     QObject::connect(list, &LmListWidget::selectionChanged, remove, &QWidget::setEnabled);
-    QObject::connect(list, &LmListWidget::blockSelected, told, [told](bool isBlock) {
-        told->setText(isBlock ? QStringLiteral("one block") : QStringLiteral("no block"));
-    });
+    QObject::connect(list, &LmListWidget::blockSelected, told,
+                     [told](bool isBlock) { told->setText(isBlock ? "one block" : "no block"); });
     list->item(1)->setSelected(true);
     list->item(2)->setSelected(true);
 
@@ -91,20 +89,20 @@ GalleryPage listsPage()
     row->addWidget(list);
     row->addLayout(buttons);
     row->addStretch();
-    return {QStringLiteral("lists"), QStringLiteral("Lists"), page};
+    return {"lists", "Lists", page};
 }
 
 GalleryPage menusPage()
 {
     auto* const page = new QWidget;
-    auto* const told = new QLabel(QStringLiteral("nothing picked"));
+    auto* const told = new QLabel("nothing picked");
     LmMenu* const menu = makeMenu(told, page);
     auto* const button = new LmToolButton;
-    button->setText(QStringLiteral("Open the menu"));
+    button->setText("Open the menu");
     button->setPopupMode(QToolButton::InstantPopup);
     button->setMenu(menu);
     // All of the window, as Qt's styles paint a menu well only in the direction of its application.
-    auto* const turn = new LmPushButton(QStringLiteral("Turn the layout round"));
+    auto* const turn = new LmPushButton("Turn the layout round");
     QObject::connect(turn, &QAbstractButton::clicked, page, [] {
         const bool leftToRight = QGuiApplication::layoutDirection() == Qt::LeftToRight;
         QGuiApplication::setLayoutDirection(leftToRight ? Qt::RightToLeft : Qt::LeftToRight);
@@ -115,7 +113,7 @@ GalleryPage menusPage()
     column->addWidget(turn, 0, Qt::AlignLeft);
     column->addWidget(told);
     column->addStretch();
-    return {QStringLiteral("menus"), QStringLiteral("Menus"), page, {menu}};
+    return {"menus", "Menus", page, {menu}};
 }
 
 GalleryPage progressPage()
@@ -124,22 +122,22 @@ GalleryPage progressPage()
     auto* const form = new QFormLayout(page);
     auto* const slider = new QSlider(Qt::Horizontal);
     slider->setRange(0, 300);
-    form->addRow(QStringLiteral("Moves them all"), slider);
+    form->addRow("Moves them all", slider);
     for (const char* const format : {"%p%", "%L1%", "%v of %m"}) {
         auto* const bar = new LmProgressBar;
         bar->setRange(slider->minimum(), slider->maximum());
-        bar->setFormat(QLatin1String(format));
+        bar->setFormat(format);
         QObject::connect(slider, &QSlider::valueChanged, bar, &QProgressBar::setValue);
-        form->addRow(QStringLiteral("Format \"%1\"").arg(QLatin1String(format)), bar);
+        form->addRow(QString("Format \"%1\"").arg(QLatin1String(format)), bar);
     }
 
     auto* const less = new LmHoldButton;
     auto* const more = new LmHoldButton;
-    less->setText(QStringLiteral("-"));
-    more->setText(QStringLiteral("+"));
+    less->setText("-");
+    more->setText("+");
     QObject::connect(less, &QAbstractButton::clicked, slider, [slider] { slider->setValue(slider->value() - 10); });
     QObject::connect(more, &QAbstractButton::clicked, slider, [slider] { slider->setValue(slider->value() + 10); });
-    auto* const run = new LmCheckButton(QStringLiteral("Run"));
+    auto* const run = new LmCheckButton("Run");
     run->setCheckable(true);
     auto* const timer = new LmTimer(page);
     timer->setInterval(50);
@@ -151,19 +149,19 @@ GalleryPage progressPage()
     row->addWidget(more);
     row->addWidget(run);
     row->addStretch();
-    form->addRow(QStringLiteral("Hold, or let it run"), row);
+    form->addRow("Hold, or let it run", row);
 
-    auto* const dialog = new LmProgressDialog(QStringLiteral("%L1%"), page);
+    auto* const dialog = new LmProgressDialog("%L1%", page);
     dialog->setMinimumDuration(24 * 60 * 60 * 1000); // It opens by its button, not by itself.
     dialog->reset();
     dialog->setAutoClose(false);
     dialog->setAutoReset(false);
     dialog->setMaximum(slider->maximum());
-    dialog->setLabelText(QStringLiteral("A dialog with the same progress"));
+    dialog->setLabelText("A dialog with the same progress");
     QObject::connect(slider, &QSlider::valueChanged, dialog, &QProgressDialog::setValue);
-    auto* const open = new LmPushButton(QStringLiteral("Open a dialog"));
+    auto* const open = new LmPushButton("Open a dialog");
     QObject::connect(open, &QAbstractButton::clicked, dialog, &QWidget::show);
     form->addRow(QString(), open);
     slider->setValue(126);
-    return {QStringLiteral("progress"), QStringLiteral("Progress"), page, {dialog}};
+    return {"progress", "Progress", page, {dialog}};
 }

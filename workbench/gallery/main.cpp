@@ -36,17 +36,14 @@ struct Options
 
 void addOptions(QCommandLineParser& parser)
 {
-    parser.setApplicationDescription(QStringLiteral("Shows every widget of the toolkit in one window."));
+    parser.setApplicationDescription("Shows every widget of the toolkit in one window.");
     parser.addOptions({
-        {QStringLiteral("locale"), QStringLiteral("Locale of the run, such as de_DE. Default: the system's."),
-         QStringLiteral("NAME")},
-        {QStringLiteral("rtl"), QStringLiteral("Lay out from right to left. Default: as the locale is written.")},
-        {QStringLiteral("style-sheet"), QStringLiteral("Style sheet in place of the gallery's own."),
-         QStringLiteral("FILE")},
-        {QStringLiteral("write"), QStringLiteral("Write a PNG of each group into this folder, and end."),
-         QStringLiteral("FOLDER")},
-        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")},
-        {{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Show the version.")},
+        {"locale", "Locale of the run, such as de_DE. Default: the system's.", "NAME"},
+        {"rtl", "Lay out from right to left. Default: as the locale is written."},
+        {"style-sheet", "Style sheet in place of the gallery's own.", "FILE"},
+        {"write", "Write a PNG of each group into this folder, and end.", "FOLDER"},
+        {{"h", "help"}, "Show this help."},
+        {{"v", "version"}, "Show the version."},
     });
 }
 
@@ -57,26 +54,25 @@ QString parse(const QStringList& arguments, Options* options)
     addOptions(parser);
     if (!parser.parse(arguments)) {
         QString error = parser.errorText();
-        if (error.endsWith(QLatin1Char('.')))
+        if (error.endsWith('.'))
             error.chop(1);
         return error;
     }
-    options->rightToLeft = parser.isSet(QStringLiteral("rtl"));
-    options->help = parser.isSet(QStringLiteral("help"));
-    options->version = parser.isSet(QStringLiteral("version"));
+    options->rightToLeft = parser.isSet("rtl");
+    options->help = parser.isSet("help");
+    options->version = parser.isSet("version");
     const std::pair<const char*, QString*> values[] = {
         {"locale", &options->locale}, {"style-sheet", &options->styleSheet}, {"write", &options->folder}};
     for (const auto& [name, value] : values) {
-        *value = parser.value(QLatin1String(name));
-        if (parser.isSet(QLatin1String(name)) && value->isEmpty())
-            return QStringLiteral("--%1 needs a value").arg(QLatin1String(name));
+        *value = parser.value(name);
+        if (parser.isSet(name) && value->isEmpty())
+            return QString("--%1 needs a value").arg(name);
     }
     if (!parser.positionalArguments().isEmpty())
-        return QStringLiteral("unexpected argument '%1'").arg(parser.positionalArguments().constFirst());
+        return QString("unexpected argument '%1'").arg(parser.positionalArguments().constFirst());
     // A name that Qt doesn't know gives the C locale.
-    if (!options->locale.isEmpty() && options->locale != QLatin1String("C") &&
-        QLocale(options->locale).language() == QLocale::C)
-        return QStringLiteral("--locale: there is no locale '%1'").arg(options->locale);
+    if (!options->locale.isEmpty() && options->locale != "C" && QLocale(options->locale).language() == QLocale::C)
+        return QString("--locale: there is no locale '%1'").arg(options->locale);
     return QString();
 }
 
@@ -106,19 +102,18 @@ int main(int argc, char** argv)
     Options options;
     QString error = parse(arguments, &options);
     if (!error.isEmpty())
-        return report(WrongCall, error + QStringLiteral("; see --help"));
+        return report(WrongCall, error + "; see --help");
     if (options.help || options.version)
         return showText(argc, argv, options.help);
 
-    QFile styleSheet(options.styleSheet.isEmpty() ? QStringLiteral(":/gallery.qss") : options.styleSheet);
+    QFile styleSheet(options.styleSheet.isEmpty() ? ":/gallery.qss" : options.styleSheet);
     if (!options.styleSheet.isEmpty() && !styleSheet.open(QIODevice::ReadOnly))
         return report(
-            Failure,
-            QStringLiteral("can't read the style sheet %1: %2").arg(styleSheet.fileName(), styleSheet.errorString()));
+            Failure, QString("can't read the style sheet %1: %2").arg(styleSheet.fileName(), styleSheet.errorString()));
     if (!options.folder.isEmpty())
         qputenv("QT_QPA_PLATFORM", "offscreen"); // So the pictures don't depend on a display, nor need one.
     else if (Platform::isWithoutDisplay())
-        return report(Failure, QStringLiteral("there is no display for the window; --write needs none"));
+        return report(Failure, "there is no display for the window; --write needs none");
     if (!options.locale.isEmpty())
         QLocale::setDefault(QLocale(options.locale));
 
@@ -126,12 +121,12 @@ int main(int argc, char** argv)
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     int onlyTheName = 1; // the rest are options of ours, of which Qt would take some for its own
     QApplication application(onlyTheName, argv);
-    QApplication::setApplicationDisplayName(QStringLiteral("Merivo Gallery"));
+    QApplication::setApplicationDisplayName("Merivo Gallery");
     const GalleryConfig config;
     QApplication::setStyle(config.styleName());
     QApplication::setLayoutDirection(options.rightToLeft ? Qt::RightToLeft : QLocale().textDirection());
     if (!styleSheet.isOpen() && !styleSheet.open(QIODevice::ReadOnly))
-        return report(Failure, QStringLiteral("the gallery's own style sheet is missing"));
+        return report(Failure, "the gallery's own style sheet is missing");
     application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
 
     const QVector<GalleryPage> pages = galleryPages();

@@ -28,7 +28,7 @@ QString HostServices::path(int kind)
     case DatabasePath:
         return m_database.path();
     case TranslationsPath:
-        return QCoreApplication::applicationDirPath() + QStringLiteral("/translations");
+        return QCoreApplication::applicationDirPath() + "/translations";
     default:
         return {};
     }
@@ -37,13 +37,13 @@ QString HostServices::path(int kind)
 void HostServices::logLine(IPlugin* source, const QString& channel, const QString& message, const QString& detail1,
                            const QString& detail2)
 {
-    m_log.write(source ? source->pluginName() : QStringLiteral("?"), channel, message, {detail1, detail2});
+    m_log.write(source ? source->pluginName() : "?", channel, message, {detail1, detail2});
 }
 
 quintptr HostServices::logValue(int level, const QString& value1, const QString& value2, const QString& value3,
                                 const QString& value4, const QString& value5)
 {
-    m_log.write(QStringLiteral("value %1").arg(level), QStringLiteral("mcp"), value1, {value2, value3, value4, value5});
+    m_log.write(QString("value %1").arg(level), "mcp", value1, {value2, value3, value4, value5});
     return 0;
 }
 
@@ -54,8 +54,8 @@ DatabasePoint::DatabasePoint(HostLog& log, HostDatabase& database)
 
 void DatabasePoint::import(QString cache, IPlugin* pPlugin)
 {
-    m_log.write(pPlugin ? pPlugin->pluginName() : QStringLiteral("?"), QStringLiteral("Error"),
-                QStringLiteral("An import by cache file isn't offered by this host."), {cache});
+    m_log.write(pPlugin ? pPlugin->pluginName() : "?", "Error", "An import by cache file isn't offered by this host.",
+                {cache});
 }
 
 QString DatabasePoint::databaseGuid(const QString& path)
@@ -73,7 +73,7 @@ QMap<QString, PatientRecord> DatabasePoint::patients(const QString& databaseGuid
         m_revision.clear();
         const QVector<PatientRecord> patients = revision.isEmpty() ? QVector<PatientRecord>() : m_database.patients();
         if (!m_database.errorText().isEmpty()) {
-            m_log.write(QStringLiteral("host"), QStringLiteral("Error"), m_database.errorText());
+            m_log.write("host", "Error", m_database.errorText());
             return {};
         }
         for (const PatientRecord& patient : patients)
@@ -87,11 +87,11 @@ ExtensionPoints::ExtensionPoints(HostLog& log, HostDatabase& database, HostDevic
                                  ICommandHandler& commandHandler, IEventPublisher& eventPublisher)
     : m_services(log, database)
     , m_database(log, database)
-    , m_points{{QStringLiteral("ServicesExtensionPoint"), &m_services},
-               {QStringLiteral("DeviceAdminExtensionPoint"), &deviceAdmin},
-               {QStringLiteral("CommandHandlerExtensionPoint"), &commandHandler},
-               {QStringLiteral("EventPublisherExtensionPoint"), &eventPublisher},
-               {QStringLiteral("DatabaseExtensionPoint"), &m_database}}
+    , m_points{{"ServicesExtensionPoint", &m_services},
+               {"DeviceAdminExtensionPoint", &deviceAdmin},
+               {"CommandHandlerExtensionPoint", &commandHandler},
+               {"EventPublisherExtensionPoint", &eventPublisher},
+               {"DatabaseExtensionPoint", &m_database}}
 {}
 
 IExtensionPoint* ExtensionPoints::extensionPoint(const QString& name)

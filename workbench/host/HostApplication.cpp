@@ -16,7 +16,7 @@
 
 namespace {
 
-const QString LogName = QStringLiteral("host.log");
+const QString LogName = "host.log";
 
 QString inDataFolder(const QString& name)
 {
@@ -26,7 +26,7 @@ QString inDataFolder(const QString& name)
 /// The database of a user who names none.
 QString databaseOf(const HostOptions& options)
 {
-    return options.database.isEmpty() ? inDataFolder(QStringLiteral("patients.sqlite")) : options.database;
+    return options.database.isEmpty() ? inDataFolder("patients.sqlite") : options.database;
 }
 
 /// What a run without a user at the window leaves behind is for whoever runs it to say.
@@ -34,7 +34,7 @@ QString diagnosticsFolderOf(const HostOptions& options)
 {
     if (!options.diagnostics.isEmpty())
         return QDir(options.diagnostics).absolutePath();
-    return options.robot.isEmpty() ? inDataFolder(QStringLiteral("diagnostics")) : QString();
+    return options.robot.isEmpty() ? inDataFolder("diagnostics") : QString();
 }
 
 } // namespace
@@ -69,20 +69,20 @@ bool HostApplication::start(const HostOptions& options, QString* error)
     if (!options.drive.isEmpty())
         m_deviceAdmin.setDrivePath(QDir(options.drive).absolutePath());
     if (!options.simulation.isEmpty() && !QDir(options.simulation).exists()) {
-        *error = QStringLiteral("--simulation: there is no folder '%1'").arg(options.simulation);
+        *error = QString("--simulation: there is no folder '%1'").arg(options.simulation);
         return false;
     }
     m_importHandler.setSimulation(!options.simulation.isEmpty());
 
     const QString library = options.plugin.isEmpty() ? PluginHost::defaultLibrary() : options.plugin;
     if (library.isEmpty()) {
-        *error = QStringLiteral("no plug-in library beside the program; name one with --plugin");
+        *error = "no plug-in library beside the program; name one with --plugin";
         return false;
     }
     if (!m_pluginHost.load(library, &m_extensionPoints, options.simulation, error))
         return false;
-    m_log.write(QStringLiteral("host"), QStringLiteral("Info"),
-                QStringLiteral("Plug-in %1, version %2, loaded.")
+    m_log.write("host", "Info",
+                QString("Plug-in %1, version %2, loaded.")
                     .arg(m_pluginHost.plugin()->pluginName(), m_pluginHost.plugin()->version()),
                 {library});
     Q_EMIT m_events.appStartup(IStartupEvtPtr::create());
@@ -90,9 +90,10 @@ bool HostApplication::start(const HostOptions& options, QString* error)
     if (!options.patient.isEmpty()) {
         const auto patient = m_database.findPatient(options.patient);
         if (!patient) {
-            *error = m_database.errorText().isEmpty() ? QStringLiteral("--patient: there is no patient '%1' in '%2'")
-                                                            .arg(options.patient, m_database.path())
-                                                      : m_database.errorText();
+            *error =
+                m_database.errorText().isEmpty()
+                    ? QString("--patient: there is no patient '%1' in '%2'").arg(options.patient, m_database.path())
+                    : m_database.errorText();
             return false;
         }
         m_events.openDiary(*patient);
@@ -149,10 +150,10 @@ void HostApplication::keepTraffic()
 void HostApplication::writeReport(const QString& path, bool withPersonalData)
 {
     if (m_reportThread && m_reportThread->isRunning()) {
-        m_window.showError(QStringLiteral("A report is being written already."));
+        m_window.showError("A report is being written already.");
         return;
     }
-    m_window.showNotice(QStringLiteral("The report '%1' is being written.").arg(QDir::toNativeSeparators(path)));
+    m_window.showNotice(QString("The report '%1' is being written.").arg(QDir::toNativeSeparators(path)));
     m_reportThread.reset(
         QThread::create([this, report = HostReport(reportSources()), path, withPersonalData]() mutable {
             QString sentence;
@@ -194,31 +195,28 @@ ReportSources HostApplication::reportSources()
     sources.personal = personalData(m_database);
     sources.unknown = m_database.errorText();
     if (m_database.path().isEmpty() && sources.unknown.isEmpty())
-        sources.unknown = QStringLiteral("there is no patient database '%1'").arg(databaseOf(m_options));
+        sources.unknown = QString("there is no patient database '%1'").arg(databaseOf(m_options));
     const IPlugin* plugin = m_pluginHost.plugin();
     sources.versions = {
-        {QStringLiteral("merivo-host"), QLatin1String(MERIVO_PLUGIN_VERSION)},
-        {QStringLiteral("plug-in"),
-         plugin ? plugin->pluginName() + QLatin1Char(' ') + plugin->version() : QStringLiteral("not loaded")},
-        {QStringLiteral("Qt"),
-         QStringLiteral("%1, built with %2").arg(QLatin1String(qVersion()), QLatin1String(QT_VERSION_STR))},
-        {QStringLiteral("system"), QSysInfo::prettyProductName()},
-        {QStringLiteral("kernel"), QSysInfo::kernelType() + QLatin1Char(' ') + QSysInfo::kernelVersion()},
-        {QStringLiteral("processor"), QSysInfo::currentCpuArchitecture()},
-        {QStringLiteral("locale"), QLocale().name()},
+        {"merivo-host", MERIVO_PLUGIN_VERSION},
+        {"plug-in", plugin ? plugin->pluginName() + ' ' + plugin->version() : "not loaded"},
+        {"Qt", QString("%1, built with %2").arg(QLatin1String(qVersion()), QLatin1String(QT_VERSION_STR))},
+        {"system", QSysInfo::prettyProductName()},
+        {"kernel", QSysInfo::kernelType() + ' ' + QSysInfo::kernelVersion()},
+        {"processor", QSysInfo::currentCpuArchitecture()},
+        {"locale", QLocale().name()},
     };
     sources.settings = {
-        {QStringLiteral("database"), databaseOf(m_options)},
-        {QStringLiteral("database error"), m_database.errorText()},
-        {QStringLiteral("plug-in"), m_options.plugin.isEmpty() ? PluginHost::defaultLibrary() : m_options.plugin},
-        {QStringLiteral("drive"), m_deviceAdmin.drivePath().isEmpty() ? m_options.drive : m_deviceAdmin.drivePath()},
-        {QStringLiteral("EnableSimulation"),
-         m_options.simulation.isEmpty() ? QStringLiteral("false") : QStringLiteral("true")},
-        {QStringLiteral("SimulationPath"), m_options.simulation},
-        {QStringLiteral("log"), m_options.log},
-        {QStringLiteral("diagnostics"), m_diagnosticsFolder},
-        {QStringLiteral("log-size"), m_options.logKib},
-        {QStringLiteral("log-files"), m_options.logFiles},
+        {"database", databaseOf(m_options)},
+        {"database error", m_database.errorText()},
+        {"plug-in", m_options.plugin.isEmpty() ? PluginHost::defaultLibrary() : m_options.plugin},
+        {"drive", m_deviceAdmin.drivePath().isEmpty() ? m_options.drive : m_deviceAdmin.drivePath()},
+        {"EnableSimulation", m_options.simulation.isEmpty() ? "false" : "true"},
+        {"SimulationPath", m_options.simulation},
+        {"log", m_options.log},
+        {"diagnostics", m_diagnosticsFolder},
+        {"log-size", m_options.logKib},
+        {"log-files", m_options.logFiles},
     };
     return sources;
 }

@@ -41,19 +41,19 @@ QString meaningOf(const QSqlError& error)
     switch (error.nativeErrorCode().toInt() & 0xff) {
     case 5:
     case 6:
-        return QStringLiteral("it is locked by another program");
+        return "it is locked by another program";
     case 8:
-        return QStringLiteral("the file or its folder is read-only");
+        return "the file or its folder is read-only";
     case 10:
-        return QStringLiteral("the drive reports an error when reading or writing");
+        return "the drive reports an error when reading or writing";
     case 11:
-        return QStringLiteral("the file is damaged");
+        return "the file is damaged";
     case 13:
-        return QStringLiteral("the drive is full");
+        return "the drive is full";
     case 14:
-        return QStringLiteral("the file can't be opened or made; check that its folder exists and can be written to");
+        return "the file can't be opened or made; check that its folder exists and can be written to";
     case 26:
-        return QStringLiteral("the file isn't a database");
+        return "the file isn't a database";
     default:
         return error.databaseText().isEmpty() ? error.text() : error.databaseText();
     }
@@ -79,9 +79,8 @@ ImportFacts factsOf(const QSqlQuery& query)
     return facts;
 }
 
-const QString SelectPatients = QStringLiteral("SELECT puid, name1, name2, birthday, extension FROM patients ");
-const QString SelectImports =
-    QStringLiteral("SELECT id, puid, imported_at, file_name, file_size, mac, device_state FROM imports ");
+const QString SelectPatients = "SELECT puid, name1, name2, birthday, extension FROM patients ";
+const QString SelectImports = "SELECT id, puid, imported_at, file_name, file_size, mac, device_state FROM imports ";
 
 template <class Record>
 std::optional<Record> firstOf(const QVector<Record>& records)
@@ -92,13 +91,13 @@ std::optional<Record> firstOf(const QVector<Record>& records)
 /// A null text would be stored as NULL.
 QString notNull(const QString& text)
 {
-    return text.isNull() ? QStringLiteral("") : text;
+    return text.isNull() ? "" : text;
 }
 
 } // namespace
 
 HostDatabase::HostDatabase()
-    : m_connectionName(QStringLiteral("host-") + QUuid::createUuid().toString(QUuid::WithoutBraces))
+    : m_connectionName("host-" + QUuid::createUuid().toString(QUuid::WithoutBraces))
 {}
 
 HostDatabase::~HostDatabase()
@@ -113,13 +112,13 @@ bool HostDatabase::open(const QString& path)
     m_path = QFileInfo(path).absoluteFilePath();
     ++m_openCount;
     if (QFileInfo(m_path).isDir())
-        return fail(QStringLiteral("it is a folder, not a database file"));
+        return fail("it is a folder, not a database file");
 
-    m_connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    m_connection = QSqlDatabase::addDatabase("QSQLITE", m_connectionName);
     if (!m_connection.isValid())
-        return fail(QStringLiteral("Qt's SQLite driver isn't installed"));
+        return fail("Qt's SQLite driver isn't installed");
     m_connection.setDatabaseName(m_path);
-    m_connection.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
+    m_connection.setConnectOptions("QSQLITE_BUSY_TIMEOUT=1000");
     if (!m_connection.open())
         return fail(meaningOf(m_connection.lastError()));
     if (!checkAndPrepare()) {
@@ -151,15 +150,15 @@ bool HostDatabase::checkAndPrepare()
         if (!query(setting))
             return false;
 
-    const int applicationId = pragma(QStringLiteral("application_id")).toInt();
-    const int version = pragma(QStringLiteral("user_version")).toInt();
-    const bool isEmpty = pragma(QStringLiteral("schema_version")).toInt() == 0;
+    const int applicationId = pragma("application_id").toInt();
+    const int version = pragma("user_version").toInt();
+    const bool isEmpty = pragma("schema_version").toInt() == 0;
     if (!m_errorText.isEmpty())
         return false;
     if (!isEmpty && applicationId != ApplicationId)
-        return fail(QStringLiteral("it is a database of another program"));
+        return fail("it is a database of another program");
     if (version > SchemaVersion) {
-        return fail(QStringLiteral("it has schema version %1, which is newer than version %2 of this program")
+        return fail(QString("it has schema version %1, which is newer than version %2 of this program")
                         .arg(version)
                         .arg(SchemaVersion));
     }
@@ -179,7 +178,7 @@ bool HostDatabase::checkAndPrepare()
     if (!guid)
         return false;
     if (!guid->next() || guid->value(0).toString().isEmpty())
-        return fail(QStringLiteral("it holds no GUID"));
+        return fail("it holds no GUID");
     m_guid = guid->value(0).toString();
     return true;
 }
@@ -191,8 +190,8 @@ bool HostDatabase::createSchema()
                            [this](const char* statement) { return query(statement); }) &&
                query("INSERT INTO meta (key, value) VALUES ('guid', ?)",
                      {QUuid::createUuid().toString(QUuid::WithoutBraces)}) &&
-               query(QStringLiteral("PRAGMA application_id = %1").arg(ApplicationId)) &&
-               query(QStringLiteral("PRAGMA user_version = %1").arg(SchemaVersion));
+               query(QString("PRAGMA application_id = %1").arg(ApplicationId)) &&
+               query(QString("PRAGMA user_version = %1").arg(SchemaVersion));
     });
 }
 
@@ -205,7 +204,7 @@ bool HostDatabase::inTransaction(Change change)
         return false;
     if (change() && query("COMMIT"))
         return true;
-    QSqlQuery(m_connection).exec(QStringLiteral("ROLLBACK")); // its own failure would hide the one that led here
+    QSqlQuery(m_connection).exec("ROLLBACK"); // its own failure would hide the one that led here
     return false;
 }
 
@@ -241,7 +240,7 @@ QVariant HostDatabase::pragma(const QString& name)
 
 bool HostDatabase::fail(const QString& sentence)
 {
-    m_errorText = QStringLiteral("database '%1': %2").arg(m_path, sentence);
+    m_errorText = QString("database '%1': %2").arg(m_path, sentence);
     return false;
 }
 
@@ -266,7 +265,7 @@ std::optional<PatientRecord> HostDatabase::findPatient(const QString& puid)
 bool HostDatabase::addPatient(const PatientRecord& patient)
 {
     if (findPatient(patient.puid))
-        return fail(QStringLiteral("there is a patient '%1' already").arg(patient.puid));
+        return fail(QString("there is a patient '%1' already").arg(patient.puid));
     return changeOnePatient("INSERT INTO patients (name1, name2, birthday, extension, puid) VALUES (?, ?, ?, ?, ?)",
                             patient);
 }
@@ -292,7 +291,7 @@ bool HostDatabase::changeOnePatient(const QString& statement, const PatientRecor
 bool HostDatabase::changesOne(const QString& statement, const QVariantList& values, const QString& puid)
 {
     const auto changed = query(statement, values);
-    return changed && (changed->numRowsAffected() == 1 || fail(QStringLiteral("there is no patient '%1'").arg(puid)));
+    return changed && (changed->numRowsAffected() == 1 || fail(QString("there is no patient '%1'").arg(puid)));
 }
 
 bool HostDatabase::removePatient(const QString& puid)
@@ -305,23 +304,23 @@ bool HostDatabase::removePatient(const QString& puid)
 
 bool HostDatabase::isValidPuid(const QString& puid)
 {
-    static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9._-]{1,64}\\z"));
+    static const QRegularExpression form("\\A[A-Za-z0-9._-]{1,64}\\z");
     return form.match(puid).hasMatch();
 }
 
 QString HostDatabase::whatIsWrongWith(const PatientRecord& patient)
 {
     if (!isValidPuid(patient.puid))
-        return QStringLiteral("'%1' can't be a patient's key; letters, digits, '-', '_' and '.' can").arg(patient.puid);
+        return QString("'%1' can't be a patient's key; letters, digits, '-', '_' and '.' can").arg(patient.puid);
     const QString birthday = patient.ids.value(2);
-    if (!birthday.isEmpty() && !QDate::fromString(birthday, QStringLiteral("yyyy-MM-dd")).isValid())
-        return QStringLiteral("'%1' isn't a birthday; write yyyy-MM-dd").arg(birthday);
+    if (!birthday.isEmpty() && !QDate::fromString(birthday, "yyyy-MM-dd").isValid())
+        return QString("'%1' isn't a birthday; write yyyy-MM-dd").arg(birthday);
     return {};
 }
 
 QString HostDatabase::newPuid()
 {
-    return QStringLiteral("P-%1").arg(QRandomGenerator::system()->generate(), 8, 16, QLatin1Char('0')).toUpper();
+    return QString("P-%1").arg(QRandomGenerator::system()->generate(), 8, 16, QChar('0')).toUpper();
 }
 
 QVector<ImportFacts> HostDatabase::imports(const QString& puid)

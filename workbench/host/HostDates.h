@@ -10,7 +10,7 @@
 inline QString shownDate(const QDate& date)
 {
     QString format = QLocale().dateFormat(QLocale::ShortFormat);
-    if (!format.contains(QLatin1String("yyyy")))
-        format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    if (!format.contains("yyyy"))
+        format.replace("yy", "yyyy");
     return QLocale().toString(date, format);
 }

@@ -35,10 +35,7 @@ QColor colourOf(HostLog::Level level)
 
 QString onOneLine(QString text)
 {
-    return text.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
-        .replace(QLatin1Char('\n'), QLatin1String("\\n"))
-        .replace(QLatin1Char('\r'), QLatin1String("\\r"))
-        .replace(QLatin1Char('\t'), QLatin1String("\\t"));
+    return text.replace('\\', "\\\\").replace('\n', "\\n").replace('\r', "\\r").replace('\t', "\\t");
 }
 
 } // namespace
@@ -63,8 +60,7 @@ void HostLog::write(const QString& source, const QString& channel, const QString
 {
     QStringList filled = details;
     filled.removeAll(QString());
-    const Record record{QDateTime::currentDateTime(),    levelOf(channel), source, channel, message,
-                        filled.join(QLatin1String("; "))};
+    const Record record{QDateTime::currentDateTime(), levelOf(channel), source, channel, message, filled.join("; ")};
     m_records.append(record);
     const QStringList fields{record.time.toString(Qt::ISODateWithMs), channel, source, onOneLine(message),
                              onOneLine(record.details)};
@@ -100,11 +96,11 @@ bool HostLog::contains(const QString& text) const
 
 HostLog::Level HostLog::levelOf(const QString& channel)
 {
-    if (channel == QLatin1String("Info") || channel == QLatin1String("txt"))
+    if (channel == "Info" || channel == "txt")
         return Info;
-    if (channel == QLatin1String("Warning"))
+    if (channel == "Warning")
         return Warning;
-    if (channel == QLatin1String("Error") || channel == QLatin1String("err"))
+    if (channel == "Error" || channel == "err")
         return Error;
     return Trace;
 }
@@ -147,7 +143,7 @@ QVariant HostLog::data(const QModelIndex& index, int role) const
         return {};
     switch (index.column()) {
     case TimeColumn:
-        return record.time.toString(QStringLiteral("hh:mm:ss.zzz"));
+        return record.time.toString("hh:mm:ss.zzz");
     case LevelColumn:
         return levelName(record.level);
     case SourceColumn:

@@ -57,18 +57,17 @@ constexpr NumberOption NumberOptions[] = {
 /// Fills the parser in the order of the help text.
 void addOptions(QCommandLineParser& parser)
 {
-    parser.setApplicationDescription(QStringLiteral("A stand-in host that runs, shows and tests the plug-in."));
+    parser.setApplicationDescription("A stand-in host that runs, shows and tests the plug-in.");
     for (const ValueOption& option : ValueOptions)
         parser.addOption(
-            {QLatin1String(option.name), QLatin1String(option.description), QLatin1String(option.valueName)});
+            {option.name, option.description, option.valueName});
     for (const NumberOption& option : NumberOptions)
         parser.addOption(
-            {QLatin1String(option.name), QLatin1String(option.description), QLatin1String(option.valueName)});
-    parser.addOption({QStringLiteral("with-personal-data"),
-                      QStringLiteral("With --report: leave names, ids and serial numbers as they are.")});
-    parser.addOption({QStringLiteral("json"), QStringLiteral("Write the robot's steps as JSON, one object a line.")});
-    parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")});
-    parser.addOption({{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Show the version.")});
+            {option.name, option.description, option.valueName});
+    parser.addOption({"with-personal-data", "With --report: leave names, ids and serial numbers as they are."});
+    parser.addOption({"json", "Write the robot's steps as JSON, one object a line."});
+    parser.addOption({{"h", "help"}, "Show this help."});
+    parser.addOption({{"v", "version"}, "Show the version."});
 }
 
 } // namespace
@@ -82,43 +81,41 @@ HostOptions HostOptions::parse(const QStringList& arguments, QString* error)
         *error = parser.errorText();
         return options;
     }
-    options.help = parser.isSet(QStringLiteral("help"));
-    options.version = parser.isSet(QStringLiteral("version"));
-    options.json = parser.isSet(QStringLiteral("json"));
-    options.personal = parser.isSet(QStringLiteral("with-personal-data"));
+    options.help = parser.isSet("help");
+    options.version = parser.isSet("version");
+    options.json = parser.isSet("json");
+    options.personal = parser.isSet("with-personal-data");
     for (const NumberOption& option : NumberOptions) {
-        const QString name = QLatin1String(option.name);
+        const QString name = option.name;
         if (!parser.isSet(name))
             continue;
         bool isNumber = false;
         options.*option.value = parser.value(name).toInt(&isNumber);
         if (!isNumber || options.*option.value < option.least || options.*option.value > option.most)
-            *error = QStringLiteral("--%1: '%2' isn't a whole number from %3 to %4")
+            *error = QString("--%1: '%2' isn't a whole number from %3 to %4")
                          .arg(name, parser.value(name), QString::number(option.least), QString::number(option.most));
-        else if (parser.isSet(QStringLiteral("log")))
-            *error = QStringLiteral("--%1 is for the log of the diagnostics, so --log excludes it").arg(name);
+        else if (parser.isSet("log"))
+            *error = QString("--%1 is for the log of the diagnostics, so --log excludes it").arg(name);
     }
     for (const ValueOption& option : ValueOptions) {
-        const QString name = QLatin1String(option.name);
+        const QString name = option.name;
         options.*option.value = parser.value(name);
         if (parser.isSet(name) && parser.value(name).isEmpty())
-            *error = QStringLiteral("--%1 needs a value").arg(name);
+            *error = QString("--%1 needs a value").arg(name);
         else if (parser.values(name).size() > 1)
-            *error = QStringLiteral("--%1 is given more than once").arg(name);
+            *error = QString("--%1 is given more than once").arg(name);
     }
     if (!parser.positionalArguments().isEmpty())
-        *error = QStringLiteral("unexpected argument '%1'").arg(parser.positionalArguments().constFirst());
+        *error = QString("unexpected argument '%1'").arg(parser.positionalArguments().constFirst());
     else if (options.robot.isEmpty() && (options.json || !options.pictures.isEmpty()))
-        *error = QStringLiteral("--json and --pictures need --robot");
+        *error = "--json and --pictures need --robot";
     else if (options.report.isEmpty() ? options.personal : !options.robot.isEmpty())
-        *error = options.personal ? QStringLiteral("--with-personal-data needs --report")
-                                  : QStringLiteral("--report and --robot exclude each other");
+        *error = options.personal ? "--with-personal-data needs --report" : "--report and --robot exclude each other";
     else if (!options.drive.isEmpty() && !options.simulation.isEmpty())
-        *error = QStringLiteral("--drive and --simulation exclude each other");
+        *error = "--drive and --simulation exclude each other";
     // A name that Qt doesn't know gives the C locale.
-    else if (!options.locale.isEmpty() && options.locale != QLatin1String("C") &&
-             QLocale(options.locale).language() == QLocale::C)
-        *error = QStringLiteral("--locale: there is no locale '%1'").arg(options.locale);
+    else if (!options.locale.isEmpty() && options.locale != "C" && QLocale(options.locale).language() == QLocale::C)
+        *error = QString("--locale: there is no locale '%1'").arg(options.locale);
     return options;
 }
 

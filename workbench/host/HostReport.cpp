@@ -28,7 +28,7 @@ constexpr int LogFields = 5;
 
 QByteArray lineOf(const QString& name, const QString& value)
 {
-    return (name + QLatin1String(": ") + value + QLatin1Char('\n')).toUtf8();
+    return (name + ": " + value + '\n').toUtf8();
 }
 
 /// The last lines of a file; nothing if it can't be read.
@@ -46,16 +46,16 @@ std::optional<QByteArray> endOf(const QString& path)
 /// Of a log's line the time stays, and what the programs write themselves.
 QByteArray anonymisedLog(const QByteArray& log, Anonymiser& words, Numbers numbers)
 {
-    QStringList lines = QString::fromUtf8(log.constData(), log.size()).split(QLatin1Char('\n'));
+    QStringList lines = QString::fromUtf8(log.constData(), log.size()).split('\n');
     for (QString& line : lines) {
-        const QString time = line.section(QLatin1Char('\t'), 0, 0);
+        const QString time = line.section('\t', 0, 0);
         // Written again, since much that isn't a record's time passes for a date, such as a birthday.
         const bool isRecord =
-            line.count(QLatin1Char('\t')) == LogFields - 1 &&
-            QDateTime::fromString(time, Qt::ISODateWithMs).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")) == time;
+            line.count('\t') == LogFields - 1 &&
+            QDateTime::fromString(time, Qt::ISODateWithMs).toString("yyyy-MM-ddTHH:mm:ss.zzz") == time;
         line = isRecord ? time + words.scrub(line.mid(time.size()), numbers) : words.scrub(line, Numbers::Hide);
     }
-    return lines.join(QLatin1Char('\n')).toUtf8();
+    return lines.join('\n').toUtf8();
 }
 
 QByteArray recordingOf(const QVector<TrafficEntry>& entries, TrafficAnonymiser& anonymiser)
@@ -109,7 +109,7 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
             if (entries)
                 recordings.insert(name, *entries);
             else
-                m_missing.append(name + QLatin1String(" (gone or damaged, so what is personal in it can't be told)"));
+                m_missing.append(name + " (gone or damaged, so what is personal in it can't be told)");
             anonymiser.learn(recordings.value(name));
         }
     }
@@ -117,17 +117,16 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
     QVector<Member> result;
     const Numbers numbers = m_sources.unknown.isEmpty() ? Numbers::KeepShort : Numbers::Hide;
     if (words && numbers == Numbers::Hide)
-        m_missing.append(
-            QStringLiteral("all numbers of log and settings, since nobody could tell which are a patient's (%1)")
-                .arg(words->scrub(m_sources.unknown, numbers)));
+        m_missing.append(QString("all numbers of log and settings, since nobody could tell which are a patient's (%1)")
+                             .arg(words->scrub(m_sources.unknown, numbers)));
     for (const auto& [name, bytes] : qAsConst(logs)) {
         if (!bytes) {
-            m_missing.append((words ? words->scrub(name, numbers) : name) + QLatin1String(" (can't be read)"));
+            m_missing.append((words ? words->scrub(name, numbers) : name) + " (can't be read)");
             continue;
         }
         // The file's name may be the user's own.
-        const QString number = m_sources.logs.size() > 1 ? QStringLiteral("-%1").arg(result.size() + 1) : QString();
-        result.append({QStringLiteral("log/host%1.log").arg(number), QStringLiteral("log of the host and the plug-in"),
+        const QString number = m_sources.logs.size() > 1 ? QString("-%1").arg(result.size() + 1) : QString();
+        result.append({QString("log/host%1.log").arg(number), "log of the host and the plug-in",
                        words ? anonymisedLog(*bytes, *words, numbers) : *bytes});
     }
     for (const QString& name : names) {
@@ -135,10 +134,9 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
             continue;
         const auto bytes = words ? recordingOf(recordings.take(name), anonymiser) : endOf(traffic.filePath(name));
         if (bytes)
-            result.append({QStringLiteral("traffic/") + name,
-                           QStringLiteral("traffic of one run; play it with merivo-reader --replay"), *bytes});
+            result.append({"traffic/" + name, "traffic of one run; play it with merivo-reader --replay", *bytes});
         else
-            m_missing.append(name + QLatin1String(" (can't be read)"));
+            m_missing.append(name + " (can't be read)");
     }
     QByteArray versions, settings;
     for (const auto& [name, version] : m_sources.versions)
@@ -147,43 +145,42 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
         const bool isText = value.type() == QVariant::String;
         settings += lineOf(name, words && isText ? words->scrub(value.toString(), numbers) : value.toString());
     }
-    result.append({QStringLiteral("versions.txt"), QStringLiteral("programs and system"), versions});
-    result.append({QStringLiteral("settings.txt"), QStringLiteral("what the host runs with"), settings});
+    result.append({"versions.txt", "programs and system", versions});
+    result.append({"settings.txt", "what the host runs with", settings});
     return result;
 }
 
 QByteArray HostReport::contents(const QVector<Member>& members, bool withPersonalData) const
 {
-    QString text =
-        QStringLiteral("Report of merivo-host, %1\n\n%2\n\n")
-            .arg(QDateTime::currentDateTime().toString(Qt::ISODate),
-                 withPersonalData ? QStringLiteral("It HOLDS PERSONAL DATA: names, ids, serial numbers, paths.")
-                                  : QStringLiteral("Personal data is replaced: the same word by the same other word."));
+    QString text = QString("Report of merivo-host, %1\n\n%2\n\n")
+                       .arg(QDateTime::currentDateTime().toString(Qt::ISODate),
+                            withPersonalData ? "It HOLDS PERSONAL DATA: names, ids, serial numbers, paths."
+                                             : "Personal data is replaced: the same word by the same other word.");
     for (const Member& member : members)
-        text += QStringLiteral("%1  %2 bytes  %3\n").arg(member.name).arg(member.bytes.size()).arg(member.purpose);
-    text += QStringLiteral("\nNot in it: the patient database, its GUID, keys, the bytes of large exchange files%1.\n")
-                .arg(withPersonalData ? QString() : QStringLiteral(" or of any other"));
+        text += QString("%1  %2 bytes  %3\n").arg(member.name).arg(member.bytes.size()).arg(member.purpose);
+    text += QString("\nNot in it: the patient database, its GUID, keys, the bytes of large exchange files%1.\n")
+                .arg(withPersonalData ? QString() : " or of any other");
     for (const QString& missing : m_missing)
-        text += QStringLiteral("Missing: %1\n").arg(missing);
+        text += QString("Missing: %1\n").arg(missing);
     return text.toUtf8();
 }
 
 bool HostReport::save(const QString& path, bool withPersonalData, QString* sentence)
 {
     const auto refuse = [&](const QString& what) {
-        *sentence = QStringLiteral("The report '%1' wasn't written: %2.").arg(QDir::toNativeSeparators(path), what);
+        *sentence = QString("The report '%1' wasn't written: %2.").arg(QDir::toNativeSeparators(path), what);
         return false;
     };
     if (QFileInfo::exists(path))
-        return refuse(QStringLiteral("there is a file or folder of that name"));
+        return refuse("there is a file or folder of that name");
     if (!QFileInfo(QFileInfo(path).path()).isDir())
-        return refuse(QStringLiteral("there is no such folder"));
+        return refuse("there is no such folder");
     // Writes beside the file and moves it there at the end.
     KZip archive(path);
     if (!archive.open(QIODevice::WriteOnly))
         return refuse(archive.errorString());
     const QVector<Member> parts = members(withPersonalData);
-    bool isWhole = archive.writeFile(QStringLiteral("contents.txt"), contents(parts, withPersonalData));
+    bool isWhole = archive.writeFile("contents.txt", contents(parts, withPersonalData));
     for (auto part = parts.cbegin(); isWhole && part != parts.cend(); ++part)
         isWhole = archive.writeFile(part->name, part->bytes);
     const QString error = archive.errorString();
@@ -192,10 +189,9 @@ bool HostReport::save(const QString& path, bool withPersonalData, QString* sente
         QFile::remove(path);
         return refuse(error.isEmpty() ? archive.errorString() : error);
     }
-    *sentence = QStringLiteral("The report '%1' was written: %2 files, %3; %4.")
+    *sentence = QString("The report '%1' was written: %2 files, %3; %4.")
                     .arg(QDir::toNativeSeparators(path), QString::number(parts.size() + 1),
                          QLocale::c().formattedDataSize(QFileInfo(path).size()),
-                         withPersonalData ? QStringLiteral("it holds personal data")
-                                          : QStringLiteral("personal data is replaced"));
+                         withPersonalData ? "it holds personal data" : "personal data is replaced");
     return true;
 }

@@ -66,12 +66,12 @@ QString nameOf(const PatientRecord& patient)
 {
     QStringList parts{patient.ids.value(0), patient.ids.value(1)};
     parts.removeAll(QString());
-    return parts.join(QLatin1String(", "));
+    return parts.join(", ");
 }
 
 QString birthdayOf(const PatientRecord& patient)
 {
-    const QDate date = QDate::fromString(patient.ids.value(2), QStringLiteral("yyyy-MM-dd"));
+    const QDate date = QDate::fromString(patient.ids.value(2), "yyyy-MM-dd");
     return date.isValid() ? shownDate(date) : patient.ids.value(2);
 }
 
@@ -354,15 +354,14 @@ void HostWindow::refreshDiary()
     QStringList details{birthdayOf(patient), patient.ids.value(3), patient.puid};
     details.removeAll(QString());
     diaryName->setToolTip(diaryName->text());
-    diaryDetails->setText(m_events.isOpen() ? details.join(QStringLiteral("  \u00b7  "))
-                                            : tr("Select a patient and open the diary."));
+    diaryDetails->setText(m_events.isOpen() ? details.join("  \u00b7  ") : tr("Select a patient and open the diary."));
     m_imports.removeRows(0, m_imports.rowCount());
     const QVector<ImportFacts> imports = m_database.imports(patient.puid);
     const bool isRead = !reportDatabaseError();
     for (const ImportFacts& facts : imports) {
         const QDateTime importedAt = facts.importedAt.toLocalTime();
-        m_imports.appendRow(rowOf({shownDate(importedAt.date()) + importedAt.toString(QStringLiteral(" hh:mm")),
-                                   facts.fileName, QLocale::c().formattedDataSize(facts.fileSize),
+        m_imports.appendRow(rowOf({shownDate(importedAt.date()) + importedAt.toString(" hh:mm"), facts.fileName,
+                                   QLocale::c().formattedDataSize(facts.fileSize),
                                    tr("verified, %1").arg(facts.deviceState), facts.mac}));
     }
     fitColumns(importTable, 26);

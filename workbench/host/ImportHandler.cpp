@@ -29,13 +29,13 @@ QString channelOf(ImportOutcome::Kind kind)
 {
     switch (kind) {
     case ImportOutcome::Stored:
-        return QStringLiteral("Info");
+        return "Info";
     case ImportOutcome::Repeated:
-        return QStringLiteral("Warning");
+        return "Warning";
     case ImportOutcome::Refused:
         break;
     }
-    return QStringLiteral("Error");
+    return "Error";
 }
 
 /// Returns the MAC that the import of a file with these bytes must have, as lower-case hexadecimal text.
@@ -69,7 +69,7 @@ bool ImportHandler::execute(ICommand* command)
         // Only an import can be freed through its interface; of any other command the class isn't known here.
         outcome = refused(tr("A command of type %1 isn't carried out by this host.").arg(command->type()));
     }
-    m_log.write(QStringLiteral("host"), channelOf(outcome.kind), outcome.sentence);
+    m_log.write("host", channelOf(outcome.kind), outcome.sentence);
     Q_EMIT finished(outcome);
     m_events.publishImport(outcome.kind != ImportOutcome::Refused);
     return outcome.kind != ImportOutcome::Refused;
@@ -105,8 +105,8 @@ ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
     if (earlier) {
         return {ImportOutcome::Repeated,
                 tr("'%1' holds what was imported on %2 as '%3' already for the patient '%4'; nothing was stored again.")
-                    .arg(name, earlier->importedAt.toLocalTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")),
-                         earlier->fileName, patient->puid)};
+                    .arg(name, earlier->importedAt.toLocalTime().toString("yyyy-MM-dd hh:mm:ss"), earlier->fileName,
+                         patient->puid)};
     }
     ImportFacts facts;
     facts.puid = patient->puid;
@@ -125,8 +125,8 @@ ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
 QString ImportHandler::deviceState() const
 {
     if (m_isSimulation)
-        return QStringLiteral("simulation");
+        return "simulation";
     if (!m_deviceAdmin.isReaderThere())
-        return QStringLiteral("no reader");
-    return m_deviceAdmin.isHeld() ? QStringLiteral("reader held") : QStringLiteral("reader");
+        return "no reader";
+    return m_deviceAdmin.isHeld() ? "reader held" : "reader";
 }

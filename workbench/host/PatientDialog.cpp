@@ -49,7 +49,7 @@ QString PatientDialog::whatIsMissing() const
         return tr("Please enter the family name.");
     const QString birthdayText = record.ids.at(2);
     if (!birthdayText.isEmpty()) {
-        const QDate date = QDate::fromString(birthdayText, QStringLiteral("yyyy-MM-dd"));
+        const QDate date = QDate::fromString(birthdayText, "yyyy-MM-dd");
         if (!date.isValid() || date > QDate::currentDate())
             return tr("The birthday must be a past day such as 1970-02-28, or empty.");
     }

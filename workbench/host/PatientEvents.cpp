@@ -17,7 +17,7 @@ public:
     QStringList pids() const override { return m_patient.ids; }
     QString pid(int index) const override { return m_patient.ids.value(index); }
     QString patientText0() const override { return {}; }
-    QString diaryName() const override { return QStringLiteral("%1.dia").arg(m_patient.puid); }
+    QString diaryName() const override { return QString("%1.dia").arg(m_patient.puid); }
     QString patientText1() const override { return {}; }
     QString patientText2() const override { return {}; }
 

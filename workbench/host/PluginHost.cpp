@@ -16,7 +16,7 @@ namespace {
 
 QString interfaceIdOf(const QPluginLoader& loader)
 {
-    return loader.metaData().value(QLatin1String("IID")).toString();
+    return loader.metaData().value("IID").toString();
 }
 
 } // namespace
@@ -34,7 +34,7 @@ QString PluginHost::defaultLibrary()
 {
     const QDir program(QCoreApplication::applicationDirPath());
     for (const char* place : {".", MERIVO_HOST_PLUGIN_FOLDER, "../../plugin"}) {
-        const QDir folder(program.filePath(QLatin1String(place)));
+        const QDir folder(program.filePath(place));
         const QFileInfoList files = folder.entryInfoList({QLatin1String("*" MERIVO_PLUGIN_NAME ".*")}, QDir::Files);
         for (const QFileInfo& file : files)
             if (QLibrary::isLibrary(file.fileName()))
@@ -49,37 +49,37 @@ bool PluginHost::load(const QString& library, IExtensionRegistry* registry, cons
     unload();
     const QFileInfo file(library);
     if (!file.isFile()) {
-        *error = QStringLiteral("plug-in '%1': there is no such file").arg(library);
+        *error = QString("plug-in '%1': there is no such file").arg(library);
         return false;
     }
     m_loader.setFileName(file.absoluteFilePath());
     if (m_loader.metaData().isEmpty()) {
-        *error = QStringLiteral("plug-in '%1': not a plug-in library of Qt %2").arg(library, QLatin1String(qVersion()));
+        *error = QString("plug-in '%1': not a plug-in library of Qt %2").arg(library, QLatin1String(qVersion()));
         return false;
     }
-    if (interfaceIdOf(m_loader) != QLatin1String(MERIVO_PLUGIN_IID)) {
-        *error = QStringLiteral("plug-in '%1': has the interface id \"%2\", this host takes \"%3\" alone")
-                     .arg(library, interfaceIdOf(m_loader), QLatin1String(MERIVO_PLUGIN_IID));
+    if (interfaceIdOf(m_loader) != MERIVO_PLUGIN_IID) {
+        *error = QString("plug-in '%1': has the interface id \"%2\", this host takes \"%3\" alone")
+                     .arg(library, interfaceIdOf(m_loader), MERIVO_PLUGIN_IID);
         return false;
     }
     QObject* instance = m_loader.instance();
     if (!instance) {
-        *error = QStringLiteral("plug-in '%1': %2").arg(library, m_loader.errorString());
+        *error = QString("plug-in '%1': %2").arg(library, m_loader.errorString());
         return false;
     }
     m_plugin = qobject_cast<IPlugin*>(instance);
     if (!m_plugin) {
-        *error = QStringLiteral("plug-in '%1': its object isn't of the interface that its metadata names").arg(library);
+        *error = QString("plug-in '%1': its object isn't of the interface that its metadata names").arg(library);
         unload();
         return false;
     }
 
     m_plugin->setExtensionRegistry(registry);
     // A file of its own, so that nothing of an earlier run or of the user's other settings comes in.
-    QSettings settings(m_settingsFolder.filePath(QStringLiteral("plugin.ini")), QSettings::IniFormat);
+    QSettings settings(m_settingsFolder.filePath("plugin.ini"), QSettings::IniFormat);
     if (!simulationPath.isEmpty()) {
-        settings.setValue(QStringLiteral("EnableSimulation"), QStringLiteral("true"));
-        settings.setValue(QStringLiteral("SimulationPath"), simulationPath);
+        settings.setValue("EnableSimulation", "true");
+        settings.setValue("SimulationPath", simulationPath);
     }
     m_plugin->initialize(settings, file.absoluteDir());
     m_plugin->installTranslator();

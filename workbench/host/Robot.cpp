@@ -59,9 +59,9 @@ QString textOfKey(int key)
     switch (key) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        return QStringLiteral("\r");
+        return "\r";
     case Qt::Key_Tab:
-        return QStringLiteral("\t");
+        return "\t";
     default:
         return key < Qt::Key_Escape ? QString(QChar(key)).toLower() : QString();
     }
@@ -109,7 +109,7 @@ Robot::Robot(HostApplication& host, const RobotScript& script, const RobotOption
 {
     for (const RobotStep& step : script.steps())
         m_hangMessages.append(
-            QStringLiteral("merivo-host: %1: the event loop doesn't turn any more at the step: %2; the run was ended")
+            QString("merivo-host: %1: the event loop doesn't turn any more at the step: %2; the run was ended")
                 .arg(step.place, step.text)
                 .toLocal8Bit());
     m_timer.setInterval(TickEvery);
@@ -142,7 +142,7 @@ void Robot::tick()
     m_clock.restart();
     ++m_index;
     if (outcome.kind == Outcome::Failed)
-        m_failure = QStringLiteral("%1: step failed: %2: %3").arg(step.place, step.text, outcome.seen);
+        m_failure = QString("%1: step failed: %2: %3").arg(step.place, step.text, outcome.seen);
     if (m_failure.isEmpty() && m_index < m_script.steps().size())
         return;
     m_timer.stop();
@@ -154,19 +154,19 @@ void Robot::tick()
 void Robot::report(const RobotStep& step, const Outcome& outcome, qint64 milliseconds) const
 {
     const bool isDone = outcome.kind == Outcome::Done;
-    QJsonObject object{{QStringLiteral("step"), m_index + 1},
-                       {QStringLiteral("line"), step.line},
-                       {QStringLiteral("text"), step.text},
-                       {QStringLiteral("outcome"), isDone ? QStringLiteral("ok") : QStringLiteral("failed")},
-                       {QStringLiteral("milliseconds"), milliseconds}};
-    QString line = QStringLiteral("%1  %2  %3 ms  %4")
+    QJsonObject object{{"step", m_index + 1},
+                       {"line", step.line},
+                       {"text", step.text},
+                       {"outcome", isDone ? "ok" : "failed"},
+                       {"milliseconds", milliseconds}};
+    QString line = QString("%1  %2  %3 ms  %4")
                        .arg(m_index + 1, 3)
-                       .arg(isDone ? QStringLiteral("ok    ") : QStringLiteral("FAILED"))
+                       .arg(isDone ? "ok    " : "FAILED")
                        .arg(milliseconds, 6)
                        .arg(step.text);
     if (!isDone) {
-        object.insert(QStringLiteral("seen"), outcome.seen);
-        line += QStringLiteral("\n     instead: %1").arg(outcome.seen);
+        object.insert("seen", outcome.seen);
+        line += QString("\n     instead: %1").arg(outcome.seen);
     }
     report(line, object);
 }
@@ -181,28 +181,28 @@ void Robot::report(const QString& line, const QJsonObject& object) const
 Robot::Outcome Robot::attempt(const RobotStep& step)
 {
     static const QHash<QString, Attempt> attempts{
-        {QStringLiteral("answer"), &Robot::answer},
-        {QStringLiteral("ask"), &Robot::ask},
-        {QStringLiteral("click"), &Robot::click},
-        {QStringLiteral("close"), &Robot::closeWindow},
-        {QStringLiteral("close-diary"), &Robot::closeDiary},
-        {QStringLiteral("drive"), &Robot::setDrive},
-        {QStringLiteral("expect"), &Robot::expect},
-        {QStringLiteral("key"), &Robot::pressKey},
-        {QStringLiteral("open"), &Robot::openDiary},
-        {QStringLiteral("patient"), &Robot::addPatient},
-        {QStringLiteral("pause"), &Robot::pause},
-        {QStringLiteral("picture"), &Robot::takePicture},
-        {QStringLiteral("quit"), &Robot::quit},
-        {QStringLiteral("row"), &Robot::selectRow},
-        {QStringLiteral("trigger"), &Robot::trigger},
-        {QStringLiteral("type"), &Robot::type},
-        {QStringLiteral("wait"), &Robot::waitFor},
+        {"answer", &Robot::answer},
+        {"ask", &Robot::ask},
+        {"click", &Robot::click},
+        {"close", &Robot::closeWindow},
+        {"close-diary", &Robot::closeDiary},
+        {"drive", &Robot::setDrive},
+        {"expect", &Robot::expect},
+        {"key", &Robot::pressKey},
+        {"open", &Robot::openDiary},
+        {"patient", &Robot::addPatient},
+        {"pause", &Robot::pause},
+        {"picture", &Robot::takePicture},
+        {"quit", &Robot::quit},
+        {"row", &Robot::selectRow},
+        {"trigger", &Robot::trigger},
+        {"type", &Robot::type},
+        {"wait", &Robot::waitFor},
     };
     if (m_isPosted) {
         if (m_isDelivered)
             return {};
-        return waiting(QStringLiteral("the input doesn't arrive; ") + WidgetFinder::describeWindows());
+        return waiting("the input doesn't arrive; " + WidgetFinder::describeWindows());
     }
     return (this->*attempts.value(step.verb))(step);
 }
@@ -224,23 +224,21 @@ Robot::Outcome Robot::ask(const RobotStep& step)
 {
     if (m_isAsked) {
         if (!m_answer)
-            return waiting(QStringLiteral("nobody answers on standard input"));
+            return waiting("nobody answers on standard input");
         m_isAsked = false;
         const QString answer = *std::exchange(m_answer, std::nullopt);
-        return answer == QLatin1String("ok") ? Outcome() : failed(QStringLiteral("the answer is '%1'").arg(answer));
+        return answer == "ok" ? Outcome() : failed(QString("the answer is '%1'").arg(answer));
     }
     QString text;
     if (step.words.size() > 1) {
         const QWidget* widget = WidgetFinder::widget(step.words.at(1));
         if (!widget || !widget->isVisible())
-            return waiting(QStringLiteral("'%1' isn't shown; ").arg(step.words.at(1)) +
-                           WidgetFinder::describeWindows());
+            return waiting(QString("'%1' isn't shown; ").arg(step.words.at(1)) + WidgetFinder::describeWindows());
         text = WidgetFinder::textOf(widget);
     }
     const QString diary = m_host.events().openPatient().puid;
-    report(
-        QStringLiteral("     asks: %1, diary '%2', text '%3'").arg(step.words.at(0), diary, text),
-        {{QStringLiteral("asks"), step.words.at(0)}, {QStringLiteral("diary"), diary}, {QStringLiteral("text"), text}});
+    report(QString("     asks: %1, diary '%2', text '%3'").arg(step.words.at(0), diary, text),
+           {{"asks", step.words.at(0)}, {"diary", diary}, {"text", text}});
     m_isAsked = true;
     readAnswer();
     return waiting({});
@@ -252,7 +250,7 @@ Robot::Outcome Robot::openDiary(const RobotStep& step)
     if (!m_host.database().errorText().isEmpty())
         return failed(m_host.database().errorText());
     if (!patient)
-        return failed(QStringLiteral("there is no patient '%1'").arg(step.words.at(0)));
+        return failed(QString("there is no patient '%1'").arg(step.words.at(0)));
     m_host.events().openDiary(*patient);
     return {};
 }
@@ -267,14 +265,14 @@ Robot::Outcome Robot::closeDiary(const RobotStep& step)
 Robot::Outcome Robot::setDrive(const RobotStep& step)
 {
     const QString folder = step.words.at(0);
-    m_host.deviceAdmin().setDrivePath(folder == QLatin1String("none") ? QString() : QDir(folder).absolutePath());
+    m_host.deviceAdmin().setDrivePath(folder == "none" ? QString() : QDir(folder).absolutePath());
     m_host.window().refresh();
     return {};
 }
 
 Robot::Outcome Robot::trigger(const RobotStep& step)
 {
-    const auto* menu = m_host.window().findChild<QMenu*>(QStringLiteral("deviceMenu"));
+    const auto* menu = m_host.window().findChild<QMenu*>("deviceMenu");
     QStringList titles;
     const QList<QAction*> actions = menu->actions();
     for (QAction* action : actions) {
@@ -282,14 +280,14 @@ Robot::Outcome Robot::trigger(const RobotStep& step)
         if (!step.words.isEmpty() && action->text() != step.words.at(0))
             continue;
         if (!action->isEnabled() || QApplication::activeModalWidget())
-            return waiting(QStringLiteral("the entry can't be reached; ") + WidgetFinder::describeWindows());
+            return waiting("the entry can't be reached; " + WidgetFinder::describeWindows());
         post([action = QPointer<QAction>(action)] {
             if (action)
                 action->trigger();
         });
         return waiting({});
     }
-    return failed(QStringLiteral("the menu has the entries: ") + titles.join(QStringLiteral(", ")));
+    return failed("the menu has the entries: " + titles.join(", "));
 }
 
 Robot::Outcome Robot::click(const RobotStep& step)
@@ -311,8 +309,7 @@ Robot::Outcome Robot::selectRow(const RobotStep& step)
         return outcome;
     const QModelIndex cell = cellOf(view, step.words.at(1));
     if (!cell.isValid())
-        return waiting(
-            QStringLiteral("none of its %1 rows shows that").arg(view->model()->rowCount(view->rootIndex())));
+        return waiting(QString("none of its %1 rows shows that").arg(view->model()->rowCount(view->rootIndex())));
     view->scrollTo(cell);
     postClick(view->viewport(), view->visualRect(cell).center());
     return waiting({});
@@ -376,8 +373,7 @@ Robot::Outcome Robot::answer(const RobotStep& step)
     QWidget* box = QApplication::activeModalWidget();
     QAbstractButton* button = WidgetFinder::button(box, step.words.at(0));
     if (!button)
-        return failed(QStringLiteral("the box has no button '%1'; ").arg(step.words.at(0)) +
-                      WidgetFinder::describeWindows());
+        return failed(QString("the box has no button '%1'; ").arg(step.words.at(0)) + WidgetFinder::describeWindows());
     postClick(button, button->rect().center());
     return waiting({});
 }
@@ -390,17 +386,16 @@ Robot::Outcome Robot::takePicture(const RobotStep& step)
         if (!widget)
             widget = WidgetFinder::widget(step.words.at(1));
         if (!widget || !widget->isVisible())
-            return waiting(QStringLiteral("'%1' isn't shown; ").arg(step.words.at(1)) +
-                           WidgetFinder::describeWindows());
+            return waiting(QString("'%1' isn't shown; ").arg(step.words.at(1)) + WidgetFinder::describeWindows());
     }
     if (!widget)
         widget = &m_host.window();
-    const QDir folder(m_options.pictures.isEmpty() ? QStringLiteral(".") : m_options.pictures);
+    const QDir folder(m_options.pictures.isEmpty() ? "." : m_options.pictures);
     QString file = folder.filePath(step.words.at(0));
-    if (!file.endsWith(QLatin1String(".png")))
-        file += QLatin1String(".png");
+    if (!file.endsWith(".png"))
+        file += ".png";
     QDir().mkpath(QFileInfo(file).path());
-    return widget->grab().save(file, "PNG", 0) ? Outcome() : failed(QStringLiteral("'%1' can't be written").arg(file));
+    return widget->grab().save(file, "PNG", 0) ? Outcome() : failed(QString("'%1' can't be written").arg(file));
 }
 
 Robot::Outcome Robot::closeWindow(const RobotStep& step)
@@ -419,7 +414,7 @@ Robot::Outcome Robot::quit(const RobotStep& step)
 {
     Q_UNUSED(step)
     if (QApplication::activeModalWidget() || !m_host.window().close())
-        return waiting(QStringLiteral("the window stays open; ") + WidgetFinder::describeWindows());
+        return waiting("the window stays open; " + WidgetFinder::describeWindows());
     return {};
 }
 
@@ -439,27 +434,26 @@ Robot::Outcome Robot::expect(const RobotStep& step)
 Robot::Outcome Robot::checkCondition(const QStringList& words)
 {
     const QString& subject = words.at(0);
-    if (subject == QLatin1String("box"))
+    if (subject == "box")
         return checkBox(words, 1);
     const QString& object = words.at(1);
-    if (subject == QLatin1String("dialog")) {
+    if (subject == "dialog") {
         const bool isOpen = WidgetFinder::window(object) != nullptr;
-        return isOpen == (words.at(2) == QLatin1String("open")) ? Outcome() : waiting(WidgetFinder::describeWindows());
+        return isOpen == (words.at(2) == "open") ? Outcome() : waiting(WidgetFinder::describeWindows());
     }
-    if (subject == QLatin1String("imports")) {
+    if (subject == "imports") {
         const QString puid = words.size() > 2 ? words.at(2) : m_host.events().openPatient().puid;
         const int count = m_host.database().imports(puid).size();
         if (!m_host.database().errorText().isEmpty())
             return failed(m_host.database().errorText());
-        return count == object.toInt() ? Outcome()
-                                       : waiting(QStringLiteral("patient '%1' has %2").arg(puid).arg(count));
+        return count == object.toInt() ? Outcome() : waiting(QString("patient '%1' has %2").arg(puid).arg(count));
     }
-    if (subject == QLatin1String("diary")) {
-        const QString puid = m_host.events().isOpen() ? m_host.events().openPatient().puid : QStringLiteral("closed");
-        return puid == object ? Outcome() : waiting(QStringLiteral("the diary is: ") + puid);
+    if (subject == "diary") {
+        const QString puid = m_host.events().isOpen() ? m_host.events().openPatient().puid : "closed";
+        return puid == object ? Outcome() : waiting("the diary is: " + puid);
     }
-    if (subject == QLatin1String("log"))
-        return m_host.log().contains(object) ? Outcome() : waiting(QStringLiteral("no record of the log holds that"));
+    if (subject == "log")
+        return m_host.log().contains(object) ? Outcome() : waiting("no record of the log holds that");
     return checkWidget(words);
 }
 
@@ -467,48 +461,46 @@ Robot::Outcome Robot::checkWidget(const QStringList& words)
 {
     QWidget* widget = WidgetFinder::widget(words.at(0));
     if (!widget)
-        return waiting(QStringLiteral("there is no '%1'; ").arg(words.at(0)) + WidgetFinder::describeWindows());
+        return waiting(QString("there is no '%1'; ").arg(words.at(0)) + WidgetFinder::describeWindows());
     const QString& state = words.at(1);
-    if (state == QLatin1String("text")) {
+    if (state == "text") {
         const QString text = WidgetFinder::textOf(widget);
-        const bool isRight = words.at(2) == QLatin1String("equals") ? WidgetFinder::textEquals(text, words.at(3))
-                                                                    : WidgetFinder::textContains(text, words.at(3));
-        return isRight ? Outcome() : waiting(QStringLiteral("its text is '%1'").arg(text));
+        const bool isRight = words.at(2) == "equals" ? WidgetFinder::textEquals(text, words.at(3))
+                                                     : WidgetFinder::textContains(text, words.at(3));
+        return isRight ? Outcome() : waiting(QString("its text is '%1'").arg(text));
     }
-    if (state == QLatin1String("rows")) {
+    if (state == "rows") {
         const auto* view = qobject_cast<const QAbstractItemView*>(widget);
         if (!view)
-            return failed(QStringLiteral("'%1' has no rows").arg(words.at(0)));
+            return failed(QString("'%1' has no rows").arg(words.at(0)));
         const int rows = view->model() ? view->model()->rowCount(view->rootIndex()) : 0;
-        return rows == words.at(2).toInt() ? Outcome() : waiting(QStringLiteral("it has %1 rows").arg(rows));
+        return rows == words.at(2).toInt() ? Outcome() : waiting(QString("it has %1 rows").arg(rows));
     }
-    if (state == QLatin1String("page")) {
+    if (state == "page") {
         const auto* pages = qobject_cast<const QStackedWidget*>(widget);
         if (!pages)
-            return failed(QStringLiteral("'%1' has no pages").arg(words.at(0)));
+            return failed(QString("'%1' has no pages").arg(words.at(0)));
         const QString page = pages->currentWidget() ? pages->currentWidget()->objectName() : QString();
-        return page == words.at(2) ? Outcome() : waiting(QStringLiteral("its page is '%1'").arg(page));
+        return page == words.at(2) ? Outcome() : waiting(QString("its page is '%1'").arg(page));
     }
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     const bool isChecked = button && button->isChecked();
     const QHash<QString, bool> states{
-        {QStringLiteral("visible"), widget->isVisible()}, {QStringLiteral("hidden"), !widget->isVisible()},
-        {QStringLiteral("enabled"), widget->isEnabled()}, {QStringLiteral("disabled"), !widget->isEnabled()},
-        {QStringLiteral("checked"), isChecked},           {QStringLiteral("unchecked"), button && !isChecked},
-        {QStringLiteral("focused"), widget->hasFocus()},
+        {"visible", widget->isVisible()},   {"hidden", !widget->isVisible()}, {"enabled", widget->isEnabled()},
+        {"disabled", !widget->isEnabled()}, {"checked", isChecked},           {"unchecked", button && !isChecked},
+        {"focused", widget->hasFocus()},
     };
-    return states.value(state) ? Outcome() : waiting(QStringLiteral("it isn't %1").arg(state));
+    return states.value(state) ? Outcome() : waiting(QString("it isn't %1").arg(state));
 }
 
 Robot::Outcome Robot::checkBox(const QStringList& words, int from)
 {
     const auto* box = qobject_cast<const QMessageBox*>(QApplication::activeModalWidget());
     if (!box)
-        return waiting(QStringLiteral("no message box is open; ") + WidgetFinder::describeWindows());
+        return waiting("no message box is open; " + WidgetFinder::describeWindows());
     for (int i = from; i + 1 < words.size(); i += 2) {
-        const bool isRight = words.at(i) == QLatin1String("title")
-                                 ? box->windowTitle() == words.at(i + 1)
-                                 : WidgetFinder::textContains(box->text(), words.at(i + 1));
+        const bool isRight = words.at(i) == "title" ? box->windowTitle() == words.at(i + 1)
+                                                    : WidgetFinder::textContains(box->text(), words.at(i + 1));
         if (!isRight)
             return waiting(WidgetFinder::describeWindows());
     }
@@ -518,14 +510,14 @@ Robot::Outcome Robot::checkBox(const QStringList& words, int from)
 Robot::Outcome Robot::reachable(QWidget* widget, const QString& name)
 {
     if (!widget)
-        return waiting(QStringLiteral("there is no such '%1'; ").arg(name) + WidgetFinder::describeWindows());
+        return waiting(QString("there is no such '%1'; ").arg(name) + WidgetFinder::describeWindows());
     if (!widget->isVisible())
-        return waiting(QStringLiteral("'%1' is hidden; ").arg(name) + WidgetFinder::describeWindows());
+        return waiting(QString("'%1' is hidden; ").arg(name) + WidgetFinder::describeWindows());
     if (!widget->isEnabled())
-        return waiting(QStringLiteral("'%1' is disabled; ").arg(name) + WidgetFinder::describeWindows());
+        return waiting(QString("'%1' is disabled; ").arg(name) + WidgetFinder::describeWindows());
     const QWidget* modal = QApplication::activeModalWidget();
     if (modal && widget->window() != modal)
-        return waiting(QStringLiteral("'%1' is behind a modal window; ").arg(name) + WidgetFinder::describeWindows());
+        return waiting(QString("'%1' is behind a modal window; ").arg(name) + WidgetFinder::describeWindows());
     return {};
 }
 

@@ -27,7 +27,7 @@ QAbstractButton* standardButton(const Box* box, const QString& name)
 QAbstractButton* buttonByText(const QList<QAbstractButton*>& buttons, const QString& text)
 {
     for (QAbstractButton* candidate : buttons)
-        if (candidate->text().remove(QLatin1Char('&')) == text)
+        if (candidate->text().remove('&') == text)
             return candidate;
     return nullptr;
 }
@@ -91,7 +91,7 @@ QWidget* WidgetFinder::window(const QString& name)
 
 QWidget* WidgetFinder::widget(const QString& path)
 {
-    const QStringList names = path.split(QLatin1Char('/'));
+    const QStringList names = path.split('/');
     QWidget* found = nullptr;
     for (int i = 0; i < names.size(); ++i) {
         const QString& name = names.at(i);
@@ -149,12 +149,11 @@ QString WidgetFinder::describeWindows()
     for (const QWidget* candidate : windows) {
         if (!candidate->isVisible() || !candidate->isWindow())
             continue;
-        QString part = QStringLiteral("%1 '%2'").arg(QLatin1String(candidate->metaObject()->className()),
-                                                     candidate->windowTitle());
+        QString part =
+            QString("%1 '%2'").arg(QLatin1String(candidate->metaObject()->className()), candidate->windowTitle());
         if (const auto* box = qobject_cast<const QMessageBox*>(candidate))
-            part += QStringLiteral(" with text '%1'").arg(withoutMarkUp(box->text()));
+            part += QString(" with text '%1'").arg(withoutMarkUp(box->text()));
         parts.append(part);
     }
-    return parts.isEmpty() ? QStringLiteral("no window is open")
-                           : QStringLiteral("open: ") + parts.join(QStringLiteral(", "));
+    return parts.isEmpty() ? "no window is open" : "open: " + parts.join(", ");
 }

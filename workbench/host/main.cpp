@@ -41,16 +41,16 @@ void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
         earlyMessages.append(text);
         return;
     }
-    const QString channel = type == QtInfoMsg ? QStringLiteral("Info") : QStringLiteral("Warning");
+    const QString channel = type == QtInfoMsg ? "Info" : "Warning";
     QMetaObject::invokeMethod(
-        hostLog, [channel, text] { hostLog->write(QStringLiteral("Qt"), channel, text); }, Qt::QueuedConnection);
+        hostLog, [channel, text] { hostLog->write("Qt", channel, text); }, Qt::QueuedConnection);
 }
 
 int showText(int& argc, char** argv, const HostOptions& options)
 {
     const QCoreApplication application(argc, argv);
-    const QString text = options.help ? HostOptions::helpText()
-                                      : QStringLiteral("merivo-host %1\n").arg(QLatin1String(MERIVO_PLUGIN_VERSION));
+    const QString text =
+        options.help ? HostOptions::helpText() : QString("merivo-host %1\n").arg(MERIVO_PLUGIN_VERSION);
     std::fputs(qPrintable(text), stdout);
     return Success;
 }
@@ -64,10 +64,10 @@ int main(int argc, char** argv)
         arguments.append(QString::fromLocal8Bit(argv[i]));
     QString error;
     const HostOptions options = HostOptions::parse(arguments, &error);
-    if (error.endsWith(QLatin1Char('.'))) // as Qt's own sentences do
+    if (error.endsWith('.')) // as Qt's own sentences do
         error.chop(1);
     if (!error.isEmpty())
-        return report(WrongCall, error + QStringLiteral("; see --help"));
+        return report(WrongCall, error + "; see --help");
     if (options.help || options.version)
         return showText(argc, argv, options);
 
@@ -76,7 +76,7 @@ int main(int argc, char** argv)
         return report(Failure, error);
     if (Platform::isWithoutDisplay()) {
         if (options.robot.isEmpty() && options.report.isEmpty())
-            return report(Failure, QStringLiteral("there is no display for the window"));
+            return report(Failure, "there is no display for the window");
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     if (!options.locale.isEmpty())
@@ -85,16 +85,16 @@ int main(int argc, char** argv)
     qInstallMessageHandler(takeQtMessage);
     int onlyTheName = 1; // the rest are options of ours, of which Qt would take some for its own
     QApplication application(onlyTheName, argv);
-    QApplication::setApplicationName(QStringLiteral("merivo-host"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Merivo Host"));
-    QApplication::setApplicationVersion(QLatin1String(MERIVO_PLUGIN_VERSION));
+    QApplication::setApplicationName("merivo-host");
+    QApplication::setApplicationDisplayName("Merivo Host");
+    QApplication::setApplicationVersion(MERIVO_PLUGIN_VERSION);
     // Plug-ins mark what shall stand out and leave the looks to the application.
-    application.setStyleSheet(QStringLiteral("QLabel[HighlightFont=\"true\"] { font-weight: bold; }"
-                                             "QLabel[BigSizeFont=\"true\"] { font-size: 16pt; }"));
+    application.setStyleSheet("QLabel[HighlightFont=\"true\"] { font-weight: bold; }"
+                              "QLabel[BigSizeFont=\"true\"] { font-size: 16pt; }");
 
     HostApplication host;
     for (const QString& text : qAsConst(earlyMessages))
-        host.log().write(QStringLiteral("Qt"), QStringLiteral("Warning"), text);
+        host.log().write("Qt", "Warning", text);
     if (!options.report.isEmpty()) {
         const bool isSaved = host.saveReport(options, &error);
         if (isSaved)

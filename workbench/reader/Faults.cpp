@@ -42,7 +42,7 @@ struct FaultEntry
         case FaultScope::ReadOut:
             break;
         }
-        return word == QLatin1String("BTREAD");
+        return word == "BTREAD";
     }
 };
 
@@ -56,9 +56,9 @@ const struct
 
 LeavingMoment momentOf(const QString& value)
 {
-    const QString word = value.section(QLatin1Char(','), 0, 0);
+    const QString word = value.section(',', 0, 0);
     const auto found = std::find_if(std::begin(Moments), std::end(Moments),
-                                    [&](const auto& entry) { return word == QLatin1String(entry.word); });
+                                    [&](const auto& entry) { return word == entry.word; });
     return found == std::end(Moments) ? LeavingMoment::Never : found->moment;
 }
 
@@ -66,7 +66,7 @@ void leave(Behaviour& behaviour, const QString& value, bool wholeDrive)
 {
     behaviour.leavesAt = momentOf(value);
     behaviour.leavesWhole = wholeDrive;
-    behaviour.awayMs = value.section(QLatin1Char(','), 1).toInt();
+    behaviour.awayMs = value.section(',', 1).toInt();
 }
 
 const FaultEntry Catalogue[] = {
@@ -169,19 +169,19 @@ QString objectionTo(FaultValue kind, const QString& value)
 {
     switch (kind) {
     case FaultValue::None:
-        return QStringLiteral("takes no value");
+        return "takes no value";
     case FaultValue::Number:
-        return isCount(value) ? QString() : QStringLiteral("the value must be a whole number, 1 or above");
+        return isCount(value) ? QString() : "the value must be a whole number, 1 or above";
     case FaultValue::Text:
-        return value.isEmpty() ? QStringLiteral("the value is empty") : QString();
+        return value.isEmpty() ? "the value is empty" : QString();
     case FaultValue::Moment:
         break;
     }
-    const bool fits = momentOf(value) != LeavingMoment::Never &&
-                      (!value.contains(QLatin1Char(',')) || isCount(value.section(QLatin1Char(','), 1)));
+    const bool fits =
+        momentOf(value) != LeavingMoment::Never && (!value.contains(',') || isCount(value.section(',', 1)));
     return fits ? QString()
-                : QStringLiteral("the value must be command, running or done, with a comma and milliseconds behind it "
-                                 "for a drive that comes back");
+                : "the value must be command, running or done, with a comma and milliseconds behind it "
+                  "for a drive that comes back";
 }
 
 QString valueInCatalogue(const FaultEntry& entry)
@@ -189,47 +189,47 @@ QString valueInCatalogue(const FaultEntry& entry)
     if (entry.value == FaultValue::None)
         return {};
     if (entry.value == FaultValue::Moment)
-        return QStringLiteral("=MOMENT[,MS]");
-    const QString what = entry.value == FaultValue::Number ? QStringLiteral("N") : QStringLiteral("TEXT");
+        return "=MOMENT[,MS]";
+    const QString what = entry.value == FaultValue::Number ? "N" : "TEXT";
     if (!entry.fallback)
-        return QLatin1Char('=') + what;
+        return '=' + what;
     const QLatin1String fallback(entry.fallback);
-    return QStringLiteral("[=%1]").arg(fallback.size() == 0 ? what : QString(fallback));
+    return QString("[=%1]").arg(fallback.size() == 0 ? what : QString(fallback));
 }
 
 } // namespace
 
 bool FaultSet::add(const QString& text, QString* error)
 {
-    const QString once = QStringLiteral(":once");
+    const QString once = ":once";
     const bool strikesOnce = text.endsWith(once);
     const QString fault = strikesOnce ? text.chopped(once.size()) : text;
-    const int at = fault.lastIndexOf(QLatin1Char('@'));
+    const int at = fault.lastIndexOf('@');
     const QString command = at < 0 ? QString() : fault.mid(at + 1);
     const QString assignment = fault.left(at);
-    const QString name = assignment.section(QLatin1Char('='), 0, 0);
-    QString value = assignment.section(QLatin1Char('='), 1);
+    const QString name = assignment.section('=', 0, 0);
+    QString value = assignment.section('=', 1);
 
     const auto entry = std::find_if(std::begin(Catalogue), std::end(Catalogue),
-                                    [&](const FaultEntry& e) { return name == QLatin1String(e.name); });
+                                    [&](const FaultEntry& e) { return name == e.name; });
     const auto refuse = [&](const QString& why) {
-        *error = QStringLiteral("fault \"%1\": %2").arg(text, why);
+        *error = QString("fault \"%1\": %2").arg(text, why);
         return false;
     };
     if (entry == std::end(Catalogue))
-        return refuse(QStringLiteral("unknown; --list-faults names them all"));
+        return refuse("unknown; --list-faults names them all");
     if (at >= 0 && entry->scope == FaultScope::Start)
-        return refuse(QStringLiteral("can't be tied to a command"));
+        return refuse("can't be tied to a command");
     if (at >= 0 && !isCommandWord(command))
-        return refuse(QStringLiteral("unknown command \"%1\"").arg(command));
-    if (assignment.contains(QLatin1Char('='))) {
+        return refuse(QString("unknown command \"%1\"").arg(command));
+    if (assignment.contains('=')) {
         const QString objection = objectionTo(entry->value, value);
         if (!objection.isEmpty())
             return refuse(objection);
     } else if (!entry->fallback) {
-        return refuse(QStringLiteral("needs a value"));
+        return refuse("needs a value");
     } else {
-        value = QLatin1String(entry->fallback);
+        value = entry->fallback;
     }
     m_faults.append({entry, value, command, strikesOnce});
     return true;
@@ -254,11 +254,11 @@ QString FaultSet::catalogue()
 {
     QString text;
     for (const FaultEntry& entry : Catalogue) {
-        QString name = QLatin1String(entry.name) + valueInCatalogue(entry);
+        QString name = entry.name + valueInCatalogue(entry);
         if (entry.scope != FaultScope::Start)
-            name += QStringLiteral("[@COMMAND]");
-        name += QStringLiteral("[:once]");
-        text += QStringLiteral("%1 %2\n").arg(name, -48).arg(QLatin1String(entry.effect));
+            name += "[@COMMAND]";
+        name += "[:once]";
+        text += QString("%1 %2\n").arg(name, -48).arg(entry.effect);
     }
     return text;
 }

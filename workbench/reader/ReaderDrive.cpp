@@ -33,12 +33,12 @@ QString rename(const QString& from, const QString& to)
 
 QString awayOf(const QString& path)
 {
-    return path + QStringLiteral(".away");
+    return path + ".away";
 }
 
 QString folderAway(const QString& drivePath)
 {
-    return awayOf(drivePath + QStringLiteral("/.") + ReaderNames::Folder);
+    return awayOf(drivePath + "/." + ReaderNames::Folder);
 }
 
 } // namespace
@@ -58,8 +58,8 @@ ReaderDrive::ReaderDrive(const QString& path, QObject* parent)
 
 QString ReaderDrive::filePath(const QString& name) const
 {
-    const QString folder = m_path + QLatin1Char('/') + ReaderNames::Folder;
-    return name.isEmpty() ? folder : folder + QLatin1Char('/') + name;
+    const QString folder = m_path + '/' + ReaderNames::Folder;
+    return name.isEmpty() ? folder : folder + '/' + name;
 }
 
 bool ReaderDrive::open(QString* error)
@@ -67,19 +67,19 @@ bool ReaderDrive::open(QString* error)
     if (!comeBack(error))
         return false;
     if (!QFileInfo(m_path).isDir()) {
-        *error = QStringLiteral("%1: there is no such folder").arg(m_path);
+        *error = QString("%1: there is no such folder").arg(m_path);
         return false;
     }
     if (!QDir().mkpath(filePath())) {
-        *error = QStringLiteral("%1: the folder can't be made").arg(filePath());
+        *error = QString("%1: the folder can't be made").arg(filePath());
         return false;
     }
-    m_lock = std::make_unique<QLockFile>(m_path + QStringLiteral("/.merivo-reader.lock"));
+    m_lock = std::make_unique<QLockFile>(m_path + "/.merivo-reader.lock");
     m_lock->setStaleLockTime(0);
     if (!m_lock->tryLock()) {
         *error = m_lock->error() == QLockFile::LockFailedError
-                     ? QStringLiteral("%1: another reader serves this drive").arg(m_path)
-                     : QStringLiteral("%1: the drive can't be written").arg(m_path);
+                     ? QString("%1: another reader serves this drive").arg(m_path)
+                     : QString("%1: the drive can't be written").arg(m_path);
         return false;
     }
     return true;
@@ -134,21 +134,21 @@ bool ReaderDrive::writeInPlace(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
     return (file.open(QIODevice::WriteOnly) && Platform::writeThrough(file, bytes)) ||
-           fail(QStringLiteral("%1: %2").arg(path, file.errorString()));
+           fail(QString("%1: %2").arg(path, file.errorString()));
 }
 
 bool ReaderDrive::replaceFile(const QString& name, const QByteArray& bytes)
 {
     // QSaveFile would do the same, but it waits until the bytes are on the disk, which on a stick takes several ticks
     // of whoever polls the status.
-    const QString beside = filePath(name) + QStringLiteral(".new");
+    const QString beside = filePath(name) + ".new";
     return writeInPlace(beside, bytes) && moveInto(beside, name);
 }
 
 bool ReaderDrive::moveInto(const QString& from, const QString& name)
 {
     const QString trouble = rename(from, filePath(name));
-    return trouble.isEmpty() || fail(QStringLiteral("%1: %2").arg(filePath(name), trouble));
+    return trouble.isEmpty() || fail(QString("%1: %2").arg(filePath(name), trouble));
 }
 
 void ReaderDrive::removeFile(const QString& name)
@@ -189,7 +189,7 @@ bool ReaderDrive::goAway(bool wholeDrive)
     m_lock->unlock();
     const QString from = wholeDrive ? m_path : filePath();
     const QString trouble = rename(from, wholeDrive ? awayOf(m_path) : folderAway(m_path));
-    return trouble.isEmpty() || fail(QStringLiteral("%1: can't be taken away: %2").arg(from, trouble));
+    return trouble.isEmpty() || fail(QString("%1: can't be taken away: %2").arg(from, trouble));
 }
 
 /// Undoes goAway() and block(), also those of an earlier run.
@@ -203,7 +203,7 @@ bool ReaderDrive::comeBack(QString* error)
         QDir().rmdir(place);
         const QString trouble = rename(away, place);
         if (!trouble.isEmpty()) {
-            *error = QStringLiteral("%1: can't be brought back as %2: %3").arg(away, place, trouble);
+            *error = QString("%1: can't be brought back as %2: %3").arg(away, place, trouble);
             return false;
         }
     }
@@ -239,7 +239,7 @@ void ReaderDrive::onFileChanged(const QString& path)
 void ReaderDrive::look()
 {
     if (!QFileInfo(filePath()).isDir()) {
-        fail(QStringLiteral("%1: the folder has gone").arg(filePath()));
+        fail(QString("%1: the folder has gone").arg(filePath()));
         return;
     }
     keepBlocked();

@@ -67,7 +67,7 @@ public:
     void removeFile(const QString& name);
 
     QString commandPath() const { return filePath(ReaderNames::Command); }
-    QString triggerPath() const { return m_path + QLatin1Char('/') + ReaderNames::Trigger; }
+    QString triggerPath() const { return m_path + '/' + ReaderNames::Trigger; }
     /// Keeps an empty folder in the place of the file @p path, which so can't be written; for good with @p ms 0.
     void block(const QString& path, int ms);
 

@@ -6,7 +6,7 @@
 
 QByteArray statusText(const ReaderStatus& status)
 {
-    return QStringLiteral("%1\nCmd=%2\nStatus  = %3\nResult  = %4\nError code -%5.\n")
+    return QString("%1\nCmd=%2\nStatus  = %3\nResult  = %4\nError code -%5.\n")
         .arg(status.header, status.command, status.word, status.result,
              status.error == NoErrorCode ? QString() : QString::number(status.error))
         .toUtf8();
@@ -18,17 +18,16 @@ QByteArray deviceListXml(const QVector<Pump>& pumps)
     QXmlStreamWriter xml(&bytes);
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
-    xml.writeStartElement(QStringLiteral("DEVICELIST"));
+    xml.writeStartElement("DEVICELIST");
     for (const Pump& pump : pumps) {
-        xml.writeStartElement(QStringLiteral("DEVICE"));
-        xml.writeTextElement(QStringLiteral("CLASS"), QStringLiteral("PUMP"));
-        xml.writeTextElement(QStringLiteral("NAME"), pump.name);
-        xml.writeTextElement(QStringLiteral("MODELNR"), pump.model);
-        xml.writeTextElement(QStringLiteral("SERIALNR"), pump.serialNumber);
-        xml.writeStartElement(QStringLiteral("INTERFACE"));
-        xml.writeTextElement(QStringLiteral("BTADR"), pump.address);
-        xml.writeTextElement(QStringLiteral("PATIENT_ID"),
-                             pump.patientId.isEmpty() ? QStringLiteral("0") : pump.patientId);
+        xml.writeStartElement("DEVICE");
+        xml.writeTextElement("CLASS", "PUMP");
+        xml.writeTextElement("NAME", pump.name);
+        xml.writeTextElement("MODELNR", pump.model);
+        xml.writeTextElement("SERIALNR", pump.serialNumber);
+        xml.writeStartElement("INTERFACE");
+        xml.writeTextElement("BTADR", pump.address);
+        xml.writeTextElement("PATIENT_ID", pump.patientId.isEmpty() ? "0" : pump.patientId);
         xml.writeEndElement();
         xml.writeEndElement();
     }
@@ -39,11 +38,11 @@ QByteArray deviceListXml(const QVector<Pump>& pumps)
 
 QByteArray firmwareLogText(const QString& version)
 {
-    return QStringLiteral("QD17-C device reader\n"
-                          "Hardware revision C\n"
-                          "Boot loader version 1.4.0\n"
-                          "Radio module version 2.0.11\n"
-                          "Firmware version %1\n")
+    return QString("QD17-C device reader\n"
+                   "Hardware revision C\n"
+                   "Boot loader version 1.4.0\n"
+                   "Radio module version 2.0.11\n"
+                   "Firmware version %1\n")
         .arg(version)
         .toUtf8();
 }

@@ -16,14 +16,14 @@
 
 namespace {
 
-const QString Running = QStringLiteral("running");
-const QString Failed = QStringLiteral("failed");
-const QString Done = QStringLiteral("done");
-const QString NoPump = QStringLiteral("0");
+const QString Running = "running";
+const QString Failed = "failed";
+const QString Done = "done";
+const QString NoPump = "0";
 const int LongestSerialInName = 64;
 /// Behind the name of an exchange file that is being written.
-const QString Unfinished = QStringLiteral(".part");
-const QString SecondLog = ReaderNames::FirmwareLog + QStringLiteral(".1");
+const QString Unfinished = ".part";
+const QString SecondLog = ReaderNames::FirmwareLog + ".1";
 /// Longer than the pause between two reads of the status, so one of them has seen what a trigger brought to light.
 const int SeenAfterMs = 300;
 const int GrowEveryMs = 100;
@@ -31,7 +31,7 @@ const int GrowingPieces = 10;
 
 QString memoryFile(const ReaderDrive& drive)
 {
-    return drive.path() + QStringLiteral("/.merivo-reader.json");
+    return drive.path() + "/.merivo-reader.json";
 }
 
 QString exchangeName(const Pump& pump, int number)
@@ -39,8 +39,8 @@ QString exchangeName(const Pump& pump, int number)
     QString serial;
     // The number tells the files apart; a name has an end, a serial number hasn't.
     for (const QChar c : pump.serialNumber.left(LongestSerialInName))
-        serial += c.unicode() < 0x80 && c.isLetterOrNumber() ? c : QLatin1Char('-');
-    return QStringLiteral("I%1_%2.xml").arg(serial).arg(number, 4, 10, QLatin1Char('0'));
+        serial += c.unicode() < 0x80 && c.isLetterOrNumber() ? c : '-';
+    return QString("I%1_%2.xml").arg(serial).arg(number, 4, 10, QChar('0'));
 }
 
 void removeFiles(ReaderDrive& drive, const QString& filter)
@@ -90,7 +90,7 @@ bool ReaderSimulator::start(QString* error)
         return false;
     for (auto it = m_pairedBeforehand.cbegin(); it != m_pairedBeforehand.cend(); ++it) {
         if (!find(it.key())) {
-            *error = QStringLiteral("there is no pump \"%1\" to pair").arg(it.key());
+            *error = QString("there is no pump \"%1\" to pair").arg(it.key());
             return false;
         }
         tie(it.key(), it.value());
@@ -110,7 +110,7 @@ bool ReaderSimulator::start(QString* error)
     removeFiles(m_drive, ReaderNames::ExchangeFilter + Unfinished);
     showFirstStatus(behaviour.leftRunning);
     m_drive.listen();
-    Q_EMIT logged(QStringLiteral("firmware %1, start %2").arg(version).arg(m_memory.starts));
+    Q_EMIT logged(QString("firmware %1, start %2").arg(version).arg(m_memory.starts));
     return true;
 }
 
@@ -121,7 +121,7 @@ void ReaderSimulator::showFirstStatus(const QString& leftRunning)
         m_status = shown.readAll();
     if (leftRunning.isEmpty() && isRunning(m_status)) {
         // The reader has forgotten the command, but as long as nobody asks it for more, nothing rewrites the file.
-        Q_EMIT logged(QStringLiteral("left the status of a command that an earlier run didn't end"));
+        Q_EMIT logged("left the status of a command that an earlier run didn't end");
         return;
     }
     if (leftRunning.isEmpty()) {
@@ -136,7 +136,7 @@ void ReaderSimulator::showFirstStatus(const QString& leftRunning)
 
 void ReaderSimulator::showNoCommand()
 {
-    m_active = QStringLiteral("NONE");
+    m_active = "NONE";
     setStatus(Done, {}, 0);
     m_drive.showStatus();
     m_active.clear();
@@ -149,12 +149,12 @@ void ReaderSimulator::onCommandWritten(const QByteArray& bytes)
     if (command)
         begin(*command);
     else
-        Q_EMIT logged(QStringLiteral("refused a command file: ") + fault);
+        Q_EMIT logged("refused a command file: " + fault);
 }
 
 void ReaderSimulator::begin(const ReaderCommand& command)
 {
-    Q_EMIT logged(QStringLiteral("took %1").arg(command.word));
+    Q_EMIT logged(QString("took %1").arg(command.word));
     const bool isLeaving = m_isLeaving;
     dropCommand();
     if (isLeaving) {
@@ -181,7 +181,7 @@ void ReaderSimulator::begin(const ReaderCommand& command)
         return;
     }
     if (!m_behaviour.answers) {
-        Q_EMIT logged(QStringLiteral("leaves %1 unanswered, as the fault no-start says").arg(command.word));
+        Q_EMIT logged(QString("leaves %1 unanswered, as the fault no-start says").arg(command.word));
         return;
     }
 
@@ -209,7 +209,7 @@ void ReaderSimulator::dropCommand()
     m_isLeaving = false;
     m_exchange.reset();
     if (!m_active.isEmpty())
-        Q_EMIT logged(QStringLiteral("dropped %1, which hadn't ended").arg(m_active));
+        Q_EMIT logged(QString("dropped %1, which hadn't ended").arg(m_active));
     m_active.clear();
 }
 
@@ -239,7 +239,7 @@ void ReaderSimulator::onProgress()
     if (m_exchange)
         m_exchange->writeUpTo(part);
     if (m_behaviour.showsRunning)
-        setStatus(Running, QStringLiteral("%1%").arg(static_cast<int>(100 * part)), 0);
+        setStatus(Running, QString("%1%").arg(static_cast<int>(100 * part)), 0);
 }
 
 void ReaderSimulator::finish()
@@ -262,7 +262,7 @@ void ReaderSimulator::finish()
 void ReaderSimulator::giveUpAsAborted()
 {
     dropCommand();
-    m_active = QStringLiteral("ABORT");
+    m_active = "ABORT";
     setStatus(Done, {}, 0);
     m_active.clear();
 }
@@ -289,7 +289,7 @@ void ReaderSimulator::leave()
     m_isListSpoilt = false;
     if (!m_drive.goAway(m_behaviour.leavesWhole))
         return;
-    Q_EMIT logged(QStringLiteral("took the drive away"));
+    Q_EMIT logged("took the drive away");
     if (m_behaviour.awayMs > 0)
         m_return.start(m_behaviour.awayMs);
 }
@@ -401,7 +401,7 @@ ReaderSimulator::Plan ReaderSimulator::planRead(const ReaderCommand& command)
     const QString beside = m_drive.filePath(exchangeName(*pump, m_memory.readouts + 1)) + Unfinished;
     m_exchange = std::make_unique<ExchangeFile>(beside, *pump, m_scenario);
     if (!m_exchange->open())
-        fail(QStringLiteral("%1: %2").arg(beside, m_exchange->errorString()));
+        fail(QString("%1: %2").arg(beside, m_exchange->errorString()));
     return overLink(*pump, {m_scenario.times.read, 0, [this, pump = *pump] {
                                 return publishExchangeFile(pump);
                             }});
@@ -410,7 +410,7 @@ ReaderSimulator::Plan ReaderSimulator::planRead(const ReaderCommand& command)
 QString ReaderSimulator::publishExchangeFile(const Pump& pump)
 {
     if (!m_exchange->finish()) {
-        fail(QStringLiteral("%1: %2").arg(m_exchange->path(), m_exchange->errorString()));
+        fail(QString("%1: %2").arg(m_exchange->path(), m_exchange->errorString()));
         return {};
     }
     m_growth.stop();
@@ -441,7 +441,7 @@ void ReaderSimulator::beginToGrow(const QString& path)
 {
     QFile whole(m_exchange->path());
     if (!whole.open(QIODevice::ReadOnly)) {
-        fail(QStringLiteral("%1: %2").arg(whole.fileName(), whole.errorString()));
+        fail(QString("%1: %2").arg(whole.fileName(), whole.errorString()));
         return;
     }
     m_growingRest = whole.readAll();
@@ -457,7 +457,7 @@ void ReaderSimulator::growExchangeFile()
     const QByteArray piece = m_growingRest.left(m_growingPiece);
     m_growingRest.remove(0, m_growingPiece);
     if (!file.open(QIODevice::Append) || file.write(piece) != piece.size() || !file.flush())
-        fail(QStringLiteral("%1: %2").arg(m_growingFile, file.errorString()));
+        fail(QString("%1: %2").arg(m_growingFile, file.errorString()));
     if (m_growingRest.isEmpty())
         m_growth.stop();
 }
@@ -523,8 +523,8 @@ QVector<Pump> ReaderSimulator::listedPumps(int leastCount) const
                  [this](const Pump& pump) { return !pump.patientId.isEmpty() || m_seen.contains(pump.serialNumber); });
     while (listed.size() < leastCount) {
         Pump pump;
-        pump.serialNumber = QStringLiteral("FILL-%1").arg(listed.size(), 6, 10, QLatin1Char('0'));
-        pump.address = QStringLiteral("00:00:%1").arg(listed.size(), 8, 10, QLatin1Char('0'));
+        pump.serialNumber = QString("FILL-%1").arg(listed.size(), 6, 10, QChar('0'));
+        pump.address = QString("00:00:%1").arg(listed.size(), 8, 10, QChar('0'));
         listed.append(pump);
     }
     return listed;
@@ -566,9 +566,8 @@ void ReaderSimulator::setStatus(const QString& word, const QString& result, int 
     // Nothing else in the file would tell a second equal answer from the first.
     if (m_behaviour.changesHeader)
         ++m_statusCount;
-    const QString header = QStringLiteral("QD17-C RemoteControl File %1-%2")
-                               .arg(m_memory.starts, 4, 10, QLatin1Char('0'))
-                               .arg(m_statusCount, 6, 10, QLatin1Char('0'));
+    const QString header =
+        QString("QD17-C RemoteControl File %1-%2").arg(m_memory.starts, 4, 10, QChar('0')).arg(m_statusCount, 6, 10, QChar('0'));
     const QString command = m_behaviour.commandWord.isEmpty() ? m_active : m_behaviour.commandWord;
     const QString shown = m_behaviour.statusWord.isEmpty() ? word : m_behaviour.statusWord;
     QByteArray text =
@@ -584,7 +583,7 @@ void ReaderSimulator::setStatus(const QString& word, const QString& result, int 
         m_status = text;
         m_drive.setStatus(text, m_behaviour.manner);
     }
-    Q_EMIT logged(QStringLiteral("%1 %2, result \"%3\", error %4").arg(m_active, shown, result).arg(error));
+    Q_EMIT logged(QString("%1 %2, result \"%3\", error %4").arg(m_active, shown, result).arg(error));
 }
 
 int ReaderSimulator::duration(int milliseconds) const

@@ -30,11 +30,11 @@ bool isPatientId(const QString& patientId);
 struct Pump
 {
     QString serialNumber;
-    QString name = QStringLiteral("Cygnara");
-    QString model = QStringLiteral("M-300");
+    QString name = "Cygnara";
+    QString model = "M-300";
     QString address;
     /// What the pump shows for the user to compare, and BTPAIR answers.
-    QString confirmationCode = QStringLiteral("000000");
+    QString confirmationCode = "000000";
     bool inRange = true;
     /// A command that needs the link to the pump for longer loses it.
     int linkHoldsMs = std::numeric_limits<int>::max();
@@ -74,7 +74,7 @@ struct ExchangeSettings
 /// The reader's whole world.
 struct Scenario
 {
-    QString firmware = QStringLiteral("3.2.23");
+    QString firmware = "3.2.23";
     quint32 seed = 1;
     ReaderTimes times;
     ExchangeSettings exchange;

@@ -34,8 +34,7 @@ void TrafficReplay::start()
         const int at = entry.isCommand() && entry.bytes ? entry.bytes->indexOf(query) : -1;
         if (at < 0)
             continue;
-        Q_EMIT logged(
-            QStringLiteral("the patient is \"%1\"").arg(QString::fromUtf8(entry.bytes->mid(at + query.size()))));
+        Q_EMIT logged(QString("the patient is \"%1\"").arg(QString::fromUtf8(entry.bytes->mid(at + query.size()))));
         break;
     }
 }
@@ -56,13 +55,12 @@ void TrafficReplay::onCommandWritten(const QByteArray& bytes)
     const auto found = std::find_if(m_entries.cbegin() + m_next, m_entries.cend(), [&bytes](const TrafficEntry& entry) {
         return entry.isCommand() && entry.bytes == bytes;
     });
-    const QString command = QString::fromUtf8(bytes).section(QLatin1Char('\n'), 1);
+    const QString command = QString::fromUtf8(bytes).section('\n', 1);
     if (found == m_entries.cend()) {
-        Q_EMIT logged(
-            QStringLiteral("left \"%1\" unanswered: the recording has no such command from here on").arg(command));
+        Q_EMIT logged(QString("left \"%1\" unanswered: the recording has no such command from here on").arg(command));
         return;
     }
-    Q_EMIT logged(QStringLiteral("answers \"%1\" as recorded at %2 ms").arg(command).arg(found->ms));
+    Q_EMIT logged(QString("answers \"%1\" as recorded at %2 ms").arg(command).arg(found->ms));
     m_next = static_cast<int>(found - m_entries.cbegin()) + 1;
     waitForNext();
 }

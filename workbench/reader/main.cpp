@@ -38,7 +38,7 @@ void print(std::FILE* stream, const QString& line)
 
 int complain(ExitStatus status, const QString& what)
 {
-    print(stderr, QStringLiteral("merivo-reader: ") + what);
+    print(stderr, "merivo-reader: " + what);
     return status;
 }
 
@@ -49,38 +49,23 @@ int complain(ExitStatus status, const QStringList& faults)
     return status;
 }
 
-const QCommandLineOption ScenarioOption(QStringLiteral("scenario"),
-                                        QStringLiteral("Play the world that FILE describes."), QStringLiteral("FILE"));
-const QCommandLineOption CheckOption(QStringLiteral("check-scenario"),
-                                     QStringLiteral("Check the scenario file and end. Needs no DRIVE."));
-const QCommandLineOption FaultOption(QStringLiteral("fault"),
-                                     QStringLiteral("Misbehave: NAME[=VALUE][@COMMAND][:once]. Repeatable."),
-                                     QStringLiteral("FAULT"));
-const QCommandLineOption ListFaultsOption(QStringLiteral("list-faults"), QStringLiteral("Name all faults and end."));
-const QCommandLineOption PairOption(QStringLiteral("pair"),
-                                    QStringLiteral("Begin with this pump paired with this patient. Repeatable."),
-                                    QStringLiteral("SERIAL=PATIENT"));
-const QCommandLineOption InstantOption(QStringLiteral("instant"), QStringLiteral("Let no step take time."));
+const QCommandLineOption ScenarioOption("scenario", "Play the world that FILE describes.", "FILE");
+const QCommandLineOption CheckOption("check-scenario", "Check the scenario file and end. Needs no DRIVE.");
+const QCommandLineOption FaultOption("fault", "Misbehave: NAME[=VALUE][@COMMAND][:once]. Repeatable.", "FAULT");
+const QCommandLineOption ListFaultsOption("list-faults", "Name all faults and end.");
+const QCommandLineOption PairOption("pair", "Begin with this pump paired with this patient. Repeatable.",
+                                    "SERIAL=PATIENT");
+const QCommandLineOption InstantOption("instant", "Let no step take time.");
+const QCommandLineOption SeedOption("seed", "Draw everything that varies from N; the same N gives the same run.", "N");
+const QCommandLineOption RecordOption("record", "Write all traffic of the drive down in FILE, as JSON lines.", "FILE");
+const QCommandLineOption WatchOption("watch-only", "Record a drive that another reader serves; play nothing.");
+const QCommandLineOption ReplayOption("replay", "Answer as the reader did whose traffic FILE recorded.", "FILE");
 const QCommandLineOption
-    SeedOption(QStringLiteral("seed"),
-               QStringLiteral("Draw everything that varies from N; the same N gives the same run."),
-               QStringLiteral("N"));
-const QCommandLineOption RecordOption(QStringLiteral("record"),
-                                      QStringLiteral("Write all traffic of the drive down in FILE, as JSON lines."),
-                                      QStringLiteral("FILE"));
-const QCommandLineOption WatchOption(QStringLiteral("watch-only"),
-                                     QStringLiteral("Record a drive that another reader serves; play nothing."));
-const QCommandLineOption ReplayOption(QStringLiteral("replay"),
-                                      QStringLiteral("Answer as the reader did whose traffic FILE recorded."),
-                                      QStringLiteral("FILE"));
-const QCommandLineOption
-    AnonymiseOption(QStringLiteral("anonymise"),
-                    QStringLiteral("Write the recording FILE without personal data to a second one, named in place of "
-                                   "DRIVE, and end."),
-                    QStringLiteral("FILE"));
-const QCommandLineOption LogOption(QStringLiteral("log"),
-                                   QStringLiteral("Append what happens to FILE instead of standard error."),
-                                   QStringLiteral("FILE"));
+    AnonymiseOption("anonymise",
+                    "Write the recording FILE without personal data to a second one, named in place of "
+                    "DRIVE, and end.",
+                    "FILE");
+const QCommandLineOption LogOption("log", "Append what happens to FILE instead of standard error.", "FILE");
 
 /// The scenario with what the command line adds to it.
 int scenarioFor(const QCommandLineParser& parser, Scenario* scenario)
@@ -96,15 +81,14 @@ int scenarioFor(const QCommandLineParser& parser, Scenario* scenario)
         bool isNumber = false;
         scenario->seed = parser.value(SeedOption).toUInt(&isNumber);
         if (!isNumber)
-            return complain(
-                WrongCall,
-                QStringLiteral("--seed: \"%1\" isn't a whole number, 0 or above").arg(parser.value(SeedOption)));
+            return complain(WrongCall,
+                            QString("--seed: \"%1\" isn't a whole number, 0 or above").arg(parser.value(SeedOption)));
     }
     const QStringList faults = parser.values(FaultOption);
     for (const QString& fault : faults) {
         QString error;
         if (!scenario->faults.add(fault, &error))
-            return complain(WrongCall, QStringLiteral("--fault: ") + error);
+            return complain(WrongCall, "--fault: " + error);
     }
     return Success;
 }
@@ -113,7 +97,7 @@ int scenarioFor(const QCommandLineParser& parser, Scenario* scenario)
 void writeLog(LogFile& log, const QString& line)
 {
     const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
-    if (!log.write(QStringLiteral("%1 %2\n").arg(time, line).toUtf8()))
+    if (!log.write(QString("%1 %2\n").arg(time, line).toUtf8()))
         complain(Failure, log.errorText());
 }
 
@@ -124,27 +108,23 @@ int checkCall(const QCommandLineParser& parser)
         return std::any_of(options.begin(), options.end(), [&](const auto& option) { return parser.isSet(option); });
     };
     if (parser.isSet(WatchOption) && !parser.isSet(RecordOption))
-        return complain(WrongCall, QStringLiteral("--watch-only: needs --record"));
+        return complain(WrongCall, "--watch-only: needs --record");
     if (parser.isSet(WatchOption) &&
         isPlaying({ScenarioOption, FaultOption, PairOption, InstantOption, SeedOption, ReplayOption}))
-        return complain(WrongCall,
-                        QStringLiteral("--watch-only: plays nothing, so only --record and --log go with it"));
+        return complain(WrongCall, "--watch-only: plays nothing, so only --record and --log go with it");
     if (parser.isSet(ReplayOption) && isPlaying({ScenarioOption, FaultOption, PairOption, SeedOption}))
-        return complain(WrongCall,
-                        QStringLiteral("--replay: plays what was recorded, so no scenario, fault, pair or seed "
-                                       "goes with it"));
+        return complain(WrongCall, "--replay: plays what was recorded, so no scenario, fault, pair or seed "
+                                   "goes with it");
     if (parser.isSet(AnonymiseOption) && isPlaying({ScenarioOption, CheckOption, FaultOption, PairOption, InstantOption,
                                                     SeedOption, RecordOption, ReplayOption, LogOption}))
-        return complain(WrongCall,
-                        QStringLiteral("--anonymise: converts a recording, and no other option goes with it"));
+        return complain(WrongCall, "--anonymise: converts a recording, and no other option goes with it");
     if (parser.isSet(AnonymiseOption) && parser.positionalArguments().size() != 1)
-        return complain(WrongCall, QStringLiteral("--anonymise: exactly one file to write to expected; see --help"));
+        return complain(WrongCall, "--anonymise: exactly one file to write to expected; see --help");
     if (parser.positionalArguments().size() != (parser.isSet(CheckOption) ? 0 : 1))
-        return complain(WrongCall, parser.isSet(CheckOption)
-                                       ? QStringLiteral("--check-scenario: takes no DRIVE")
-                                       : QStringLiteral("exactly one DRIVE expected; see --help"));
+        return complain(WrongCall, parser.isSet(CheckOption) ? "--check-scenario: takes no DRIVE"
+                                                             : "exactly one DRIVE expected; see --help");
     if (parser.isSet(CheckOption) && !parser.isSet(ScenarioOption))
-        return complain(WrongCall, QStringLiteral("--check-scenario: needs --scenario"));
+        return complain(WrongCall, "--check-scenario: needs --scenario");
     return Success;
 }
 
@@ -170,7 +150,7 @@ int playRecording(const QCommandLineParser& parser, ReaderDrive& drive, LogFile&
     QObject::connect(&replay, &TrafficReplay::logged, qApp, [&log](const QString& line) { writeLog(log, line); });
     QObject::connect(&replay, &TrafficReplay::failed, qApp, giveUp, Qt::QueuedConnection);
     replay.start();
-    return serve(QStringLiteral("merivo-reader: replaying on %1").arg(drive.path()));
+    return serve(QString("merivo-reader: replaying on %1").arg(drive.path()));
 }
 
 int playScenario(const QCommandLineParser& parser, const Scenario& scenario, ReaderDrive& drive, LogFile& log)
@@ -180,22 +160,22 @@ int playScenario(const QCommandLineParser& parser, const Scenario& scenario, Rea
     QObject::connect(&reader, &ReaderSimulator::failed, qApp, giveUp, Qt::QueuedConnection);
     const QStringList pairs = parser.values(PairOption);
     for (const QString& pair : pairs) {
-        const QString serialNumber = pair.section(QLatin1Char('='), 0, 0);
-        const QString patientId = pair.section(QLatin1Char('='), 1);
+        const QString serialNumber = pair.section('=', 0, 0);
+        const QString patientId = pair.section('=', 1);
         if (serialNumber.isEmpty() || !isPatientId(patientId))
-            return complain(WrongCall, QStringLiteral("--pair: \"%1\" isn't SERIAL=PATIENT").arg(pair));
+            return complain(WrongCall, QString("--pair: \"%1\" isn't SERIAL=PATIENT").arg(pair));
         reader.pairBeforehand(serialNumber, patientId);
     }
     QString error;
     if (!reader.start(&error))
         return complain(Failure, error);
-    return serve(QStringLiteral("merivo-reader: serving %1").arg(drive.path()));
+    return serve(QString("merivo-reader: serving %1").arg(drive.path()));
 }
 
 int serveDrive(const QCommandLineParser& parser, const Scenario& scenario, ReaderDrive& drive, LogFile& log)
 {
     if (parser.isSet(WatchOption))
-        return serve(QStringLiteral("merivo-reader: watching %1").arg(drive.path()));
+        return serve(QString("merivo-reader: watching %1").arg(drive.path()));
     if (parser.isSet(ReplayOption))
         return playRecording(parser, drive, log);
     return playScenario(parser, scenario, drive, log);
@@ -219,7 +199,7 @@ int run(const QCommandLineParser& parser)
     if (const int status = scenarioFor(parser, &scenario))
         return status;
     if (parser.isSet(CheckOption)) {
-        print(stdout, QStringLiteral("%1: sound").arg(parser.value(ScenarioOption)));
+        print(stdout, QString("%1: sound").arg(parser.value(ScenarioOption)));
         return Success;
     }
 
@@ -250,20 +230,17 @@ int run(const QCommandLineParser& parser)
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("merivo-reader"));
+    QCoreApplication::setApplicationName("merivo-reader");
     QCoreApplication::setApplicationVersion(QStringLiteral(MERIVO_VERSION));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Plays the device reader on the folder or removable drive DRIVE."));
-    parser.addPositionalArgument(QStringLiteral("DRIVE"),
-                                 QStringLiteral("The root of the reader's drive; it must exist."));
+    parser.setApplicationDescription("Plays the device reader on the folder or removable drive DRIVE.");
+    parser.addPositionalArgument("DRIVE", "The root of the reader's drive; it must exist.");
     parser.addOptions({ScenarioOption, CheckOption, FaultOption, ListFaultsOption, PairOption, InstantOption,
                        SeedOption, RecordOption, WatchOption, ReplayOption, AnonymiseOption, LogOption});
     // Not addHelpOption(): that brings --help-all along, for options that this program doesn't have.
-    const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
-                                        QStringLiteral("Show this summary and end."));
-    const QCommandLineOption versionOption({QStringLiteral("v"), QStringLiteral("version")},
-                                           QStringLiteral("Show the version and end."));
+    const QCommandLineOption helpOption({"h", "help"}, "Show this summary and end.");
+    const QCommandLineOption versionOption({"v", "version"}, "Show the version and end.");
     parser.addOptions({helpOption, versionOption});
 
     if (!parser.parse(QCoreApplication::arguments()))
@@ -273,7 +250,7 @@ int main(int argc, char** argv)
         return Success;
     }
     if (parser.isSet(versionOption)) {
-        print(stdout, QStringLiteral("merivo-reader %1").arg(QCoreApplication::applicationVersion()));
+        print(stdout, QString("merivo-reader %1").arg(QCoreApplication::applicationVersion()));
         return Success;
     }
     return run(parser);

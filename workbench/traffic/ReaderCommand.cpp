@@ -33,7 +33,7 @@ const CommandForm Forms[] = {
 const CommandForm* formOf(const QString& word)
 {
     const auto found = std::find_if(std::begin(Forms), std::end(Forms),
-                                    [&word](const CommandForm& form) { return word == QLatin1String(form.word); });
+                                    [&word](const CommandForm& form) { return word == form.word; });
     return found == std::end(Forms) ? nullptr : found;
 }
 

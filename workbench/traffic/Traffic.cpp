@@ -14,29 +14,29 @@ namespace {
 
 /// What the host takes at most.
 constexpr int LargestFiller = 256 * 1024 * 1024;
-const QString InFolder = ReaderNames::Folder + QLatin1Char('/');
+const QString InFolder = ReaderNames::Folder + '/';
 
 void readEntry(JsonFields& fields, qint64 earliest, TrafficEntry* target)
 {
-    const QString bytesField = QStringLiteral("base64");
+    const QString bytesField = "base64";
     TrafficEntry& entry = *target;
-    fields.require(QStringLiteral("ms"));
-    fields.require(QStringLiteral("file"));
+    fields.require("ms");
+    fields.require("file");
     int ms = 0;
-    fields.number(QStringLiteral("ms"), 0, std::numeric_limits<int>::max(), &ms);
+    fields.number("ms", 0, std::numeric_limits<int>::max(), &ms);
     entry.ms = ms;
     if (entry.ms < earliest)
-        fields.fail(QStringLiteral("ms"), QStringLiteral("is less than in the line before"));
-    fields.text(QStringLiteral("file"), &entry.file);
+        fields.fail("ms", "is less than in the line before");
+    fields.text("file", &entry.file);
     // What a recording names is written to the drive, so nothing but the reader's own files passes.
     if (!entry.file.isNull() && !entry.isTrigger() && !isTrafficFile(entry.name()))
-        fields.fail(QStringLiteral("file"), QStringLiteral("\"%1\" isn't a file of the reader").arg(entry.file));
+        fields.fail("file", QString("\"%1\" isn't a file of the reader").arg(entry.file));
 
-    const QJsonValue text = fields.take(QStringLiteral("text"));
+    const QJsonValue text = fields.take("text");
     if (text.isString())
         entry.bytes = text.toString().toUtf8();
     else if (!text.isUndefined())
-        fields.fail(QStringLiteral("text"), QStringLiteral("must be a text"));
+        fields.fail("text", "must be a text");
     QString encoded;
     fields.text(bytesField, &encoded);
     if (!encoded.isNull()) {
@@ -45,18 +45,18 @@ void readEntry(JsonFields& fields, qint64 earliest, TrafficEntry* target)
         if (decoded)
             entry.bytes = *decoded;
         else
-            fields.fail(bytesField, QStringLiteral("isn't base 64"));
+            fields.fail(bytesField, "isn't base 64");
     }
     TrafficFiller filler;
     filler.size = -1;
-    fields.number(QStringLiteral("filler"), 0, LargestFiller, &filler.size);
-    fields.number(QStringLiteral("number"), 0, std::numeric_limits<int>::max(), &filler.number);
+    fields.number("filler", 0, LargestFiller, &filler.size);
+    fields.number("number", 0, std::numeric_limits<int>::max(), &filler.number);
     if (filler.size >= 0)
         entry.filler = filler;
     bool isGone = false;
-    fields.flag(QStringLiteral("gone"), &isGone);
+    fields.flag("gone", &isGone);
     if (int(isGone) + int(entry.bytes.has_value()) + int(entry.filler.has_value()) != 1)
-        fields.fail(QStringLiteral("text"), QStringLiteral("exactly one of text, base64, filler and gone expected"));
+        fields.fail("text", "exactly one of text, base64, filler and gone expected");
 }
 
 } // namespace
@@ -94,32 +94,31 @@ bool TrafficEntry::isTrigger() const
 
 bool isExchangeName(const QString& name)
 {
-    const QString ending = QStringLiteral(".xml");
-    return name.size() > ending.size() && name.startsWith(QLatin1Char('I'), Qt::CaseInsensitive) &&
+    const QString ending = ".xml";
+    return name.size() > ending.size() && name.startsWith('I', Qt::CaseInsensitive) &&
            name.endsWith(ending, Qt::CaseInsensitive);
 }
 
 bool isTrafficFile(const QString& name)
 {
-    if (name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')))
+    if (name.contains('/') || name.contains('\\'))
         return false;
     return name == ReaderNames::Command || name == ReaderNames::Status || name == ReaderNames::DeviceList ||
-           (name.startsWith(QLatin1Char('V')) && name.contains(QLatin1String(".log"), Qt::CaseInsensitive)) ||
-           isExchangeName(name);
+           (name.startsWith('V') && name.contains(".log", Qt::CaseInsensitive)) || isExchangeName(name);
 }
 
 QByteArray trafficLine(const TrafficEntry& entry)
 {
-    QJsonObject object{{QStringLiteral("ms"), entry.ms}, {QStringLiteral("file"), entry.file}};
+    QJsonObject object{{"ms", entry.ms}, {"file", entry.file}};
     if (entry.filler) {
-        object.insert(QStringLiteral("filler"), entry.filler->size);
-        object.insert(QStringLiteral("number"), entry.filler->number);
+        object.insert("filler", entry.filler->size);
+        object.insert("number", entry.filler->number);
     } else if (!entry.bytes) {
-        object.insert(QStringLiteral("gone"), true);
+        object.insert("gone", true);
     } else if (const QString text = QString::fromUtf8(*entry.bytes); text.toUtf8() == *entry.bytes) {
-        object.insert(QStringLiteral("text"), text);
+        object.insert("text", text);
     } else {
-        object.insert(QStringLiteral("base64"), QString::fromLatin1(entry.bytes->toBase64()));
+        object.insert("base64", QString::fromLatin1(entry.bytes->toBase64()));
     }
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
@@ -128,7 +127,7 @@ std::optional<QVector<TrafficEntry>> loadTraffic(const QString& fileName, QStrin
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
-        errors->append(QStringLiteral("%1: %2").arg(fileName, file.errorString()));
+        errors->append(QString("%1: %2").arg(fileName, file.errorString()));
         return std::nullopt;
     }
     QVector<TrafficEntry> entries;
@@ -143,7 +142,7 @@ std::optional<QVector<TrafficEntry>> loadTraffic(const QString& fileName, QStrin
         });
         entries.append(entry);
         for (const QString& fault : qAsConst(faults))
-            errors->append(QStringLiteral("%1: line %2: %3").arg(fileName).arg(line).arg(fault));
+            errors->append(QString("%1: line %2: %3").arg(fileName).arg(line).arg(fault));
     }
     if (!errors->isEmpty())
         return std::nullopt;
