@@ -332,7 +332,7 @@ blocked-trigger=400 = 1 3 5 the trigger was lost; blocked-command=400 = 1 3 4 BT
         QVERIFY(write(dir.filePath("bad.json"), R"({"times": {"reed": 1}})"));
         QVERIFY(write(dir.filePath("bad.jsonl"), "{\"ms\":0,\"file\":\"../x\",\"text\":\"\"}\n"));
         const QString calls = R"(--list-faults = 0 ; --fault no-stop . = 2 --fault: fault "no-stop": unknown
- = 2 exactly one DRIVE expected; --fast . = 2 Unknown option 'fast'.; --seed x . = 2 --seed: "x" isn't a whole number
+ = 2 exactly one DRIVE expected; --fast . = 2 Unknown option 'fast'; --seed x . = 2 --seed: 'x' isn't a whole number
 --pair MV . = 2 --pair: "MV" isn't SERIAL=PATIENT; --pair MV=1 . = 1 there is no pump "MV" to pair
 --watch-only . = 2 --watch-only: needs --record; --replay x --seed 1 . = 2 --replay: plays what was recorded
 none = 1 none: there is no such folder; file = 1 file/MISC: the folder can't be made

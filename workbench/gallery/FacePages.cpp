@@ -25,23 +25,15 @@ QString imagePath(const char* name)
     return QString(":/img/images/%1.svg").arg(name);
 }
 
-LmClickFrame* makeFrame(const QString& text, int id, QLabel* told)
+LmClickFrame* makeFrame(const QString& text, bool isMarked)
 {
     auto* const frame = new LmClickFrame;
-    frame->setId(id);
     frame->setFrameShape(QFrame::StyledPanel);
+    frame->setClickStyle(isMarked);
     auto* const layout = new QVBoxLayout(frame);
     layout->addWidget(new QLabel(text));
-    const auto tell = [frame, told](const QString& what) {
-        told->setText(what);
-        frame->setClickStyle(!frame->property("ClickStyle").toBool());
-    };
-    QObject::connect(frame, qOverload<>(&LmClickFrame::clicked), told, [tell] { tell("clicked()"); });
-    QObject::connect(frame, qOverload<int>(&LmClickFrame::clicked), told,
-                     [tell](int number) { tell(QString("clicked(%1)").arg(number)); });
-    QObject::connect(frame, qOverload<>(&LmClickFrame::doubleClicked), told, [tell] { tell("doubleClicked()"); });
-    QObject::connect(frame, qOverload<int>(&LmClickFrame::doubleClicked), told,
-                     [tell](int number) { tell(QString("doubleClicked(%1)").arg(number)); });
+    QObject::connect(frame, qOverload<>(&LmClickFrame::clicked), frame,
+                     [frame] { frame->setClickStyle(!frame->property("ClickStyle").toBool()); });
     return frame;
 }
 
@@ -114,12 +106,8 @@ GalleryPage buttonsPage()
     buttons->addStretch();
 
     auto* const frames = new QHBoxLayout;
-    auto* const told = new QLabel("not clicked yet");
-    LmClickFrame* const marked = makeFrame("Frame 7", 7, told);
-    marked->setClickStyle(true);
-    frames->addWidget(makeFrame("Frame without id", -1, told));
-    frames->addWidget(marked);
-    frames->addWidget(told);
+    frames->addWidget(makeFrame("Frame", false));
+    frames->addWidget(makeFrame("Marked frame", true));
     frames->addStretch();
 
     auto* const tabs = new LmTabWidget;
@@ -193,12 +181,8 @@ GalleryPage messagesPage()
         tooltip->setVisible(!tooltip->isVisible());
     });
 
-    auto* const folder = new QLabel("no folder chosen");
-    QObject::connect(addButton("Choose a folder"), &QAbstractButton::clicked, folder, [folder, page] {
-        const QString chosen = LmFileDialog::getExistingDirectory(page, "Choose a folder", QString());
-        folder->setText(chosen.isEmpty() ? "no folder chosen" : chosen);
-    });
-    column->addWidget(folder);
+    QObject::connect(addButton("Choose a folder"), &QAbstractButton::clicked, page,
+                     [page] { LmFileDialog::getExistingDirectory(page, "Choose a folder", QString()); });
     column->addStretch();
     return {"messages", "Messages", page, {warning, question, tooltip}};
 }

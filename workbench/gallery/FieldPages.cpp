@@ -3,7 +3,6 @@
 #include "workbench/gallery/GalleryPages.h"
 
 #include "toolkit/BgDoubleSpinBox.h"
-#include "toolkit/LmButtons.h"
 #include "toolkit/LmCalendarWidget.h"
 #include "toolkit/LmDateEdit.h"
 #include "toolkit/LmGuiConfig.h"
@@ -26,37 +25,6 @@ const QDate Sample(2024, 3, 12);
 void widen(QCalendarWidget* calendar)
 {
     calendar->setMinimumWidth(calendar->sizeHint().width() + 70);
-}
-
-/// The field and, beside it, its value as a program reads it.
-template <typename Box>
-QLayout* withEcho(Box* box, QLabel* echo)
-{
-    const auto show = [echo](auto value) {
-        echo->setText(QString("value %1").arg(value));
-    };
-    QObject::connect(box, qOverload<decltype(box->value())>(&Box::valueChanged), echo, show);
-    show(box->value());
-    auto* const row = new QHBoxLayout;
-    row->addWidget(box);
-    row->addWidget(echo, 1);
-    return row;
-}
-
-QLayout* glucoseField()
-{
-    auto* const box = new BgDoubleSpinBox;
-    auto* const unit = new LmCheckButton("mmol/l");
-    unit->setCheckable(true);
-    QObject::connect(unit, &QAbstractButton::toggled, box, [box](bool decimal) {
-        decimal ? box->setDecimalUnit(0.6, 33.3) : box->setWholeUnit(10, 600);
-        box->setSuffix(decimal ? " mmol/l" : " mg/dl");
-    });
-    box->setSuffix(" mg/dl");
-    box->setValue(120);
-    QLayout* const row = withEcho(box, new QLabel);
-    row->addWidget(unit);
-    return row;
 }
 
 QGroupBox* textsBox()
@@ -89,22 +57,26 @@ GalleryPage numbersPage()
     auto* const plain = new LmSpinBox;
     plain->setRange(-9999, 9999);
     plain->setValue(-1250);
-    form->addRow("Whole numbers", withEcho(plain, new QLabel));
+    form->addRow("Whole numbers", plain);
 
     auto* const special = new LmSpinBox;
     special->setSpecialValueText("off");
-    form->addRow("0 reads \"off\"", withEcho(special, new QLabel));
+    form->addRow("0 reads \"off\"", special);
 
     auto* const decimal = new LmDoubleSpinBox;
     decimal->setRange(-999, 999);
     decimal->setValue(12.5);
-    form->addRow("Decimals: type 1*5 or 1#5", withEcho(decimal, new QLabel));
+    form->addRow("Decimals: type 1*5 or 1#5", decimal);
 
     auto* const low = new LmDoubleSpinBox;
     low->setSpecialValueText("low");
     low->setRange(0.5, 20);
-    form->addRow("The least reads \"low\"", withEcho(low, new QLabel));
-    form->addRow("Blood glucose", glucoseField());
+    form->addRow("The least reads \"low\"", low);
+
+    auto* const glucose = new BgDoubleSpinBox;
+    glucose->setSuffix(" mg/dl");
+    glucose->setValue(120);
+    form->addRow("Blood glucose", glucose);
 
     auto* const column = new QVBoxLayout(page);
     column->addWidget(fields);
@@ -133,18 +105,11 @@ GalleryPage datesPage()
     calendar->setRangeStart(Sample.addDays(-5));
     widen(calendar);
     widen(date->calendarWidget());
-    auto* const end = new LmCheckButton("Pick the end");
-    end->setCheckable(true);
-    QObject::connect(end, &QAbstractButton::toggled, calendar,
-                     [calendar](bool picksEnd) { calendar->setEditingStart(!picksEnd); });
-    QObject::connect(calendar, &QCalendarWidget::clicked, calendar, [calendar](const QDate& picked) {
-        calendar->isEditingStart() ? calendar->setRangeStart(picked) : calendar->setRangeEnd(picked);
-    });
+    QObject::connect(calendar, &QCalendarWidget::clicked, calendar, &LmCalendarWidget::setRangeStart);
 
     auto* const box = new QGroupBox("A range");
     auto* const boxColumn = new QVBoxLayout(box);
     boxColumn->addWidget(calendar);
-    boxColumn->addWidget(end, 0, Qt::AlignLeft);
     auto* const column = new QVBoxLayout(page);
     column->addLayout(edits);
     column->addWidget(box);

@@ -8,10 +8,8 @@
 #include "toolkit/LmMenu.h"
 #include "toolkit/LmProgressBar.h"
 #include "toolkit/LmProgressDialog.h"
-#include "toolkit/LmTimer.h"
 
 #include <QFormLayout>
-#include <QGuiApplication>
 #include <QLabel>
 #include <QLocale>
 #include <QSlider>
@@ -21,7 +19,7 @@ namespace {
 
 const QString FlagPath = ":/img/images/flag.svg";
 
-LmMenu* makeMenu(QLabel* told, QWidget* parent)
+LmMenu* makeMenu(QWidget* parent)
 {
     struct Entry
     {
@@ -44,7 +42,6 @@ LmMenu* makeMenu(QLabel* told, QWidget* parent)
         action->setChecked(entry.isCheckable);
         if (entry.hasIcon)
             action->setIcon(lmIcon(FlagPath));
-        QObject::connect(action, &QAction::triggered, told, [told, action] { told->setText(action->text()); });
     }
     return menu;
 }
@@ -69,19 +66,15 @@ GalleryPage listsPage()
     auto* const down = new LmPushButton("Down");
     auto* const add = new LmPushButton("Copy");
     auto* const remove = new LmPushButton("Remove");
-    auto* const told = new QLabel;
     auto* const buttons = new QVBoxLayout;
-    for (QWidget* widget : {static_cast<QWidget*>(up), static_cast<QWidget*>(down), static_cast<QWidget*>(add),
-                            static_cast<QWidget*>(remove), static_cast<QWidget*>(told)})
-        buttons->addWidget(widget);
+    for (LmPushButton* const button : {up, down, add, remove})
+        buttons->addWidget(button);
     buttons->addStretch();
     QObject::connect(up, &QAbstractButton::clicked, list, &LmListWidget::moveUp);
     QObject::connect(down, &QAbstractButton::clicked, list, &LmListWidget::moveDown);
     QObject::connect(remove, &QAbstractButton::clicked, list, &LmListWidget::removeSelectedItems);
     QObject::connect(add, &QAbstractButton::clicked, list, [list] { list->addItems(list->selectedItems()); });
     QObject::connect(list, &LmListWidget::selectionChanged, remove, &QWidget::setEnabled);
-    QObject::connect(list, &LmListWidget::blockSelected, told,
-                     [told](bool isBlock) { told->setText(isBlock ? "one block" : "no block"); });
     list->item(1)->setSelected(true);
     list->item(2)->setSelected(true);
 
@@ -95,23 +88,14 @@ GalleryPage listsPage()
 GalleryPage menusPage()
 {
     auto* const page = new QWidget;
-    auto* const told = new QLabel("nothing picked");
-    LmMenu* const menu = makeMenu(told, page);
+    LmMenu* const menu = makeMenu(page);
     auto* const button = new LmToolButton;
     button->setText("Open the menu");
     button->setPopupMode(QToolButton::InstantPopup);
     button->setMenu(menu);
-    // All of the window, as Qt's styles paint a menu well only in the direction of its application.
-    auto* const turn = new LmPushButton("Turn the layout round");
-    QObject::connect(turn, &QAbstractButton::clicked, page, [] {
-        const bool leftToRight = QGuiApplication::layoutDirection() == Qt::LeftToRight;
-        QGuiApplication::setLayoutDirection(leftToRight ? Qt::RightToLeft : Qt::LeftToRight);
-    });
 
     auto* const column = new QVBoxLayout(page);
     column->addWidget(button, 0, Qt::AlignLeft);
-    column->addWidget(turn, 0, Qt::AlignLeft);
-    column->addWidget(told);
     column->addStretch();
     return {"menus", "Menus", page, {menu}};
 }
@@ -137,19 +121,11 @@ GalleryPage progressPage()
     more->setText("+");
     QObject::connect(less, &QAbstractButton::clicked, slider, [slider] { slider->setValue(slider->value() - 10); });
     QObject::connect(more, &QAbstractButton::clicked, slider, [slider] { slider->setValue(slider->value() + 10); });
-    auto* const run = new LmCheckButton("Run");
-    run->setCheckable(true);
-    auto* const timer = new LmTimer(page);
-    timer->setInterval(50);
-    QObject::connect(run, &QAbstractButton::toggled, timer, [timer](bool on) { on ? timer->start() : timer->stop(); });
-    QObject::connect(timer, &QTimer::timeout, slider,
-                     [slider] { slider->setValue((slider->value() + 1) % (slider->maximum() + 1)); });
     auto* const row = new QHBoxLayout;
     row->addWidget(less);
     row->addWidget(more);
-    row->addWidget(run);
     row->addStretch();
-    form->addRow("Hold, or let it run", row);
+    form->addRow("Hold", row);
 
     auto* const dialog = new LmProgressDialog("%L1%", page);
     dialog->setMinimumDuration(24 * 60 * 60 * 1000); // It opens by its button, not by itself.

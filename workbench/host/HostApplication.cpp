@@ -117,7 +117,7 @@ bool HostApplication::startDiagnostics(QString* error)
     m_folderLock->setStaleLockTime(0);
     // Two hosts in one folder would rotate each other's log.
     QString problem = QString("diagnostics folder '%1': it can't be made, written to, or is in use").arg(folder);
-    const LogLimits limits{m_options.logKib * 1024LL, m_options.logFiles};
+    const LogLimits limits{m_options.logKib * 1024LL, static_cast<int>(m_options.logFiles)};
     const bool isOurs = QDir().mkpath(folder) && m_folderLock->tryLock();
     if (isOurs && (!m_options.log.isEmpty() || m_log.openFile(QDir(folder).filePath(LogName), &problem, limits))) {
         m_diagnosticsFolder = folder;
@@ -181,7 +181,7 @@ bool HostApplication::saveReport(const HostOptions& options, QString* sentence)
     if (QFileInfo::exists(databaseOf(options)))
         m_database.open(databaseOf(options));
     ReportSources sources = reportSources();
-    sources.logs = LogFile::filesAt(QDir(m_diagnosticsFolder).filePath(LogName), HostOptions::MostLogFiles);
+    sources.logs = LogFile::filesAt(QDir(m_diagnosticsFolder).filePath(LogName), HostOptions::MaxLogFiles);
     if (!options.log.isEmpty())
         sources.logs.append(options.log);
     return HostReport(sources).save(options.report, options.personal, sentence);

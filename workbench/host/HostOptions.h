@@ -3,12 +3,13 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
+
+#include <optional>
 
 /// What the program was asked for.
 struct HostOptions
 {
-    static constexpr int MostLogFiles = 99;
+    static constexpr uint MaxLogFiles = 99;
 
     QString database;    ///< empty: a file in the user's data folder
     QString plugin;      ///< empty: the library beside the program or in the build tree
@@ -21,15 +22,11 @@ struct HostOptions
     QString log;         ///< empty: rotating files in the diagnostics folder
     QString diagnostics; ///< folder of log and traffic; empty: in the user's data folder, with a robot none
     QString report;      ///< archive to write and end; empty: none
-    int logKib = 1024;   ///< of one rotating file
-    int logFiles = 5;
+    uint logKib = 1024;  ///< of one rotating file
+    uint logFiles = 5;
     bool personal = false; ///< the report holds personal data
     bool json = false;
-    bool help = false;
-    bool version = false;
 
-    /// Reads the command line, the program's name first. A wrong call gives one sentence in @p error.
-    static HostOptions parse(const QStringList& arguments, QString* error);
-    /// Needs an application object.
-    static QString helpText();
+    /// Reads the command line. Returns a status if the program ends with it.
+    std::optional<int> read(int argc, char** argv);
 };

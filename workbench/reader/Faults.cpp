@@ -57,8 +57,8 @@ const struct
 LeavingMoment momentOf(const QString& value)
 {
     const QString word = value.section(',', 0, 0);
-    const auto found = std::find_if(std::begin(Moments), std::end(Moments),
-                                    [&](const auto& entry) { return word == entry.word; });
+    const auto found =
+        std::find_if(std::begin(Moments), std::end(Moments), [&](const auto& entry) { return word == entry.word; });
     return found == std::end(Moments) ? LeavingMoment::Never : found->moment;
 }
 
@@ -210,8 +210,8 @@ bool FaultSet::add(const QString& text, QString* error)
     const QString name = assignment.section('=', 0, 0);
     QString value = assignment.section('=', 1);
 
-    const auto entry = std::find_if(std::begin(Catalogue), std::end(Catalogue),
-                                    [&](const FaultEntry& e) { return name == e.name; });
+    const auto entry =
+        std::find_if(std::begin(Catalogue), std::end(Catalogue), [&](const FaultEntry& e) { return name == e.name; });
     const auto refuse = [&](const QString& why) {
         *error = QString("fault \"%1\": %2").arg(text, why);
         return false;

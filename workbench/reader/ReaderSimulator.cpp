@@ -566,8 +566,9 @@ void ReaderSimulator::setStatus(const QString& word, const QString& result, int 
     // Nothing else in the file would tell a second equal answer from the first.
     if (m_behaviour.changesHeader)
         ++m_statusCount;
-    const QString header =
-        QString("QD17-C RemoteControl File %1-%2").arg(m_memory.starts, 4, 10, QChar('0')).arg(m_statusCount, 6, 10, QChar('0'));
+    const QString header = QString("QD17-C RemoteControl File %1-%2")
+                               .arg(m_memory.starts, 4, 10, QChar('0'))
+                               .arg(m_statusCount, 6, 10, QChar('0'));
     const QString command = m_behaviour.commandWord.isEmpty() ? m_active : m_behaviour.commandWord;
     const QString shown = m_behaviour.statusWord.isEmpty() ? word : m_behaviour.statusWord;
     QByteArray text =

@@ -53,8 +53,8 @@ void readUser(JsonFields& fields, Pump* pump)
     fields.require("does");
     QString does;
     fields.text("does", &does);
-    const auto found = std::find_if(std::begin(Users), std::end(Users),
-                                    [&does](const auto& entry) { return does == entry.does; });
+    const auto found =
+        std::find_if(std::begin(Users), std::end(Users), [&does](const auto& entry) { return does == entry.does; });
     if (found != std::end(Users))
         pump->user = found->user;
     else if (!does.isNull())

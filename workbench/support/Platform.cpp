@@ -25,8 +25,7 @@ bool Platform::isWithoutDisplay()
 bool Platform::isKnownNoise(const QString& message)
 {
     constexpr std::array known{"This plugin does not support", "QStandardPaths: XDG_RUNTIME_DIR not set"};
-    return std::any_of(known.begin(), known.end(),
-                       [&message](const char* start) { return message.startsWith(start); });
+    return std::any_of(known.begin(), known.end(), [&message](const char* start) { return message.startsWith(start); });
 }
 
 std::filesystem::path Platform::nativePath(const QString& path)
