@@ -10,7 +10,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
-#include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QKeyEvent>
@@ -21,8 +20,10 @@
 #include <QThread>
 #include <QWindow>
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -41,8 +42,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto TickEvery = 20ms;
-/// How long the GUI thread may be away beyond a step's limit: the plug-in's own pauses are a few seconds.
-constexpr auto Grace = 20s;
 
 /// Where a click hits the widget: its middle, but for boxes that only react on their mark and text.
 QPoint hitPointOf(const QWidget* widget)
@@ -105,13 +104,7 @@ Robot::Robot(HostApplication& host, const RobotScript& script, const RobotOption
     , m_host(host)
     , m_script(script)
     , m_options(options)
-    , m_watchdog(1)
 {
-    for (const RobotStep& step : script.steps())
-        m_hangMessages.append(
-            QString("merivo-host: %1: the event loop doesn't turn any more at the step: %2; the run was ended")
-                .arg(step.place, step.text)
-                .toLocal8Bit());
     m_timer.setInterval(TickEvery);
     connect(&m_timer, &QTimer::timeout, this, &Robot::tick);
 }
@@ -122,14 +115,11 @@ void Robot::start()
     qApp->installEventFilter(this);
     m_clock.start();
     m_timer.start();
-    m_watchdog.expectBackWithin(Grace, m_hangMessages.first().constData());
-    m_watchdog.start();
 }
 
 void Robot::tick()
 {
     const RobotStep& step = m_script.steps().at(m_index);
-    m_watchdog.expectBackWithin(step.limit + Grace, m_hangMessages.at(m_index).constData());
     Outcome outcome = attempt(step);
     if (outcome.kind == Outcome::Waiting) {
         if (!m_clock.hasExpired(step.limit.count()))
@@ -147,7 +137,6 @@ void Robot::tick()
         return;
     m_timer.stop();
     qApp->removeEventFilter(this);
-    Q_EMIT finished();
     QCoreApplication::exit();
 }
 
@@ -178,33 +167,36 @@ void Robot::report(const QString& line, const QJsonObject& object) const
     std::fflush(stdout);
 }
 
+const Robot::Verb Robot::Verbs[] = {
+    {"answer", 1, 5, &Robot::answer},   {"ask", 1, 2, &Robot::ask},
+    {"click", 1, 1, &Robot::click},     {"close-diary", 0, 0, &Robot::closeDiary},
+    {"expect", 1, 5, &Robot::expect},   {"include", 1, 1, nullptr},
+    {"key", 1, 2, &Robot::pressKey},    {"limit", 1, 1, nullptr},
+    {"open", 1, 1, &Robot::openDiary},  {"patient", 2, 5, &Robot::addPatient},
+    {"pause", 1, 1, &Robot::pause},     {"picture", 1, 2, &Robot::takePicture},
+    {"quit", 0, 0, &Robot::quit},       {"row", 2, 2, &Robot::selectRow},
+    {"trigger", 0, 1, &Robot::trigger}, {"type", 2, 2, &Robot::type},
+    {"wait", 1, 5, &Robot::waitFor},
+};
+
+const Robot::Verb* Robot::findVerb(const QString& name)
+{
+    const auto found =
+        std::find_if(std::begin(Verbs), std::end(Verbs), [&name](const Verb& verb) { return name == verb.name; });
+    return found == std::end(Verbs) ? nullptr : found;
+}
+
+std::optional<std::pair<int, int>> Robot::wordsAfter(const QString& verb)
+{
+    const Verb* found = findVerb(verb);
+    return found ? std::make_optional(std::make_pair(found->minWords, found->maxWords)) : std::nullopt;
+}
+
 Robot::Outcome Robot::attempt(const RobotStep& step)
 {
-    static const QHash<QString, Attempt> attempts{
-        {"answer", &Robot::answer},
-        {"ask", &Robot::ask},
-        {"click", &Robot::click},
-        {"close", &Robot::closeWindow},
-        {"close-diary", &Robot::closeDiary},
-        {"drive", &Robot::setDrive},
-        {"expect", &Robot::expect},
-        {"key", &Robot::pressKey},
-        {"open", &Robot::openDiary},
-        {"patient", &Robot::addPatient},
-        {"pause", &Robot::pause},
-        {"picture", &Robot::takePicture},
-        {"quit", &Robot::quit},
-        {"row", &Robot::selectRow},
-        {"trigger", &Robot::trigger},
-        {"type", &Robot::type},
-        {"wait", &Robot::waitFor},
-    };
-    if (m_isPosted) {
-        if (m_isDelivered)
-            return {};
-        return waiting("the input doesn't arrive; " + WidgetFinder::describeWindows());
-    }
-    return (this->*attempts.value(step.verb))(step);
+    if (!m_isPosted)
+        return (this->*findVerb(step.verb)->attempt)(step);
+    return m_isDelivered ? Outcome() : waiting("the input doesn't arrive; " + WidgetFinder::describeWindows());
 }
 
 Robot::Outcome Robot::addPatient(const RobotStep& step)
@@ -259,14 +251,6 @@ Robot::Outcome Robot::closeDiary(const RobotStep& step)
 {
     Q_UNUSED(step)
     m_host.events().closeDiary();
-    return {};
-}
-
-Robot::Outcome Robot::setDrive(const RobotStep& step)
-{
-    const QString folder = step.words.at(0);
-    m_host.deviceAdmin().setDrivePath(folder == "none" ? QString() : QDir(folder).absolutePath());
-    m_host.window().refresh();
     return {};
 }
 
@@ -398,18 +382,6 @@ Robot::Outcome Robot::takePicture(const RobotStep& step)
     return widget->grab().save(file, "PNG", 0) ? Outcome() : failed(QString("'%1' can't be written").arg(file));
 }
 
-Robot::Outcome Robot::closeWindow(const RobotStep& step)
-{
-    QWidget* window = WidgetFinder::window(step.words.at(0));
-    if (!window)
-        return waiting(WidgetFinder::describeWindows());
-    post([window = QPointer<QWidget>(window)] {
-        if (window)
-            window->close();
-    });
-    return waiting({});
-}
-
 Robot::Outcome Robot::quit(const RobotStep& step)
 {
     Q_UNUSED(step)
@@ -483,14 +455,10 @@ Robot::Outcome Robot::checkWidget(const QStringList& words)
         const QString page = pages->currentWidget() ? pages->currentWidget()->objectName() : QString();
         return page == words.at(2) ? Outcome() : waiting(QString("its page is '%1'").arg(page));
     }
-    const auto* button = qobject_cast<const QAbstractButton*>(widget);
-    const bool isChecked = button && button->isChecked();
-    const QHash<QString, bool> states{
-        {"visible", widget->isVisible()},   {"hidden", !widget->isVisible()}, {"enabled", widget->isEnabled()},
-        {"disabled", !widget->isEnabled()}, {"checked", isChecked},           {"unchecked", button && !isChecked},
-        {"focused", widget->hasFocus()},
-    };
-    return states.value(state) ? Outcome() : waiting(QString("it isn't %1").arg(state));
+    const bool holds = state == "hidden"    ? !widget->isVisible()
+                       : state == "enabled" ? widget->isEnabled()
+                                            : !widget->isEnabled();
+    return holds ? Outcome() : waiting("it isn't " + state);
 }
 
 Robot::Outcome Robot::checkBox(const QStringList& words, int from)

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "workbench/host/RobotScript.h"
-#include "workbench/host/Watchdog.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -13,6 +12,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 class HostApplication;
 class QJsonObject;
@@ -28,7 +28,7 @@ struct RobotOptions
 ///
 /// Steps go on by a timer, so also inside the nested event loop of a modal dialog. Mouse and keyboard events go in
 /// where those of the window system come in: a dialog that blocks its parent blocks the robot too. A step that isn't
-/// done within its limit ends the run, and a GUI thread that doesn't come back ends the process.
+/// done within its limit ends the run. A GUI thread that hangs shows as the caller's own time-out.
 class Robot final : public QObject
 {
     Q_OBJECT
@@ -38,12 +38,11 @@ public:
 
     /// Begins with the first step. At the end of the run all event loops of the application are ended.
     void start();
+    /// Returns how many words follow a verb, or nothing if there is no such verb.
+    static std::optional<std::pair<int, int>> wordsAfter(const QString& verb);
+
     /// Names the first step that didn't end as asked, and what was seen instead; empty if there was none.
     QString failure() const { return m_failure; }
-
-Q_SIGNALS:
-    /// The run has ended; follows the last step.
-    void finished();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -55,8 +54,16 @@ private:
         Kind kind = Done;
         QString seen; ///< where it isn't done: what there is instead
     };
-    using Attempt = Outcome (Robot::*)(const RobotStep&);
+    struct Verb
+    {
+        const char* name;
+        int minWords;
+        int maxWords;
+        Outcome (Robot::*attempt)(const RobotStep&); ///< null if only the script knows the verb
+    };
+    static const Verb Verbs[];
 
+    static const Verb* findVerb(const QString& name);
     static Outcome waiting(const QString& seen) { return {Outcome::Waiting, seen}; }
     static Outcome failed(const QString& seen) { return {Outcome::Failed, seen}; }
 
@@ -68,7 +75,6 @@ private:
     Outcome ask(const RobotStep& step);
     Outcome openDiary(const RobotStep& step);
     Outcome closeDiary(const RobotStep& step);
-    Outcome setDrive(const RobotStep& step);
     Outcome trigger(const RobotStep& step);
     Outcome click(const RobotStep& step);
     Outcome selectRow(const RobotStep& step);
@@ -77,7 +83,6 @@ private:
     Outcome pressKey(const RobotStep& step);
     Outcome answer(const RobotStep& step);
     Outcome takePicture(const RobotStep& step);
-    Outcome closeWindow(const RobotStep& step);
     Outcome quit(const RobotStep& step);
     Outcome waitFor(const RobotStep& step);
     Outcome expect(const RobotStep& step);
@@ -95,8 +100,6 @@ private:
     HostApplication& m_host;
     const RobotScript& m_script;
     const RobotOptions m_options;
-    QVector<QByteArray> m_hangMessages; // one a step
-    Watchdog m_watchdog;
     QTimer m_timer;
     QElapsedTimer m_clock;
     int m_index = 0;

@@ -3,11 +3,11 @@
 #include "workbench/host/RobotScript.h"
 
 #include "workbench/host/HostDatabase.h"
+#include "workbench/host/Robot.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
 #include <QKeySequence>
 
 #include <optional>
@@ -20,21 +20,7 @@ constexpr milliseconds DefaultLimit{10000};
 constexpr double MaxLimitSeconds = 3600;
 constexpr int MaxIncludeDepth = 8;
 
-struct Arity
-{
-    int least;
-    int most;
-};
-
-/// How many words follow each verb.
-const QHash<QString, Arity> Verbs{
-    {"answer", {1, 5}}, {"ask", {1, 2}},     {"click", {1, 1}},   {"close", {1, 1}},   {"close-diary", {0, 0}},
-    {"drive", {1, 1}},  {"expect", {1, 5}},  {"include", {1, 1}}, {"key", {1, 2}},     {"limit", {1, 1}},
-    {"open", {1, 1}},   {"patient", {2, 5}}, {"pause", {1, 1}},   {"picture", {1, 2}}, {"quit", {0, 0}},
-    {"row", {2, 2}},    {"trigger", {0, 1}}, {"type", {2, 2}},    {"wait", {1, 5}},
-};
-
-const QStringList WidgetStates{"visible", "hidden", "enabled", "disabled", "checked", "unchecked", "focused"};
+const QStringList WidgetStates{"hidden", "enabled", "disabled"};
 
 /// Splits a line into words; nothing if a quote isn't closed or touches the word beside it.
 std::optional<QStringList> wordsOf(const QString& line)
@@ -133,12 +119,12 @@ QString whatIsWrongWithCondition(const QStringList& words)
 
 QString whatIsWrong(const RobotStep& step)
 {
-    const auto verb = Verbs.constFind(step.verb);
-    if (verb == Verbs.constEnd())
+    const auto range = Robot::wordsAfter(step.verb);
+    if (!range)
         return QString("unknown step '%1'").arg(step.verb);
-    if (step.words.size() < verb->least || step.words.size() > verb->most) {
-        const QString count = verb->least == verb->most ? QString::number(verb->least)
-                                                        : QString("%1 to %2").arg(verb->least).arg(verb->most);
+    const auto [min, max] = *range;
+    if (step.words.size() < min || step.words.size() > max) {
+        const QString count = min == max ? QString::number(min) : QString("%1 to %2").arg(min).arg(max);
         return QString("'%1' takes %2 words, not %3").arg(step.verb, count).arg(step.words.size());
     }
     if (step.verb == "wait" || step.verb == "expect")
