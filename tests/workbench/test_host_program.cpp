@@ -232,13 +232,14 @@ private Q_SLOTS:
         const QString wrong =
             "jump m_Button = unknown step 'jump'; click = takes 1 words, not 0; quit now = takes 0 words, not 1\n"
             "click \"a = a quote isn't closed; click \"a\"b = touches the word; click a\"b\" = touches the word\n"
-            "wait a shiny = unknown state 'shiny'; limit nan = isn't a time; pause 0 = isn't a time; wait dialog a "
-            "shut = 'open' or 'closed'\n"
-            "wait a text b = text takes 'equals' or 'contains'; wait box name a = box takes 'title T'\n"
-            "expect imports some = imports takes a count; expect a rows -1 = rows takes a count\n"
+            "wait a shiny = none of the conditions: box; limit nan = isn't a time; pause 0 = isn't a time; wait dialog "
+            "a "
+            "shut = none of the conditions\n"
+            "wait a text b = text equals|contains TEXT; wait box name a = box [title T]\n"
+            "expect imports some = imports COUNT; expect a rows -1 = NAME rows COUNT\n"
             "click a within soon = 'within' takes; click a within 0 = 'within' takes; answer Yes title = 'answer' "
             "takes\nkey Blank = there is no key 'Blank'; patient P-1 Doe Jane 1970-02-30 = isn't a birthday\n"
-            "patient \u00e4 Doe = can't be a patient's key; wait a page = page takes a name; include gone = gone: No";
+            "patient \u00e4 Doe = can't be a patient's key; wait a page = NAME page PAGE; include gone = gone: No";
         for (const auto& [step, error] : pairsOf(wrong)) {
             QVERIFY(!script.parse("s", "# steps\r\n\nquit\n" + step, &told));
             QVERIFY2(told.startsWith("s:4: ") && told.contains(error), qPrintable(told));

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QKeySequence>
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -19,8 +20,6 @@ using std::chrono::milliseconds;
 constexpr milliseconds DefaultLimit{10000};
 constexpr double MaxLimitSeconds = 3600;
 constexpr int MaxIncludeDepth = 8;
-
-const QStringList WidgetStates{"hidden", "enabled", "disabled"};
 
 /// Splits a line into words; nothing if a quote isn't closed or touches the word beside it.
 std::optional<QStringList> wordsOf(const QString& line)
@@ -85,36 +84,34 @@ bool isNumber(const QString& word)
     return word.toInt(&isInteger) >= 0 && isInteger;
 }
 
-/// What is wrong with the condition of a wait or an expect; empty: nothing.
-QString whatIsWrongWithCondition(const QStringList& words)
+/// The forms of a condition: COUNT is a number, any other word in capitals is any text.
+const QStringList ConditionForms{"dialog WINDOW open|closed",
+                                 "imports COUNT",
+                                 "imports COUNT PUID",
+                                 "diary PUID",
+                                 "log TEXT",
+                                 "NAME text equals|contains TEXT",
+                                 "NAME rows COUNT",
+                                 "NAME page PAGE",
+                                 "NAME hidden|enabled|disabled"};
+
+bool hasForm(const QStringList& words, const QString& form)
 {
-    const QString& subject = words.at(0);
-    if (subject == "box")
-        return areBoxTexts(words, 1) ? QString() : "box takes 'title T' and 'text T'";
-    if (words.size() < 2)
-        return QString("'%1' lacks its state").arg(subject);
-    const QString& second = words.at(1);
-    if (subject == "dialog") {
-        const bool isGood = words.size() == 3 && (words.at(2) == "open" || words.at(2) == "closed");
-        return isGood ? QString() : "dialog takes a name and 'open' or 'closed'";
-    }
-    if (subject == "imports") {
-        const bool isGood = words.size() <= 3 && isNumber(second);
-        return isGood ? QString() : "imports takes a count and perhaps a patient";
-    }
-    if (subject == "diary" || subject == "log")
-        return words.size() == 2 ? QString() : QString("%1 takes one word").arg(subject);
-    if (second == "text") {
-        const bool isGood = words.size() == 4 && (words.at(2) == "equals" || words.at(2) == "contains");
-        return isGood ? QString() : "text takes 'equals' or 'contains' and a text";
-    }
-    if (second == "rows")
-        return words.size() == 3 && isNumber(words.at(2)) ? QString() : "rows takes a count";
-    if (second == "page")
-        return words.size() == 3 ? QString() : "page takes a name";
-    if (words.size() == 2 && WidgetStates.contains(second))
-        return {};
-    return QString("unknown state '%1'").arg(second);
+    const QStringList parts = form.split(' ');
+    bool isGood = words.size() == parts.size();
+    for (int i = 0; isGood && i < words.size(); ++i)
+        isGood = parts.at(i) == "COUNT"
+                     ? isNumber(words.at(i))
+                     : parts.at(i) == parts.at(i).toUpper() || parts.at(i).split('|').contains(words.at(i));
+    return isGood;
+}
+
+bool isCondition(const QStringList& words)
+{
+    if (words.first() == "box")
+        return areBoxTexts(words, 1);
+    return std::any_of(ConditionForms.cbegin(), ConditionForms.cend(),
+                       [&words](const QString& form) { return hasForm(words, form); });
 }
 
 QString whatIsWrong(const RobotStep& step)
@@ -127,8 +124,8 @@ QString whatIsWrong(const RobotStep& step)
         const QString count = min == max ? QString::number(min) : QString("%1 to %2").arg(min).arg(max);
         return QString("'%1' takes %2 words, not %3").arg(step.verb, count).arg(step.words.size());
     }
-    if (step.verb == "wait" || step.verb == "expect")
-        return whatIsWrongWithCondition(step.words);
+    if ((step.verb == "wait" || step.verb == "expect") && !isCondition(step.words))
+        return "none of the conditions: box [title T] [text T], " + ConditionForms.join(", ");
     if (step.verb == "answer" && !areBoxTexts(step.words, 1))
         return "'answer' takes a button, then 'title T' and 'text T'";
     if ((step.verb == "limit" || step.verb == "pause") && !limitOf(step.words.at(0)))

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-enum class FaultValue {
+enum FaultValue {
     None,
     Number,
     Text,
@@ -16,7 +16,7 @@ enum class FaultValue {
 };
 
 /// What a fault can strike.
-enum class FaultScope {
+enum FaultScope {
     Start,
     Command,
     ReadOut,
@@ -35,11 +35,11 @@ struct FaultEntry
     bool canStrike(const QString& word) const
     {
         switch (scope) {
-        case FaultScope::Start:
+        case Start:
             return word.isEmpty();
-        case FaultScope::Command:
+        case Command:
             return !word.isEmpty();
-        case FaultScope::ReadOut:
+        case ReadOut:
             break;
         }
         return word == "BTREAD";
@@ -69,92 +69,71 @@ void leave(Behaviour& behaviour, const QString& value, bool wholeDrive)
     behaviour.awayMs = value.section(',', 1).toInt();
 }
 
+using B = Behaviour&;
+using V = const QString&;
+
 const FaultEntry Catalogue[] = {
-    {"no-start", FaultValue::None, "", FaultScope::Command, [](Behaviour& b, const QString&) { b.answers = false; },
-     "takes the command and never shows it"},
-    {"no-running", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.showsRunning = false; }, "shows the end without having shown \"running\""},
-    {"no-end", FaultValue::None, "", FaultScope::Command, [](Behaviour& b, const QString&) { b.ends = false; },
-     "shows \"running\" and never ends"},
-    {"slow", FaultValue::Number, nullptr, FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.extraMs = v.toInt(); },
+    {"no-start", None, "", Command, [](B b, V) { b.answers = false; }, "takes the command and never shows it"},
+    {"no-running", None, "", Command, [](B b, V) { b.showsRunning = false; },
+     "shows the end without having shown \"running\""},
+    {"no-end", None, "", Command, [](B b, V) { b.ends = false; }, "shows \"running\" and never ends"},
+    {"slow", Number, nullptr, Command, [](B b, V v) { b.extraMs = v.toInt(); },
      "takes N milliseconds longer before \"running\" and again before the end"},
-    {"fail", FaultValue::Number, nullptr, FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.failCode = v.toInt(); }, "ends with \"failed\" and this error code"},
-    {"fail-without-code", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.failCode = NoErrorCode; },
+    {"fail", Number, nullptr, Command, [](B b, V v) { b.failCode = v.toInt(); },
+     "ends with \"failed\" and this error code"},
+    {"fail-without-code", None, "", Command, [](B b, V) { b.failCode = NoErrorCode; },
      "ends with \"failed\" and no number in the line of the code"},
-    {"foreign-abort", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.abortsItself = true; },
+    {"foreign-abort", None, "", Command, [](B b, V) { b.abortsItself = true; },
      "shows \"running\", then an ABORT as done that nobody sent, and gives the command up"},
-    {"stale-status", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.refreshesStatus = false; },
+    {"stale-status", None, "", Command, [](B b, V) { b.refreshesStatus = false; },
      "carries the command out and never shows a status of it"},
-    {"stale-until", FaultValue::Number, nullptr, FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.manner.triggers = v.toInt(); },
+    {"stale-until", Number, nullptr, Command, [](B b, V v) { b.manner.triggers = v.toInt(); },
      "shows each status from the Nth trigger behind its change on"},
-    {"same-header", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.changesHeader = false; },
+    {"same-header", None, "", Command, [](B b, V) { b.changesHeader = false; },
      "repeats the status file's first line, so that equal answers can't be told apart"},
-    {"header-only", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.changesHeaderAlone = true; },
+    {"header-only", None, "", Command, [](B b, V) { b.changesHeaderAlone = true; },
      "changes the status file's first line alone; the others stay those from before"},
-    {"unchanged-status", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.endsWithOldStatus = true; },
+    {"unchanged-status", None, "", Command, [](B b, V) { b.endsWithOldStatus = true; },
      "ends with all five lines of the status as before the command"},
-    {"half-status", FaultValue::Number, nullptr, FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.manner.firstBytes = v.toInt(); },
+    {"half-status", Number, nullptr, Command, [](B b, V v) { b.manner.firstBytes = v.toInt(); },
      "rewrites the status in place: N bytes stand for 250 ms before the rest"},
-    {"empty-status", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.emptiesStatus = true; }, "shows an empty status file"},
-    {"folder-status", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.manner.isFolder = true; }, "shows a folder in the status file's place"},
-    {"wrong-word", FaultValue::Text, nullptr, FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.commandWord = v; }, "shows this command word in place of the command's"},
-    {"lower-case-word", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.hasLowerCaseWord = true; }, "shows the command word in lower case"},
-    {"unknown-status-word", FaultValue::Text, "finished", FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.statusWord = v; }, "shows this status word in place of every other"},
-    {"vanish", FaultValue::Moment, nullptr, FaultScope::Command,
-     [](Behaviour& b, const QString& v) { leave(b, v, true); },
+    {"empty-status", None, "", Command, [](B b, V) { b.emptiesStatus = true; }, "shows an empty status file"},
+    {"folder-status", None, "", Command, [](B b, V) { b.manner.isFolder = true; },
+     "shows a folder in the status file's place"},
+    {"wrong-word", Text, nullptr, Command, [](B b, V v) { b.commandWord = v; },
+     "shows this command word in place of the command's"},
+    {"lower-case-word", None, "", Command, [](B b, V) { b.hasLowerCaseWord = true; },
+     "shows the command word in lower case"},
+    {"unknown-status-word", Text, "finished", Command, [](B b, V v) { b.statusWord = v; },
+     "shows this status word in place of every other"},
+    {"vanish", Moment, nullptr, Command, [](B b, V v) { leave(b, v, true); },
      "the drive goes at MOMENT (command, running, done), and is back after MS"},
-    {"vanish-folder", FaultValue::Moment, nullptr, FaultScope::Command,
-     [](Behaviour& b, const QString& v) { leave(b, v, false); }, "the same with the folder MISC alone"},
-    {"blocked-trigger", FaultValue::Number, "", FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.triggerBlockedMs = v.toInt(); },
+    {"vanish-folder", Moment, nullptr, Command, [](B b, V v) { leave(b, v, false); },
+     "the same with the folder MISC alone"},
+    {"blocked-trigger", Number, "", Command, [](B b, V v) { b.triggerBlockedMs = v.toInt(); },
      "a folder stands in the trigger file's place for N ms from when the command is taken"},
-    {"blocked-command", FaultValue::Number, "", FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.commandBlockedMs = v.toInt(); },
+    {"blocked-command", Number, "", Command, [](B b, V v) { b.commandBlockedMs = v.toInt(); },
      "the same with the command file, so that no next command can be written"},
-    {"list-missing", FaultValue::None, "", FaultScope::Command,
-     [](Behaviour& b, const QString&) { b.hasDeviceList = false; }, "ends without a device list"},
-    {"list-cut", FaultValue::Number, "200", FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.listBytes = v.toInt(); },
+    {"list-missing", None, "", Command, [](B b, V) { b.hasDeviceList = false; }, "ends without a device list"},
+    {"list-cut", Number, "200", Command, [](B b, V v) { b.listBytes = v.toInt(); },
      "ends with the first so many bytes of the device list"},
-    {"list-devices", FaultValue::Number, nullptr, FaultScope::Command,
-     [](Behaviour& b, const QString& v) { b.listDevices = v.toInt(); },
+    {"list-devices", Number, nullptr, Command, [](B b, V v) { b.listDevices = v.toInt(); },
      "ends with a device list that is filled up to N pumps"},
-    {"no-exchange-file", FaultValue::None, "", FaultScope::ReadOut,
-     [](Behaviour& b, const QString&) { b.exchange = ExchangeForm::NoFile; },
+    {"no-exchange-file", None, "", ReadOut, [](B b, V) { b.exchange = ExchangeForm::NoFile; },
      "ends with \"done\" but leaves no exchange file"},
-    {"two-exchange-files", FaultValue::None, "", FaultScope::ReadOut,
-     [](Behaviour& b, const QString&) { b.exchange = ExchangeForm::TwoFiles; }, "leaves two exchange files"},
-    {"exchange-folder", FaultValue::None, "", FaultScope::ReadOut,
-     [](Behaviour& b, const QString&) { b.exchange = ExchangeForm::Folder; },
+    {"two-exchange-files", None, "", ReadOut, [](B b, V) { b.exchange = ExchangeForm::TwoFiles; },
+     "leaves two exchange files"},
+    {"exchange-folder", None, "", ReadOut, [](B b, V) { b.exchange = ExchangeForm::Folder; },
      "leaves a folder of the exchange file's name"},
-    {"exchange-grows", FaultValue::None, "", FaultScope::ReadOut,
-     [](Behaviour& b, const QString&) { b.exchange = ExchangeForm::GrowingFile; },
+    {"exchange-grows", None, "", ReadOut, [](B b, V) { b.exchange = ExchangeForm::GrowingFile; },
      "writes the exchange file piece by piece for a second behind \"done\""},
-    {"old-firmware", FaultValue::Text, "3.2.22", FaultScope::Start,
-     [](Behaviour& b, const QString& v) { b.firmware = v; }, "has this firmware version in its log"},
-    {"log-missing", FaultValue::None, "", FaultScope::Start,
-     [](Behaviour& b, const QString&) { b.hasFirmwareLog = false; }, "has no firmware log"},
-    {"log-binary", FaultValue::None, "", FaultScope::Start, [](Behaviour& b, const QString&) { b.hasBinaryLog = true; },
+    {"old-firmware", Text, "3.2.22", Start, [](B b, V v) { b.firmware = v; }, "has this firmware version in its log"},
+    {"log-missing", None, "", Start, [](B b, V) { b.hasFirmwareLog = false; }, "has no firmware log"},
+    {"log-binary", None, "", Start, [](B b, V) { b.hasBinaryLog = true; },
      "has bytes without sense in its firmware log"},
-    {"log-several", FaultValue::Text, "3.2.23", FaultScope::Start,
-     [](Behaviour& b, const QString& v) { b.secondFirmware = v; }, "has a second firmware log with this version"},
-    {"left-running", FaultValue::Text, "BTREAD", FaultScope::Start,
-     [](Behaviour& b, const QString& v) { b.leftRunning = v; },
+    {"log-several", Text, "3.2.23", Start, [](B b, V v) { b.secondFirmware = v; },
+     "has a second firmware log with this version"},
+    {"left-running", Text, "BTREAD", Start, [](B b, V v) { b.leftRunning = v; },
      "shows this command as running, as if an earlier user had left it"},
 };
 
@@ -168,13 +147,13 @@ bool isCount(const QString& value)
 QString objectionTo(FaultValue kind, const QString& value)
 {
     switch (kind) {
-    case FaultValue::None:
+    case None:
         return "takes no value";
-    case FaultValue::Number:
+    case Number:
         return isCount(value) ? QString() : "the value must be a whole number, 1 or above";
-    case FaultValue::Text:
+    case Text:
         return value.isEmpty() ? "the value is empty" : QString();
-    case FaultValue::Moment:
+    case Moment:
         break;
     }
     const bool fits =
@@ -186,11 +165,11 @@ QString objectionTo(FaultValue kind, const QString& value)
 
 QString valueInCatalogue(const FaultEntry& entry)
 {
-    if (entry.value == FaultValue::None)
+    if (entry.value == None)
         return {};
-    if (entry.value == FaultValue::Moment)
+    if (entry.value == Moment)
         return "=MOMENT[,MS]";
-    const QString what = entry.value == FaultValue::Number ? "N" : "TEXT";
+    const QString what = entry.value == Number ? "N" : "TEXT";
     if (!entry.fallback)
         return '=' + what;
     const QLatin1String fallback(entry.fallback);
@@ -218,7 +197,7 @@ bool FaultSet::add(const QString& text, QString* error)
     };
     if (entry == std::end(Catalogue))
         return refuse("unknown; --list-faults names them all");
-    if (at >= 0 && entry->scope == FaultScope::Start)
+    if (at >= 0 && entry->scope == Start)
         return refuse("can't be tied to a command");
     if (at >= 0 && !isCommandWord(command))
         return refuse(QString("unknown command \"%1\"").arg(command));
@@ -255,7 +234,7 @@ QString FaultSet::catalogue()
     QString text;
     for (const FaultEntry& entry : Catalogue) {
         QString name = entry.name + valueInCatalogue(entry);
-        if (entry.scope != FaultScope::Start)
+        if (entry.scope != Start)
             name += "[@COMMAND]";
         name += "[:once]";
         text += QString("%1 %2\n").arg(name, -48).arg(entry.effect);
