@@ -70,18 +70,22 @@ bool isHexadecimal(const QString& text)
     return form.match(text).hasMatch();
 }
 
-/// Calls @p word for each word of a text, and @p other for what is between two.
-template <class Word, class Other>
-void eachWord(const QString& text, Word word, Other other)
+/// Splits a text into its words and the single characters between them.
+QStringList piecesOf(const QString& text)
 {
+    QStringList pieces;
     for (int at = 0, end = 0; at < text.size(); at = end) {
         while (end < text.size() && isOfWord(text.at(end)))
             ++end;
-        if (end > at)
-            word(text.mid(at, end - at));
-        else
-            other(text.at(end++));
+        end = std::max(end, at + 1);
+        pieces.append(text.mid(at, end - at));
     }
+    return pieces;
+}
+
+bool isWord(const QString& piece)
+{
+    return isOfWord(piece.at(0));
 }
 
 /// Returns the end of the words from @p at on that single marks join, as in an address, a date or a path.
@@ -94,85 +98,77 @@ int endOfChain(const QString& text, int at)
     return at;
 }
 
+/// Returns a text with each chain of words replaced by what @p replace makes of it.
+template <class Replace>
+QString withChains(const QString& text, Replace replace)
+{
+    QString result;
+    for (int at = 0, end = 0; at < text.size(); at = end) {
+        end = endOfChain(text, at);
+        if (end > at)
+            result += replace(text.mid(at, end - at));
+        else
+            result += text.at(end++);
+    }
+    return result;
+}
+
 } // namespace
 
 void Anonymiser::know(const QString& value)
 {
     m_known.insert(value.toLower());
-    eachWord(
-        value,
-        [&](const QString& word) {
-            // The day and month of a birthday count in its whole only, or most small numbers would.
-            if (word.size() == value.size() || !isNumber(word) || word.size() > MaxNumberLength)
-                m_known.insert(word.toLower());
-        },
-        [](QChar) {});
+    // The day and month of a birthday count in its whole only, or most small numbers would.
+    for (const QString& piece : piecesOf(value))
+        if (isWord(piece) && (piece == value || !isNumber(piece) || piece.size() > MaxNumberLength))
+            m_known.insert(piece.toLower());
 }
 
 bool Anonymiser::isPlain(const QString& text)
 {
-    bool isPlain = true;
-    eachWord(
-        text, [&](const QString& word) { isPlain = isPlain && isOfVocabulary(word); }, [](QChar) {});
-    return isPlain;
+    const QStringList pieces = piecesOf(text);
+    return std::all_of(pieces.cbegin(), pieces.cend(),
+                       [](const QString& piece) { return !isWord(piece) || isOfVocabulary(piece); });
 }
 
 QString Anonymiser::scrub(const QString& text, Numbers numbers)
 {
-    QString result;
-    for (int at = 0; at < text.size();) {
-        const int end = endOfChain(text, at);
-        result += end > at ? scrubbedChain(text.mid(at, end - at), numbers) : QString(text.at(at));
-        at = std::max(end, at + 1);
-    }
-    return result;
+    return withChains(text, [&](const QString& chain) { return scrubbedChain(chain, numbers); });
+}
+
+QString Anonymiser::hide(const QString& text)
+{
+    return withChains(text, [this](const QString& chain) {
+        QString result;
+        for (const QString& piece : isHexadecimal(chain) ? QStringList(chain) : piecesOf(chain))
+            result += isWord(piece) ? replacementOf(piece) : piece;
+        return result;
+    });
 }
 
 QString Anonymiser::scrubbedChain(const QString& chain, Numbers numbers)
 {
+    static const QRegularExpression joint("[-/_]");
     if (m_known.contains(chain.toLower()) || isHexadecimal(chain))
         return hide(chain);
     // A number counts, or is of seconds, versions or error codes, unless it belongs to something that is replaced.
-    bool keepsNumbers =
-        numbers == Numbers::KeepShort && !chain.contains('-') && !chain.contains('/') && !chain.contains('_');
+    bool keepsNumbers = numbers == Numbers::KeepShort && !chain.contains(joint);
     const auto isKept = [&](const QString& word) {
         if (m_known.contains(word.toLower()))
             return false;
         return isNumber(word) ? keepsNumbers && word.size() <= MaxNumberLength : isOfVocabulary(word);
     };
-    eachWord(
-        chain, [&](const QString& word) { keepsNumbers = keepsNumbers && isKept(word); }, [](QChar) {});
+    const QStringList pieces = piecesOf(chain);
+    keepsNumbers = std::all_of(pieces.cbegin(), pieces.cend(),
+                               [&](const QString& piece) { return !isWord(piece) || isKept(piece); });
     QString result;
-    eachWord(
-        chain,
-        [&](const QString& word) {
-            // An exchange file's name begins with a letter of its own.
-            if (isKept(word))
-                result += word;
-            else if (word.startsWith('I') && m_known.contains(word.mid(1).toLower()))
-                result += 'I' + replacementOf(word.mid(1));
-            else
-                result += replacementOf(word);
-        },
-        [&](QChar mark) { result += mark; });
-    return result;
-}
-
-QString Anonymiser::hide(const QString& text)
-{
-    QString result;
-    for (int at = 0; at < text.size();) {
-        const int end = endOfChain(text, at);
-        const QString chain = text.mid(at, end - at);
-        if (isHexadecimal(chain))
-            result += replacementOf(chain);
-        else if (end > at)
-            eachWord(
-                chain, [&](const QString& word) { result += replacementOf(word); },
-                [&](QChar mark) { result += mark; });
+    for (const QString& piece : pieces) {
+        if (!isWord(piece) || isKept(piece))
+            result += piece;
+        else if (piece.startsWith('I') && m_known.contains(piece.mid(1).toLower())) // an exchange file's name
+            result += 'I' + replacementOf(piece.mid(1));
         else
-            result += text.at(at);
-        at = std::max(end, at + 1);
+            result += replacementOf(piece);
     }
     return result;
 }

@@ -18,7 +18,6 @@ const QString InFolder = ReaderNames::Folder + '/';
 
 void readEntry(JsonFields& fields, qint64 earliest, TrafficEntry* target)
 {
-    const QString bytesField = "base64";
     TrafficEntry& entry = *target;
     fields.require("ms");
     fields.require("file");
@@ -33,20 +32,12 @@ void readEntry(JsonFields& fields, qint64 earliest, TrafficEntry* target)
         fields.fail("file", QString("\"%1\" isn't a file of the reader").arg(entry.file));
 
     const QJsonValue text = fields.take("text");
+    QString encoded;
+    fields.text("base64", &encoded);
     if (text.isString())
         entry.bytes = text.toString().toUtf8();
-    else if (!text.isUndefined())
-        fields.fail("text", "must be a text");
-    QString encoded;
-    fields.text(bytesField, &encoded);
-    if (!encoded.isNull()) {
-        const auto decoded =
-            QByteArray::fromBase64Encoding(encoded.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
-        if (decoded)
-            entry.bytes = *decoded;
-        else
-            fields.fail(bytesField, "isn't base 64");
-    }
+    else if (!encoded.isNull())
+        entry.bytes = QByteArray::fromBase64(encoded.toLatin1());
     TrafficFiller filler;
     filler.size = -1;
     fields.number("filler", 0, LargestFiller, &filler.size);
