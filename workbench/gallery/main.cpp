@@ -1,18 +1,30 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
+#include "toolkit/LmGuiConfig.h"
 #include "toolkit/LmTabs.h"
-#include "workbench/gallery/GalleryConfig.h"
 #include "workbench/gallery/GalleryPages.h"
 #include "workbench/gallery/GalleryPictures.h"
 #include "workbench/support/CommandLine.h"
 #include "workbench/support/Platform.h"
 
 #include <QApplication>
+#include <QDate>
 #include <QFile>
 #include <QLocale>
 #include <QScopeGuard>
 
 namespace {
+
+/// Weeks and days off as the default locale has them.
+class GalleryConfig final : public LmGuiConfig
+{
+public:
+    bool isWeekend(const QDate& date) const override
+    {
+        return date.isValid() && !QLocale().weekdays().contains(static_cast<Qt::DayOfWeek>(date.dayOfWeek()));
+    }
+    int firstWeekDay() const override { return QLocale().firstDayOfWeek() - Qt::Monday; }
+};
 
 void passMessage(QtMsgType, const QMessageLogContext&, const QString& text)
 {

@@ -313,8 +313,9 @@ QString HostDatabase::whatIsWrongWith(const PatientRecord& patient)
     if (!isValidPuid(patient.puid))
         return QString("'%1' can't be a patient's key; letters, digits, '-', '_' and '.' can").arg(patient.puid);
     const QString birthday = patient.ids.value(2);
-    if (!birthday.isEmpty() && !QDate::fromString(birthday, "yyyy-MM-dd").isValid())
-        return QString("'%1' isn't a birthday; write yyyy-MM-dd").arg(birthday);
+    const QDate date = QDate::fromString(birthday, "yyyy-MM-dd");
+    if (!birthday.isEmpty() && (!date.isValid() || date > QDate::currentDate()))
+        return QString("'%1' isn't a birthday; write a past day as yyyy-MM-dd").arg(birthday);
     return {};
 }
 

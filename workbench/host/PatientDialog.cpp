@@ -4,7 +4,6 @@
 
 #include "workbench/host/HostDatabase.h"
 
-#include <QDate>
 #include <QPushButton>
 
 PatientDialog::PatientDialog(const PatientRecord& patient, QWidget* parent)
@@ -37,23 +36,8 @@ PatientRecord PatientDialog::patient() const
 
 void PatientDialog::refresh()
 {
-    const QString missing = whatIsMissing();
+    const QString missing = familyName->text().trimmed().isEmpty() ? tr("Please enter the family name.")
+                                                                   : HostDatabase::whatIsWrongWith(patient());
     problem->setText(missing);
     buttons->button(QDialogButtonBox::Save)->setEnabled(missing.isEmpty());
-}
-
-QString PatientDialog::whatIsMissing() const
-{
-    const PatientRecord record = patient();
-    if (record.ids.at(0).isEmpty())
-        return tr("Please enter the family name.");
-    const QString birthdayText = record.ids.at(2);
-    if (!birthdayText.isEmpty()) {
-        const QDate date = QDate::fromString(birthdayText, "yyyy-MM-dd");
-        if (!date.isValid() || date > QDate::currentDate())
-            return tr("The birthday must be a past day such as 1970-02-28, or empty.");
-    }
-    if (!HostDatabase::isValidPuid(record.puid))
-        return tr("The key may have letters, digits, '-', '_' and '.', up to 64 of them.");
-    return {};
 }

@@ -21,5 +21,4 @@ public:
 
 private:
     void refresh();
-    QString whatIsMissing() const;
 };
