@@ -17,15 +17,11 @@
 #include <QMessageBox>
 #include <QRadioButton>
 #include <QStackedWidget>
-#include <QThread>
 #include <QWindow>
 
 #include <algorithm>
 #include <cstdio>
-#include <iostream>
 #include <iterator>
-#include <memory>
-#include <string>
 #include <utility>
 
 // Where Qt's own test library puts events into the window system's queue; declared as its public headers do.
@@ -157,25 +153,27 @@ void Robot::report(const RobotStep& step, const Outcome& outcome, qint64 millise
         object.insert("seen", outcome.seen);
         line += QString("\n     instead: %1").arg(outcome.seen);
     }
-    report(line, object);
-}
-
-void Robot::report(const QString& line, const QJsonObject& object) const
-{
     const QByteArray bytes = m_options.json ? QJsonDocument(object).toJson(QJsonDocument::Compact) : line.toLocal8Bit();
     std::fprintf(stdout, "%s\n", bytes.constData());
     std::fflush(stdout);
 }
 
 const Robot::Verb Robot::Verbs[] = {
-    {"answer", 1, 5, &Robot::answer},   {"ask", 1, 2, &Robot::ask},
-    {"click", 1, 1, &Robot::click},     {"close-diary", 0, 0, &Robot::closeDiary},
-    {"expect", 1, 5, &Robot::expect},   {"include", 1, 1, nullptr},
-    {"key", 1, 2, &Robot::pressKey},    {"limit", 1, 1, nullptr},
-    {"open", 1, 1, &Robot::openDiary},  {"patient", 2, 5, &Robot::addPatient},
-    {"pause", 1, 1, &Robot::pause},     {"picture", 1, 2, &Robot::takePicture},
-    {"quit", 0, 0, &Robot::quit},       {"row", 2, 2, &Robot::selectRow},
-    {"trigger", 0, 1, &Robot::trigger}, {"type", 2, 2, &Robot::type},
+    {"answer", 1, 5, &Robot::answer},
+    {"click", 1, 1, &Robot::click},
+    {"close-diary", 0, 0, &Robot::closeDiary},
+    {"expect", 1, 5, &Robot::expect},
+    {"include", 1, 1, nullptr},
+    {"key", 1, 2, &Robot::pressKey},
+    {"limit", 1, 1, nullptr},
+    {"open", 1, 1, &Robot::openDiary},
+    {"patient", 2, 5, &Robot::addPatient},
+    {"pause", 1, 1, &Robot::pause},
+    {"picture", 1, 2, &Robot::takePicture},
+    {"quit", 0, 0, &Robot::quit},
+    {"row", 2, 2, &Robot::selectRow},
+    {"trigger", 0, 1, &Robot::trigger},
+    {"type", 2, 2, &Robot::type},
     {"wait", 1, 5, &Robot::waitFor},
 };
 
@@ -210,30 +208,6 @@ Robot::Outcome Robot::addPatient(const RobotStep& step)
     else
         m_host.events().publishCreated();
     return {};
-}
-
-Robot::Outcome Robot::ask(const RobotStep& step)
-{
-    if (m_isAsked) {
-        if (!m_answer)
-            return waiting("nobody answers on standard input");
-        m_isAsked = false;
-        const QString answer = *std::exchange(m_answer, std::nullopt);
-        return answer == "ok" ? Outcome() : failed(QString("the answer is '%1'").arg(answer));
-    }
-    QString text;
-    if (step.words.size() > 1) {
-        const QWidget* widget = WidgetFinder::widget(step.words.at(1));
-        if (!widget || !widget->isVisible())
-            return waiting(QString("'%1' isn't shown; ").arg(step.words.at(1)) + WidgetFinder::describeWindows());
-        text = WidgetFinder::textOf(widget);
-    }
-    const QString diary = m_host.events().openPatient().puid;
-    report(QString("     asks: %1, diary '%2', text '%3'").arg(step.words.at(0), diary, text),
-           {{"asks", step.words.at(0)}, {"diary", diary}, {"text", text}});
-    m_isAsked = true;
-    readAnswer();
-    return waiting({});
 }
 
 Robot::Outcome Robot::openDiary(const RobotStep& step)
@@ -487,16 +461,6 @@ Robot::Outcome Robot::reachable(QWidget* widget, const QString& name)
     if (modal && widget->window() != modal)
         return waiting(QString("'%1' is behind a modal window; ").arg(name) + WidgetFinder::describeWindows());
     return {};
-}
-
-void Robot::readAnswer()
-{
-    // On a thread of its own, since reading blocks. One that never gets its line ends with the process.
-    const auto line = std::make_shared<std::string>();
-    QThread* thread = QThread::create([line] { std::getline(std::cin, *line); });
-    connect(thread, &QThread::finished, this, [this, line] { m_answer = QString::fromStdString(*line).trimmed(); });
-    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-    thread->start();
 }
 
 void Robot::post(const std::function<void()>& action)

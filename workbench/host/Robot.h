@@ -15,7 +15,6 @@
 #include <utility>
 
 class HostApplication;
-class QJsonObject;
 class QWidget;
 
 struct RobotOptions
@@ -72,7 +71,6 @@ private:
     Outcome attempt(const RobotStep& step);
 
     Outcome addPatient(const RobotStep& step);
-    Outcome ask(const RobotStep& step);
     Outcome openDiary(const RobotStep& step);
     Outcome closeDiary(const RobotStep& step);
     Outcome trigger(const RobotStep& step);
@@ -92,8 +90,6 @@ private:
     static Outcome checkBox(const QStringList& words, int from);
     static Outcome reachable(QWidget* widget, const QString& name);
 
-    void report(const QString& line, const QJsonObject& object) const;
-    void readAnswer();
     void post(const std::function<void()>& action);
     void postClick(QWidget* widget, const QPoint& position);
 
@@ -104,8 +100,6 @@ private:
     QElapsedTimer m_clock;
     int m_index = 0;
     QString m_failure;
-    bool m_isAsked = false;
-    std::optional<QString> m_answer;
 
     // Input is given by an event of its own, since it may block there in a dialog's loop, in which a timer whose slot
     // hasn't returned doesn't fire again. It counts as done once it has been delivered.
