@@ -67,7 +67,7 @@ QStringList messagesOf(const QString& path)
 
 Q_DECLARE_METATYPE(Picture)
 
-class ResourcesTest final : public QObject
+class TestResources final : public QObject
 {
     Q_OBJECT
 
@@ -189,6 +189,6 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ResourcesTest)
+QTEST_GUILESS_MAIN(TestResources)
 
 #include "tst_resources.moc"

@@ -83,7 +83,7 @@ QString rows(const QListWidget& list)
 
 } // namespace
 
-class ToolkitWidgetsTest : public QObject
+class TestToolkitWidgets : public QObject
 {
     Q_OBJECT
 
@@ -517,6 +517,6 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(ToolkitWidgetsTest)
+QTEST_MAIN(TestToolkitWidgets)
 
-#include "test_toolkit_widgets.moc"
+#include "tst_toolkit_widgets.moc"

@@ -17,7 +17,7 @@
 
 /// What happens stands in the host's journal: log lines, boxes and signals, and ahead of each what is new in the
 /// session.
-class PumpControlsTest final : public QObject
+class TestWorkflows final : public QObject
 {
     Q_OBJECT
 
@@ -315,6 +315,6 @@ private:
     std::unique_ptr<RemovePumpControl> m_remove;
 };
 
-QTEST_MAIN(PumpControlsTest)
+QTEST_MAIN(TestWorkflows)
 
-#include "PumpControlsTest.moc"
+#include "tst_workflows.moc"

@@ -62,7 +62,7 @@ bool fits(int width, const QWidget& widget, const QString& text, int margin)
 
 } // namespace
 
-class ToolkitHouseTest : public QObject
+class TestToolkitApplication : public QObject
 {
     Q_OBJECT
 
@@ -211,6 +211,6 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(ToolkitHouseTest)
+QTEST_MAIN(TestToolkitApplication)
 
-#include "test_toolkit_house.moc"
+#include "tst_toolkit_application.moc"

@@ -73,7 +73,7 @@ QPair<int, int> inkedColumns(const QImage& image)
 
 } // namespace
 
-class ToolkitTextTest : public QObject
+class TestToolkitText : public QObject
 {
     Q_OBJECT
 
@@ -193,5 +193,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(ToolkitTextTest)
-#include "test_toolkit_text.moc"
+QTEST_MAIN(TestToolkitText)
+#include "tst_toolkit_text.moc"

@@ -20,7 +20,7 @@
 
 #include <utility>
 
-class ToolkitSystemTest : public QObject
+class TestToolkitSystem : public QObject
 {
     Q_OBJECT
 
@@ -238,6 +238,6 @@ private:
     QTemporaryDir m_dir;
 };
 
-QTEST_GUILESS_MAIN(ToolkitSystemTest)
+QTEST_GUILESS_MAIN(TestToolkitSystem)
 
-#include "test_toolkit_system.moc"
+#include "tst_toolkit_system.moc"

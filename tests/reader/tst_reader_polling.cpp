@@ -340,4 +340,4 @@ private:
 };
 
 QTEST_GUILESS_MAIN(TestReaderPolling)
-#include "test_reader_polling.moc"
+#include "tst_reader_polling.moc"

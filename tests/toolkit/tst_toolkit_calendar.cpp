@@ -60,7 +60,7 @@ QDate march(int day)
 
 } // namespace
 
-class ToolkitCalendarTest : public QObject
+class TestToolkitCalendar : public QObject
 {
     Q_OBJECT
 
@@ -220,6 +220,6 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(ToolkitCalendarTest)
+QTEST_MAIN(TestToolkitCalendar)
 
-#include "test_toolkit_calendar.moc"
+#include "tst_toolkit_calendar.moc"

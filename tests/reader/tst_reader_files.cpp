@@ -405,4 +405,4 @@ private:
 };
 
 QTEST_MAIN(TestReaderFiles)
-#include "test_reader_files.moc"
+#include "tst_reader_files.moc"

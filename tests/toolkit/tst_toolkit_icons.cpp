@@ -22,7 +22,7 @@ const QByteArray LeftSquare = "<svg xmlns='http://www.w3.org/2000/svg' width='20
 
 } // namespace
 
-class ToolkitIconsTest : public QObject
+class TestToolkitIcons : public QObject
 {
     Q_OBJECT
 
@@ -164,6 +164,6 @@ private:
     QTemporaryDir m_dir;
 };
 
-QTEST_MAIN(ToolkitIconsTest)
+QTEST_MAIN(TestToolkitIcons)
 
-#include "test_toolkit_icons.moc"
+#include "tst_toolkit_icons.moc"
