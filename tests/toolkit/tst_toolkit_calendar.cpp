@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
+#include "support/Pixels.h"
 #include "toolkit/LmCalendarWidget.h"
 
 #include <QAbstractItemView>
@@ -43,11 +44,7 @@ public:
     bool hasPen(const QDate& date, const QColor& color) const
     {
         const QImage image = painted(date).copy(Cell.adjusted(0, 1, 0, 0));
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                if (image.pixelColor(x, y) == color)
-                    return true;
-        return false;
+        return boundsOf(image, [&color](QRgb pixel) { return pixel == color.rgb(); }).isValid();
     }
     QColor ground(const QDate& date) const { return painted(date).pixelColor(6, 20); }
     bool hasLine(const QDate& date) const { return painted(date).pixelColor(Cell.topRight()) == Line; }

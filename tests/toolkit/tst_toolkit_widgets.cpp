@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
+#include "support/Pixels.h"
 #include "toolkit/BgDoubleSpinBox.h"
 #include "toolkit/LmButtons.h"
 #include "toolkit/LmCalendarWidget.h"
@@ -267,67 +268,53 @@ private Q_SLOTS:
         QVERIFY(!own.listWidget() && list->focusPolicy() == Qt::NoFocus && !list->viewport()->acceptDrops());
     }
 
-    void rowsHaveTheHouseLook()
+    void rowsShowIconAndText()
     {
         for (const bool rightToLeft : {false, true}) {
             LmListWidget list;
             list.setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
-            const QString tooLong(60, 'M');
-            list.addItems(QStringList{tooLong, "i", "i", tooLong});
+            list.addItems(QStringList{QString(60, 'M'), "i", "i", QString(60, 'M')});
             list.item(1)->setIcon(redIcon(64));
-            list.item(3)->setIcon(redIcon(8));                            // Drawn at its full 30 pixels all the same.
             list.item(2)->setData(Qt::DecorationRole, QColor(Qt::green)); // No icon.
+            list.item(3)->setIcon(redIcon(8));                            // Scaled up to 30 pixels.
             const LmListWidgetDelegate delegate(&list);
             QStyleOptionViewItem option;
-            const auto paint = [&](int row, QStyle::State state) {
+            const auto paint = [&](int row) {
                 const QModelIndex index = list.model()->index(row, 0);
                 option.rect = QRect(10, 10, 200, delegate.sizeHint(option, index).height());
-                option.state = state;
                 QImage image(220, option.rect.height() + 20, QImage::Format_RGB32);
                 image.fill(Qt::white);
                 QPainter painter(&image);
                 painter.setLayoutDirection(list.layoutDirection());
-                painter.setPen(Qt::blue);
+                painter.setPen(Qt::yellow);
                 delegate.paint(&painter, option, index);
                 painter.drawPoint(0, 0);
                 return image;
             };
-            const auto bounds = [&](int row, bool (*isWanted)(QRgb)) {
-                const QImage image = paint(row, QStyle::State_None);
-                QRect found;
-                for (int y = 0; y < image.height(); ++y)
-                    for (int x = 1; x < image.width(); ++x)
-                        if (isWanted(image.pixel(x, y)))
-                            found |= QRect(x, y, 1, 1);
-                return found;
-            };
-            const auto isInk = [](QRgb pixel) {
-                return qGray(pixel) < 60;
+            const auto textBounds = [&paint](int row) {
+                return boundsOf(paint(row), [](QRgb pixel) { return qGray(pixel) < 60; });
             };
 
-            // Cut off with an ellipsis, five pixels inside of either edge.
-            const QRect cut = bounds(0, isInk);
-            QVERIFY(cut.left() >= 15 && cut.left() < 20 && cut.right() > 185 && cut.right() < 205);
-            // At the left in any layout; only an icon at the left pushes it aside.
-            const QRect text = bounds(1, isInk);
+            // Elided, five pixels inside of either edge.
+            const QRect elided = textBounds(0);
+            QVERIFY(elided.left() >= 15 && elided.left() < 20 && elided.right() > 185 && elided.right() < 205);
+            // At the left in either layout; only an icon at the left moves it.
             const int start = rightToLeft ? 15 : 55;
-            QVERIFY(text.left() >= start && text.right() < start + 10);
-            const QRect cutByIcon = bounds(3, isInk);
-            QVERIFY(cutByIcon.left() >= start && cutByIcon.right() < (rightToLeft ? 164 : 205));
+            QVERIFY(textBounds(1).left() >= start && textBounds(1).right() < start + 10);
+            QVERIFY(textBounds(3).left() >= start && textBounds(3).right() < (rightToLeft ? 164 : 205));
 
             QCOMPARE(delegate.sizeHint(option, list.model()->index(1, 0)), QSize(0, 40));
             QCOMPARE(list.sizeHintForRow(2), 25);
             const QRect icon(rightToLeft ? 175 : 15, 15, 30, 30);
             for (const int row : {1, 3})
-                QCOMPARE(bounds(row, [](QRgb pixel) { return pixel == qRgb(255, 0, 0); }), icon);
+                QCOMPARE(boundsOf(paint(row), [](QRgb pixel) { return pixel == qRgb(255, 0, 0); }), icon);
 
-            // The veil lies over icon and ground, to the very edge.
-            const QImage selected = paint(1, QStyle::State_Selected);
-            QCOMPARE(selected.pixelColor(0, 0), QColor(Qt::blue)); // The painter is as it was.
+            // The selection covers the icon and the whole row.
+            option.state = QStyle::State_Selected;
+            const QImage selected = paint(1);
+            QCOMPARE(selected.pixelColor(0, 0), QColor(Qt::yellow)); // The painter has its own pen again.
             QCOMPARE(selected.pixelColor(icon.center()).red(), 207);
-            for (const QPoint corner : {QPoint(10, 10), QPoint(209, 49)})
-                QCOMPARE(selected.pixelColor(corner).red(), 207);
-            QCOMPARE(selected.pixelColor(9, 10), QColor(Qt::white));
+            QCOMPARE(boundsOf(selected, [](QRgb pixel) { return qRed(pixel) == 207; }), option.rect);
         }
     }
 
