@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "support/MessageCapture.h"
 
-#include <QDataStream>
 #include <QDir>
 #include <QImageReader>
 #include <QProcess>
@@ -140,27 +139,14 @@ private Q_SLOTS:
 
     void storedTexts()
     {
-        // The compiled messages lie in a part 0x69 of tagged fields.
-        enum Tag : quint8 { End = 1, Source = 6, Context = 7, Comment = 8, Messages = 0x69 };
-        QDataStream parts(QResource(translation).uncompressedData().mid(16));
-        quint8 tag = 0;
-        QByteArray body;
-        while (!parts.atEnd() && tag != Messages) {
-            parts >> tag >> body;
-        }
-        QStringList messages;
-        QMap<quint8, QByteArray> message;
-        for (QDataStream fields(body); !fields.atEnd();) {
-            fields >> tag;
-            if (tag == End) {
-                messages << QString::fromUtf8(message[Context] + '|' + message[Source] + '|' + message.take(Comment));
-            } else {
-                fields >> message[tag];
-            }
-        }
+        const QTemporaryDir folder;
+        const QString compiled = folder.filePath(QStringLiteral("stored.qm"));
+        const QString stored = folder.filePath(QStringLiteral("stored.ts"));
+        QVERIFY(QFile::copy(translation, compiled));
+        QCOMPARE(QProcess::execute(MERIVO_LCONVERT, {"-i", compiled, "-o", stored}), 0);
+        QStringList messages = messagesOf(stored);
         QCOMPARE(messages.size(), 87);
         messages = messages.filter(QRegularExpression(QStringLiteral("[^|]$")));
-        messages.sort();
         const QStringList commented{
             "ErrorHandler|<b>Connection Error</b>|Title when the LM2 must be removed from the pump.",
             "ErrorHandler|<b>Connection Error</b>|Title when the pump must be removed.",
