@@ -215,7 +215,6 @@ private:
         m_reader.commandsSeen.clear();
         m_host.journal.clear();
         m_host.commandHandler.imports.clear();
-        m_host.commandHandler.commandTypes.clear();
         QTimer::singleShot(PauseMs, this, &Endurance::compare);
     }
 

@@ -345,19 +345,16 @@ private Q_SLOTS:
             QTimer::singleShot(100, &m_host.publisher, [this] { m_host.openDiary("p1"); }); // in the pause after a hold
 
             // The user's part: as soon as the reader has answered, a read-out is reported, and the dialog is closed.
-            QTimer user;
-            connect(&user, &QTimer::timeout, this, [this, &user] {
-                auto* dialog = qobject_cast<MainDialog*>(QApplication::activeModalWidget());
+            const ModalUser user([this](QWidget& modal) {
+                auto* dialog = qobject_cast<MainDialog*>(&modal);
                 auto* close =
                     dialog ? dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Close) : nullptr;
                 if (!close || !close->isEnabled())
                     return;
-                user.stop();
                 connect(dialog, &QObject::destroyed, this, [this] { m_host.journal.add("dialog gone"); });
                 Q_EMIT dialog->importDataReady("{g}");
                 close->click();
             });
-            user.start(10);
             // Picked again at any time, in the adapter's pauses too: nothing more comes of it.
             int ignored = 0;
             QTimer host;

@@ -3,19 +3,10 @@
 #include "support/BoxAnswerer.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 
-BoxAnswerer::BoxAnswerer(QStringList* journal)
-    : m_journal(journal)
+void BoxAnswerer::answer(QMessageBox* box)
 {
-    connect(&m_timer, &QTimer::timeout, this, &BoxAnswerer::look);
-    m_timer.start(5);
-}
-
-void BoxAnswerer::look()
-{
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (!box || !box->isVisible())
+    if (!box)
         return;
     seen.append(
         {box->icon(), box->windowTitle(), box->text(), box->standardButtons(), box->parentWidget(), box->size()});

@@ -2,16 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "support/ModalUser.h"
+
 #include <QList>
 #include <QMessageBox>
-#include <QObject>
-#include <QTimer>
 
-/// Answers the message boxes that come up while it lives, and remembers what they showed.
-class BoxAnswerer final : public QObject
+/// Answers the message boxes that are opened while it exists, and records what they showed.
+class BoxAnswerer final
 {
-    Q_OBJECT
-
 public:
     struct Box
     {
@@ -24,16 +22,20 @@ public:
     };
 
     /// Each box gets a line "box|title|text" in @p journal, if given, at the moment when it is seen.
-    explicit BoxAnswerer(QStringList* journal = nullptr);
+    explicit BoxAnswerer(QStringList* journal = nullptr)
+        : m_journal(journal)
+    {}
 
     /// The buttons to press, box by box; with none left, Ok or the first button of the box.
     void answerWith(const QList<QMessageBox::StandardButton>& buttons) { m_answers = buttons; }
     QList<Box> seen;
 
 private:
-    void look();
+    void answer(QMessageBox* box);
 
-    QTimer m_timer;
     QStringList* m_journal;
     QList<QMessageBox::StandardButton> m_answers;
+    ModalUser m_user{[this](QWidget& modal) {
+        answer(qobject_cast<QMessageBox*>(&modal));
+    }};
 };

@@ -26,12 +26,13 @@ struct Journal
     QStringList lines;
     QList<QThread*> threads;
 
-    void add(const QString& line);
-    /// The lines that start with @p prefix.
-    QStringList startingWith(const QString& prefix) const;
+    void add(const QString& line)
+    {
+        lines.append(line);
+        threads.append(QThread::currentThread());
+    }
     bool contains(const QString& line) const { return lines.contains(line); }
-    int indexOf(const QString& line) const { return lines.indexOf(line); }
-    void clear();
+    void clear() { *this = {}; }
 };
 
 class RecordingServices final : public IServices
@@ -43,7 +44,13 @@ public:
     QString formatDate(const QDate& date) override { return date.toString(QStringLiteral("dd.MM.yyyy")); }
     QString path(int kind) override { return paths.value(kind); }
     void logLine(IPlugin* source, const QString& channel, const QString& message, const QString& detail1,
-                 const QString& detail2) override;
+                 const QString& detail2) override
+    {
+        lastSource = source;
+        if (beforeLogLine)
+            beforeLogLine(message);
+        m_journal.add(QStringList{channel, message, detail1, detail2}.join('|'));
+    }
     quintptr logValue(int level, const QString&, const QString&, const QString&, const QString&,
                       const QString&) override
     {
@@ -67,13 +74,17 @@ public:
         : m_journal(journal)
         , m_path(path)
     {}
-    ~RecordingDevice() override { m_journal.add(QStringLiteral("device deleted")); }
+    ~RecordingDevice() override { m_journal.add("device deleted"); }
     void reserved12() override {}
     void reserved13() override {}
     void reserved14() override {}
     void reserved15() override {}
     void reserved16() override {}
-    QString drivePath() override;
+    QString drivePath() override
+    {
+        m_journal.add("drivePath");
+        return m_path;
+    }
 
 private:
     Journal& m_journal;
@@ -86,8 +97,16 @@ public:
     explicit RecordingDeviceAdmin(Journal& journal)
         : m_journal(journal)
     {}
-    IDevice* acquireDevice(int type, const QString& name) override;
-    bool setDeviceHold(bool hold) override;
+    IDevice* acquireDevice(int type, const QString& name) override
+    {
+        m_journal.add(QStringLiteral("acquireDevice(%1, '%2')").arg(type).arg(name));
+        return hasDevice ? new RecordingDevice(m_journal, drivePath) : nullptr;
+    }
+    bool setDeviceHold(bool hold) override
+    {
+        m_journal.add(QStringLiteral("setDeviceHold(%1)").arg(hold));
+        return holdChanges;
+    }
 
     bool hasDevice = true;
     QString drivePath;
@@ -103,11 +122,15 @@ public:
     explicit RecordingCommandHandler(Journal& journal)
         : m_journal(journal)
     {}
-    bool execute(ICommand* command) override;
+    bool execute(ICommand* command) override
+    {
+        m_journal.add(QStringLiteral("execute(%1)").arg(command->type()));
+        if (auto* import = dynamic_cast<IImportDataCmd*>(command))
+            imports.emplace_back(import);
+        return true;
+    }
 
-    /// The import commands received, owned as a host owns them; see commandTypes for all that came.
-    std::vector<std::unique_ptr<IImportDataCmd>> imports;
-    QList<int> commandTypes;
+    std::vector<std::unique_ptr<IImportDataCmd>> imports; ///< the import commands received, owned as a host owns them
 
 private:
     Journal& m_journal;
@@ -127,10 +150,18 @@ public:
         : m_journal(journal)
     {}
     void import(QString, IPlugin*) override {}
-    QString databaseGuid(const QString& path) override;
+    QString databaseGuid(const QString& path) override
+    {
+        m_journal.add(QStringLiteral("databaseGuid('%1')").arg(path));
+        return guid;
+    }
     void reserved2() override {}
     void reserved3() override {}
-    QMap<QString, PatientRecord> patients(const QString& databaseGuid) override;
+    QMap<QString, PatientRecord> patients(const QString& databaseGuid) override
+    {
+        m_journal.add(QStringLiteral("patients('%1')").arg(databaseGuid));
+        return records;
+    }
 
     QString guid = QStringLiteral("{d2f7a4a0-0001-4c1e-9a55-000000000001}");
     QMap<QString, PatientRecord> records;

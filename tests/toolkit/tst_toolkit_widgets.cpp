@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
+#include "support/ModalUser.h"
 #include "support/Pixels.h"
 #include "toolkit/BgDoubleSpinBox.h"
 #include "toolkit/LmButtons.h"
@@ -26,7 +27,6 @@
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTest>
-#include <QTimer>
 
 #include <climits>
 #include <memory>
@@ -422,14 +422,11 @@ private Q_SLOTS:
             QVERIFY(!(dialog->windowFlags() & Qt::WindowContextHelpButtonHint));
         QVERIFY(!plain.testOption(QFileDialog::DontUseNativeDialog));
         QFileDialog::Options options;
-        QTimer timer;
-        connect(&timer, &QTimer::timeout, this, [&] {
-            if (auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
-                options = dialog->options();
-                dialog->reject();
-            }
+        const ModalUser user([&options](QWidget& modal) {
+            auto& dialog = dynamic_cast<QFileDialog&>(modal);
+            options = dialog.options();
+            dialog.reject();
         });
-        timer.start(10);
         QCOMPARE(LmFileDialog::getExistingDirectory(nullptr, QStringLiteral("Title"), QDir::tempPath()), QString());
         QCOMPARE(options, QFileDialog::Options(QFileDialog::ShowDirsOnly | QFileDialog::HideNameFilterDetails));
     }
