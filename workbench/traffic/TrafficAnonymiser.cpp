@@ -124,6 +124,8 @@ QString TrafficAnonymiser::status(const QString& text)
     static const QRegularExpression errorCode("^(.*)-\\d{1,3}\\D?\\r?$");
     QStringList lines = text.split('\n');
     const QString command = lines.value(1).mid(CommandLabel).trimmed().toUpper();
+    if (m_isLearning) // nothing else in it identifies
+        return resultOf(command, lines.value(3).mid(ValueLabel));
     for (int i = 0; i < lines.size(); ++i) {
         QString& line = lines[i];
         const QString label = line.left(i == 1 ? CommandLabel : ValueLabel);
