@@ -4,6 +4,7 @@
 
 #include "host/IDatabase.h"
 #include "host/IServices.h"
+#include "plugin/session/SessionWatch.h"
 
 #include <QDate>
 #include <QDebug>
@@ -18,6 +19,7 @@ const QString DefaultDeviceType = QStringLiteral("Cygnara");
 QPointer<PatientSession> s_instance; // null also when its parent took it along
 IServices* s_services = nullptr;
 IDatabase* s_database = nullptr;
+int s_diaries = 0;
 
 void traceBirthday(const char* direction, const QString& birthday)
 {
@@ -44,8 +46,8 @@ PatientSession* PatientSession::open(const QString& patientId)
     auto* session = new PatientSession(nullptr);
     session->m_patientId = patientId;
     const PatientSession* before = s_instance;
-    if (before && before->m_isOfRun && before->m_patientId == patientId) {
-        session->m_isOfRun = true;
+    if (before && before->m_patientId == patientId && SessionWatch::isWatched(*before)) {
+        session->m_diary = before->m_diary;
         session->m_pumpSerialNumber = before->m_pumpSerialNumber;
         session->m_deviceName = before->m_deviceName;
         session->m_exchangeFilePath = before->m_exchangeFilePath;
@@ -63,6 +65,7 @@ void PatientSession::setHost(IServices* services, IDatabase* database)
 
 PatientSession::PatientSession(QObject* parent)
     : QObject(parent)
+    , m_diary(++s_diaries)
 {
     setDeviceType({});
 }

@@ -86,5 +86,5 @@ private:
     QString m_deviceName;
     QString m_exchangeFilePath;
     QString m_diaryName;
-    bool m_isOfRun = false; ///< the run under way began with this session, or with an earlier one of the same diary
+    int m_diary; ///< the same number in a session that took over from another one
 };

@@ -4,25 +4,31 @@
 
 #include "plugin/session/PatientSession.h"
 
+#include <QVector>
+
 namespace {
 
-int s_watches = 0;
+QVector<int> s_watched; // the diary of each watch
 
 } // namespace
 
 SessionWatch::SessionWatch()
+    : m_diary(PatientSession::instance()->m_diary)
 {
-    if (++s_watches == 1)
-        PatientSession::instance()->m_isOfRun = true;
+    s_watched.append(m_diary);
 }
 
 SessionWatch::~SessionWatch()
 {
-    if (--s_watches == 0)
-        PatientSession::instance()->m_isOfRun = false;
+    s_watched.removeOne(m_diary);
+}
+
+bool SessionWatch::isWatched(const PatientSession& session)
+{
+    return s_watched.contains(session.m_diary);
 }
 
 bool SessionWatch::hasDiaryChanged() const
 {
-    return !PatientSession::instance()->m_isOfRun;
+    return PatientSession::instance()->m_diary != m_diary;
 }
