@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/MainDialog.h"
 
+#include "dialogs/CallLater.h"
 #include "dialogs/DialogEnd.h"
 #include "dialogs/DialogHeader.h"
 #include "dialogs/FormScale.h"
@@ -18,8 +19,6 @@
 #include "reader/RunEnd.h"
 #include "toolkit/LmIcons.h"
 #include "toolkit/LmWidgets.h"
-
-#include <QTimer>
 
 namespace {
 
@@ -87,16 +86,23 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
 
 void MainDialog::loadPictures(QObject* context, QVector<QPixmap>* kept)
 {
+    const QPair<QString, int> pictures[] = {
+        {PumpPicture, PictureWidth},
+        {ReaderPicture, PictureWidth},
+        {QStringLiteral(":/img/Images/ConfirmCode.svg"), PumpAddDialog::PictureWidth},
+        {QStringLiteral(":/img/Images/PumpFinger.svg"), PumpAddDialog::PictureWidth},
+        {QStringLiteral(":/img/Images/CancelOnPump.svg"), PumpAddDialog::PictureWidth},
+    };
     int delay = 0;
-    for (const QString& path : {PumpPicture, ReaderPicture}) {
+    for (const auto& [path, width] : pictures) {
         // Two turns for each picture, as both take time: loading the icon decodes the picture three times, and the two
         // pixmaps decode it once each.
-        QTimer::singleShot(delay += LoadIntervalMs, context, [path] { lmIcon(path); });
-        QTimer::singleShot(delay += LoadIntervalMs, context, [path, kept] {
+        callLater(delay += LoadIntervalMs, context, [path = path] { lmIcon(path); });
+        callLater(delay += LoadIntervalMs, context, [path = path, width = width, kept] {
             QLabel label;
             kept->append(QPixmap(path)); // the form loads it too
             label.setPixmap(kept->last());
-            showScaledToWidth(&label, path, PictureWidth);
+            showScaledToWidth(&label, path, width);
             kept->append(label.pixmap(Qt::ReturnByValue));
         });
     }
@@ -130,7 +136,7 @@ void MainDialog::onPrepareFinished(bool success)
             QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: status='%1'.").arg(int(status)));
 
     // A failed abort doesn't stop the dialog.
-    QTimer::singleShot(PauseAfterAbortMs, this, &MainDialog::queryPairedPump);
+    callLater(PauseAfterAbortMs, this, &MainDialog::queryPairedPump);
 }
 
 void MainDialog::queryPairedPump()
@@ -263,19 +269,18 @@ bool MainDialog::rejectIfDiaryChanged()
         // What this run's command yielded for its own patient is now in the session of another one.
         PatientSession::instance()->setPump({}, {});
         PatientSession::instance()->setExchangeFilePath({});
-        reportDiaryChanged();
+        logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));
+        warn(tr("Merivo Connections", "Default message box title used within plugin warnings."), diaryChangedText());
         closeAsRejected(this);
     }
     return true;
 }
 
-void MainDialog::reportDiaryChanged()
+QString MainDialog::diaryChangedText()
 {
-    logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));
     // The catalogue has no such text, so it is shown in one language.
-    warn(tr("Merivo Connections", "Default message box title used within plugin warnings."),
-         QStringLiteral("The patient's diary was closed or changed. Nothing was imported. Please open the diary and "
-                        "start the plugin again."));
+    return QStringLiteral("The patient's diary was closed or changed. Nothing was imported. Please open the diary and "
+                          "start the plugin again.");
 }
 
 void MainDialog::refresh()

@@ -29,16 +29,17 @@ public:
     /// Services and database stay the host's. A simulation path that isn't empty is shown to the user.
     MainDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
 
-    /// Loads the two large pictures in four short turns of the event loop, and stops when @p context is deleted.
-    /// Without this call the constructor of the first dialog decodes them, which takes 20 ms. Adds their pixmaps to @p
-    /// kept, since Qt's cache drops pixmaps that nothing refers to. GUI thread only.
+    /// Loads the large pictures of the dialogs in short turns of the event loop, and stops when @p context is deleted.
+    /// Without this call the constructor of the first main dialog takes 20 ms to decode its pictures, and that of the
+    /// first add dialog 30 ms. Adds their pixmaps to @p kept, since Qt's cache drops pixmaps that nothing refers to. GUI
+    /// thread only.
     static void loadPictures(QObject* context, QVector<QPixmap>* kept);
 
     /// Closes the dialog once the patient's pump is known; does nothing before.
     void reject() override;
 
-    /// Logs that the run ended because its diary was closed or changed, and shows it to the user.
-    static void reportDiaryChanged();
+    /// Returns the text for the user of a run that ended because its diary was closed or changed.
+    static QString diaryChangedText();
 
 Q_SIGNALS:
     /// A read-out has ended with data, whose path is in PatientSession; the dialog closes right after. Carries the GUID

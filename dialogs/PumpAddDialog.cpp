@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/PumpAddDialog.h"
 
+#include "dialogs/CallLater.h"
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogEnd.h"
 #include "dialogs/DialogHeader.h"
@@ -13,11 +14,9 @@
 #include "workflows/AddPumpControl.h"
 
 #include <QPushButton>
-#include <QTimer>
 
 namespace {
 
-constexpr int PictureWidth = 200;
 constexpr int PauseAfterAbortMs = 3000;
 
 } // namespace
@@ -216,7 +215,7 @@ void PumpAddDialog::stopSearch()
     disconnect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
     StatusFileParser::instance()->cancel();
     CommandFileWriter::instance()->abort();
-    QTimer::singleShot(PauseAfterAbortMs, this, [this] {
+    callLater(PauseAfterAbortMs, this, [this] {
         awaitRunEnd(this, &PumpAddDialog::onAbortFinished);
         StatusFileParser::instance()->start(20, 10, 5);
     });

@@ -20,6 +20,8 @@ class PumpAddDialog final : public PumpDialog, private Ui::PumpAddDialog
     Q_DISABLE_COPY_MOVE(PumpAddDialog)
 
 public:
+    static constexpr int PictureWidth = 200; ///< in pixels at 96 dpi
+
     PumpAddDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
 
     bool isCancelEnabled() const override;

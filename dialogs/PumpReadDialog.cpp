@@ -2,14 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/PumpReadDialog.h"
 
+#include "dialogs/CallLater.h"
 #include "dialogs/DialogHeader.h"
 #include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"
 #include "workflows/ReadoutPumpControl.h"
-
-#include <QTimer>
 
 namespace {
 
@@ -32,7 +31,7 @@ PumpReadDialog::PumpReadDialog(IServices* services, IDatabase* database, const Q
     markHighlightFont(m_MessageLabel);
     m_ReadButton->hide();
 
-    QTimer::singleShot(StartDelayMs, this, &PumpReadDialog::startRead);
+    callLater(StartDelayMs, this, &PumpReadDialog::startRead);
     setMessage(tr("Looking for pump %1").arg(PatientSession::instance()->pumpSerialNumber()));
     // Kept in the catalogue for the Ok button that onButtonClicked() can serve; the dialog shows none.
     tr("Import", "Button description of the 'OK' button");
@@ -83,7 +82,7 @@ void PumpReadDialog::onReadoutSucceeded()
     m_ResultLabel->setAccessibleName(m_ProgressLabel->text());
     setUpdatesEnabled(true);
 
-    QTimer::singleShot(ResultShownMs, this, &PumpReadDialog::acceptData);
+    callLater(ResultShownMs, this, &PumpReadDialog::acceptData);
 }
 
 void PumpReadDialog::onReadoutFailed()

@@ -73,8 +73,10 @@ IPlugin* MerivoConnectionsComponent::plugin() const
 
 void MerivoConnectionsComponent::loadPictures()
 {
-    if (m_pictures.isEmpty() && qobject_cast<QApplication*>(QCoreApplication::instance()))
-        MainDialog::loadPictures(this, &m_pictures);
+    if (m_isLoadingPictures || !qobject_cast<QApplication*>(QCoreApplication::instance()))
+        return;
+    m_isLoadingPictures = true;
+    MainDialog::loadPictures(this, &m_pictures);
 }
 
 bool MerivoConnectionsComponent::execute(QWidget* parent)
@@ -115,8 +117,8 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
     }
     // Diary events come in while the adapter waits.
     if (sessionWatch.hasDiaryChanged()) {
-        MainDialog::reportDiaryChanged();
-        return false;
+        return fail(parent, MainDialog::diaryChangedText(),
+                    QStringLiteral("-!- Plugin component execution failed: diary closed or changed"));
     }
 
     CommandFileWriter::create(drivePath);

@@ -30,7 +30,7 @@ public:
     /// Checks that a patient is open, that a reader is there and that its firmware is new enough, then runs the main
     /// dialog modally and returns when the user is done. Returns true if the main dialog was shown. Otherwise shows a
     /// message box over @p parent, logs the failure and cleans up. A diary that is closed or replaced by another
-    /// patient's before the main dialog opens is a failure too; its message box is the main dialog's and has no parent.
+    /// patient's before the main dialog opens is a failure too.
     ///
     /// The event loop turns in here, also before and after the main dialog is open. A call from there leaves a line in
     /// the log, returns false at once and disturbs nothing.
@@ -50,7 +50,8 @@ private:
     CommandController* m_commandController;
     MerivoConnectionsPlugin* m_plugin;
     QIcon m_icon;
-    QVector<QPixmap> m_pictures; ///< Keeps them in Qt's cache.
+    QVector<QPixmap> m_pictures;      ///< Keeps them in Qt's cache.
+    bool m_isLoadingPictures = false; ///< remains true afterwards
     bool m_isRunning = false;
 
 public:

@@ -84,17 +84,18 @@ QPoint cell(DevicesTable& table, int row)
 /// Lets the youngest single-shot timer of that interval fire now.
 void fireTimer(int interval)
 {
-    const auto* dispatcher = QAbstractEventDispatcher::instance();
-    const QObjectList timers = dispatcher->children();
-    const auto isIt = [&](QObject* timer) {
-        const auto infos = dispatcher->registeredTimers(timer);
-        return !infos.isEmpty() && infos[0].interval == interval;
-    };
-    const auto found = std::find_if(timers.crbegin(), timers.crend(), isIt);
-    if (found == timers.crend())
+    QTimer* youngest = nullptr;
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        for (QTimer* timer : window->findChildren<QTimer*>()) {
+            if (timer->isActive() && timer->interval() == interval &&
+                (!youngest || timer->remainingTime() > youngest->remainingTime()))
+                youngest = timer;
+        }
+    }
+    if (!youngest)
         qFatal("No timer of %d ms is set", interval);
-    QTimerEvent event(dispatcher->registeredTimers(*found).constFirst().timerId);
-    QCoreApplication::sendEvent(*found, &event);
+    QTimerEvent event(youngest->timerId());
+    QCoreApplication::sendEvent(youngest, &event);
 }
 
 /// A host that refreshes.
@@ -484,8 +485,12 @@ void DialogsTest::destroyedDialogIsNotReached()
 {
     Story story("read");
     story.dialog.reset();
-    fireTimer(2600);
-    QCOMPARE(story.happened(), QStringList());
+    // What the event dispatcher kept would be freed after the plug-in was unloaded.
+    auto* dispatcher = QAbstractEventDispatcher::instance();
+    for (QObject* timer : dispatcher->children()) {
+        for (const QAbstractEventDispatcher::TimerInfo& info : dispatcher->registeredTimers(timer))
+            QVERIFY(info.interval != 2600);
+    }
 }
 
 void DialogsTest::wholeRun()
