@@ -66,7 +66,8 @@ int readableSize(const QByteArray& list)
     return list.size();
 }
 
-void parseInterface(QXmlStreamReader& xml, DeviceInfo& device)
+/// @p isCut: the list is read only in part, so that its end isn't that of the file.
+void parseInterface(QXmlStreamReader& xml, bool isCut, DeviceInfo& device)
 {
     while (xml.readNextStartElement()) {
         if (xml.name() == QLatin1String("BTADR")) {
@@ -74,7 +75,8 @@ void parseInterface(QXmlStreamReader& xml, DeviceInfo& device)
         } else if (xml.name() == QLatin1String("PATIENT_ID")) {
             const QString id = xml.readElementText();
             // A part of an id could be the id of another patient, or of none, and the pairing would then be removed.
-            const bool isDamaged = xml.hasError() && xml.error() != QXmlStreamReader::PrematureEndOfDocumentError;
+            const bool isDamaged =
+                xml.hasError() && (isCut || xml.error() != QXmlStreamReader::PrematureEndOfDocumentError);
             // The reader writes exactly one zero for no patient.
             device.patientId = isDamaged || id == QLatin1String("0") ? QString() : id;
             device.paired = isDamaged || !device.patientId.isEmpty();
@@ -84,7 +86,7 @@ void parseInterface(QXmlStreamReader& xml, DeviceInfo& device)
     }
 }
 
-DeviceInfo parseDevice(QXmlStreamReader& xml)
+DeviceInfo parseDevice(QXmlStreamReader& xml, bool isCut)
 {
     DeviceInfo device;
     while (xml.readNextStartElement()) {
@@ -93,7 +95,7 @@ DeviceInfo parseDevice(QXmlStreamReader& xml)
         else if (xml.name() == QLatin1String("SERIALNR"))
             device.serialNumber = xml.readElementText();
         else if (xml.name() == QLatin1String("INTERFACE"))
-            parseInterface(xml, device);
+            parseInterface(xml, isCut, device);
         else // CLASS, MODELNR, and what a later firmware may add
             xml.skipCurrentElement();
     }
@@ -108,8 +110,7 @@ QList<DeviceInfo> parseDeviceList(const QString& path)
     const qint64 fileSize = file.size();
     QByteArray list = file.read(std::min(fileSize, MaxListSize));
     list.truncate(readableSize(list));
-    if (list.size() < fileSize)
-        list += "]]>"; // not well-formed: an id that is cut here is damaged, and not one at the end of the file
+    const bool isCut = list.size() < fileSize;
     // By a buffer: bytes that are no text, given all at once, would cost the whole list.
     QBuffer buffer(&list);
     if (!buffer.open(QIODevice::ReadOnly))
@@ -122,7 +123,7 @@ QList<DeviceInfo> parseDeviceList(const QString& path)
     QList<DeviceInfo> devices;
     while (xml.readNextStartElement()) {
         if (xml.name() == QLatin1String("DEVICE"))
-            devices.append(parseDevice(xml));
+            devices.append(parseDevice(xml, isCut));
         else
             xml.skipCurrentElement();
     }
