@@ -13,9 +13,9 @@
 
 namespace {
 
-void showIfAny(QLabel* label, const QString& text)
+void showIfAny(QLabel* label, const QString& text, int maxLines)
 {
-    showForeignText(label, text);
+    showForeignText(label, text, maxLines);
     label->setVisible(!text.isEmpty());
 }
 
@@ -45,8 +45,8 @@ void showPatient(QLabel* line1, QLabel* line2)
 {
     markHighlightFont(line1);
     const PatientSession* session = PatientSession::instance();
-    showIfAny(line1, session->patientName());
-    showIfAny(line2, session->patientIdExt());
+    showIfAny(line1, session->patientName(), 3);
+    showIfAny(line2, session->patientIdExt(), 2);
 }
 
 QString inQuestion(const QString& text)

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScreen>
+#include <QTextDocument>
 #include <QVariant>
 
 namespace {
@@ -77,14 +78,29 @@ bool fits(const QLabel& label, const QString& text)
     return needed.width() <= room.width() && needed.height() < (maxLines + 1) * metrics.lineSpacing();
 }
 
+/// Shows as much of the label's text as fits, and at least one character.
 void shorten(QLabel* label)
 {
     const QString text = label->text();
-    QString shown = text;
-    for (int length = qMin(text.size(), MaxForeignLength); !fits(*label, shown) && length > 0; --length)
-        shown = elided(text, length);
-    label->setText(shown);
-    label->setToolTip(shown == text ? QString() : text);
+    if (text.size() <= MaxForeignLength && fits(*label, text))
+        return;
+    int fitting = 1;
+    for (int tooLong = qMin(text.size(), MaxForeignLength); fitting + 1 < tooLong;) {
+        const int middle = (fitting + tooLong) / 2;
+        (fits(*label, elided(text, middle)) ? fitting : tooLong) = middle;
+    }
+    label->setText(elided(text, fitting));
+    label->setToolTip(Qt::convertFromPlainText(text)); // a name may look like markup
+}
+
+/// The size below which texts of @p widget are cut. A button's icon may be cut by some pixels of its empty border.
+QSize neededSize(const QWidget& widget)
+{
+    QSize needed = widget.minimumSizeHint();
+    const auto* button = qobject_cast<const QPushButton*>(&widget);
+    if (button && !button->icon().isNull())
+        needed.rheight() -= qMax(0, button->iconSize().height() - button->fontMetrics().height());
+    return needed;
 }
 
 /// Resizes the dialog to @p size, or more if its texts need it. With a style sheet or a large font they may need more
@@ -93,9 +109,10 @@ void growToTexts(QDialog* dialog, QSize size)
 {
     const QList<QWidget*> widgets = dialog->findChildren<QWidget*>();
     for (QWidget* widget : widgets) {
-        widget->setMaximumSize(widget->maximumSize().expandedTo(widget->minimumSizeHint()));
-        if (widget->layout() && widget->minimumWidth() > 0)
-            widget->setMinimumWidth(qMax(widget->minimumWidth(), widget->minimumSizeHint().width()));
+        const QSize needed = neededSize(*widget);
+        if (needed.width() > widget->maximumWidth())
+            widget->setMinimumWidth(needed.width());
+        widget->setMaximumSize(widget->maximumSize().expandedTo(needed));
     }
     layOut(dialog);
     const QLayout* layout = dialog->layout();
