@@ -31,8 +31,8 @@ public:
 
     /// Loads the large pictures of the dialogs in short turns of the event loop, and stops when @p context is deleted.
     /// Without this call the constructor of the first main dialog takes 20 ms to decode its pictures, and that of the
-    /// first add dialog 30 ms. Adds their pixmaps to @p kept, since Qt's cache drops pixmaps that nothing refers to. GUI
-    /// thread only.
+    /// first add dialog 30 ms. Adds their pixmaps to @p kept, since Qt's cache drops pixmaps that nothing refers to.
+    /// GUI thread only.
     static void loadPictures(QObject* context, QVector<QPixmap>* kept);
 
     /// Closes the dialog once the patient's pump is known; does nothing before.
