@@ -5,14 +5,14 @@
 #include <QTimer>
 
 /// Calls @p function, a member of @p context or a functor, once in @p ms milliseconds, unless @p context is deleted
-/// before. Unlike QTimer::singleShot(), leaves nothing behind then: the event dispatcher would keep the functor, and
-/// free it by code of the plug-in, which may have been unloaded by that time.
+/// before. QTimer::singleShot() would leave the functor in the event dispatcher then, and destroy it later with code of
+/// the plug-in, which may be unloaded by then.
 template <typename Context, typename Function>
 void callLater(int ms, Context* context, Function function)
 {
     auto* timer = new QTimer(context);
     timer->setSingleShot(true);
-    timer->setTimerType(ms > 2000 ? Qt::CoarseTimer : Qt::PreciseTimer); // as QTimer::singleShot()
+    timer->setTimerType(ms >= 2000 ? Qt::CoarseTimer : Qt::PreciseTimer); // as QTimer::singleShot()
     QObject::connect(timer, &QTimer::timeout, context, function);
     QObject::connect(timer, &QTimer::timeout, timer, &QObject::deleteLater);
     timer->start(ms);

@@ -78,7 +78,7 @@ bool fits(const QLabel& label, const QString& text)
     return needed.width() <= room.width() && needed.height() < (maxLines + 1) * metrics.lineSpacing();
 }
 
-/// Shows as much of the label's text as fits, and at least one character.
+/// Shows as much of the label's text as fits.
 void shorten(QLabel* label)
 {
     const QString text = label->text();
@@ -90,10 +90,11 @@ void shorten(QLabel* label)
         (fits(*label, elided(text, middle)) ? fitting : tooLong) = middle;
     }
     label->setText(elided(text, fitting));
-    label->setToolTip(Qt::convertFromPlainText(text)); // a name may look like markup
+    label->setToolTip(Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal)); // a name may look like markup
+    label->setAccessibleDescription(text);                                   // would be the tool tip's markup
 }
 
-/// The size below which texts of @p widget are cut. A button's icon may be cut by some pixels of its empty border.
+/// Returns the size below which texts of @p widget are cut. An icon may extend into the margins of its button.
 QSize neededSize(const QWidget& widget)
 {
     QSize needed = widget.minimumSizeHint();
@@ -159,6 +160,7 @@ void showForeignText(QLabel* label, const QString& text, int maxLines)
     label->setMinimumWidth(1);
     label->setText(text);
     label->setToolTip({});
+    label->setAccessibleDescription({});
     if (label->isVisible()) {
         label->parentWidget()->layout()->activate();
         shorten(label);

@@ -73,9 +73,9 @@ IPlugin* MerivoConnectionsComponent::plugin() const
 
 void MerivoConnectionsComponent::loadPictures()
 {
-    if (m_isLoadingPictures || !qobject_cast<QApplication*>(QCoreApplication::instance()))
+    if (m_hasLoadedPictures || !qobject_cast<QApplication*>(QCoreApplication::instance()))
         return;
-    m_isLoadingPictures = true;
+    m_hasLoadedPictures = true;
     MainDialog::loadPictures(this, &m_pictures);
 }
 

@@ -36,8 +36,8 @@ public:
     /// the log, returns false at once and disturbs nothing.
     bool execute(QWidget* parent) override;
 
-    /// Loads the pictures of the main dialog at the first call, in the next turns of the event loop, so that the dialog
-    /// opens without a noticeable pause. Does nothing in an application without widgets.
+    /// Loads the large pictures of the dialogs at the first call, in the next turns of the event loop, so that the
+    /// dialogs open without a noticeable pause. Does nothing in an application without widgets.
     void loadPictures();
 
     /// True unless one of the reader's log files on that drive tells of a firmware below 3.2.23. A drive without such a
@@ -50,8 +50,8 @@ private:
     CommandController* m_commandController;
     MerivoConnectionsPlugin* m_plugin;
     QIcon m_icon;
-    QVector<QPixmap> m_pictures;      ///< Keeps them in Qt's cache.
-    bool m_isLoadingPictures = false; ///< remains true afterwards
+    QVector<QPixmap> m_pictures; ///< Keeps them in Qt's cache.
+    bool m_hasLoadedPictures = false;
     bool m_isRunning = false;
 
 public:

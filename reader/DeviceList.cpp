@@ -66,7 +66,7 @@ int readableSize(const QByteArray& list)
     return list.size();
 }
 
-/// @p isCut: the list is read only in part, so that its end isn't that of the file.
+/// Reads an INTERFACE element. @p isCut: the list was read only in part.
 void parseInterface(QXmlStreamReader& xml, bool isCut, DeviceInfo& device)
 {
     while (xml.readNextStartElement()) {
