@@ -61,7 +61,7 @@ void keepFreedMemory()
 QString memoryFolder()
 {
     const QString memory = "/dev/shm";
-    return QFileInfo(memory).isDir() ? memory : QDir::tempPath();
+    return QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
 }
 
 bool writeRandomFile(const QString& path, int mebibytes)

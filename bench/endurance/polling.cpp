@@ -12,6 +12,7 @@
 #include "support/ReaderFolder.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QLoggingCategory>
 
 #include <algorithm>
@@ -151,7 +152,8 @@ int main(int argc, char** argv)
         return 2;
     }
     VirtualTime::start();
-    qputenv("TMPDIR", "/dev/shm");
+    if (QFileInfo("/dev/shm").isWritable())
+        qputenv("TMPDIR", "/dev/shm");
     QCoreApplication app(argc, argv);
     watchObjects();
     QLoggingCategory::setFilterRules("*.debug=false\nplugin.merivoconnections.debug=true");
