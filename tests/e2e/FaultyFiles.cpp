@@ -122,7 +122,8 @@ int open64(const char* path, int flags, ...)
     LIBRARY_FUNCTION(open64);
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
+    const bool hasMode = flags & O_CREAT || (flags & O_TMPFILE) == O_TMPFILE;
+    const mode_t mode = hasMode ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     if (const auto action = currentOpeningAction())
         (*action)(path);
