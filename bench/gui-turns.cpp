@@ -7,12 +7,12 @@
 #include "bench/TurnMeter.h"
 #include "host/IComponent.h"
 #include "host/IPlugin.h"
+#include "support/ModalUser.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QEvent>
 #include <QPluginLoader>
 #include <QPushButton>
 #include <QSettings>
@@ -28,6 +28,7 @@ namespace {
 
 constexpr int PatienceMs = 60000;
 constexpr int PauseMs = 500;     // before each read-out
+constexpr int CheckMs = 1000;    // between two checks of the user, each of which is a turn
 constexpr int ProgressMs = 3000; // the reader's time for the pump's history
 constexpr int ExchangeFileBytes = 512 * 1024;
 
@@ -53,24 +54,6 @@ void prepare(ReaderFolder& reader)
             reader.writeFile("I0001.xml", QByteArray(ExchangeFileBytes, 'x'));
     };
 }
-
-/// The user, who clicks "Read pump" as soon as it is enabled. Has no timer, which would add turns of its own.
-class User final : public QObject
-{
-public:
-    User() { qApp->installEventFilter(this); }
-
-private:
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == QEvent::EnabledChange && watched->objectName() == "m_readPumpButton") {
-            auto* button = qobject_cast<QAbstractButton*>(watched);
-            if (button && button->isEnabled())
-                QMetaObject::invokeMethod(button, &QAbstractButton::click, Qt::QueuedConnection);
-        }
-        return false;
-    }
-};
 
 /// Ends the program from within a run, whose objects can't be destroyed in the middle of their work.
 [[noreturn]] void giveUp(const QString& why)
@@ -151,7 +134,7 @@ int main(int argc, char** argv)
     // The host's window with its menu entry, shown before the measurement starts.
     QPushButton window(component->menuText());
     window.setIcon(component->icon());
-    const User user;
+    const ModalUser user([](const QWidget& dialog) { pressButton(dialog, "m_readPumpButton"); }, CheckMs);
     std::size_t firstReadOut = 0;
     QObject::connect(&window, &QPushButton::clicked, &window, [&] {
         if (!component->execute(&window))

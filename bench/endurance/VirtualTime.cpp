@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "bench/endurance/VirtualTime.h"
 
+#include <QAbstractEventDispatcher>
+#include <QThreadPool>
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -216,6 +219,17 @@ void VirtualTime::start(bool readingsTakeTime)
     // In whole seconds, so that all times are cut to milliseconds alike.
     s_wallOffset = (systemTime(CLOCK_REALTIME) / Second - Start / Second) * Second;
     s_on = true;
+}
+
+void VirtualTime::endIdleThreads()
+{
+    const auto* dispatcher = QAbstractEventDispatcher::instance();
+    QThreadPool* pool = QThreadPool::globalInstance();
+    const auto end = [pool] {
+        pool->waitForDone();
+    };
+    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, pool, end);
+    QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, pool, end);
 }
 
 void VirtualTime::becomePeer()

@@ -11,7 +11,7 @@
 /// gettimeofday(), nanosleep(), poll() and ppoll(), through which Qt, GLib and the standard library do both. Once every
 /// thread waits and no descriptor that one of them waits for is ready, the clock jumps to the earliest time that is
 /// waited for. Timers fire in their order, at their times. A thread that waits for something other than time and
-/// descriptors stops the clock, so a thread pool must not keep idle threads.
+/// descriptors stops the clock, for instance an idle one of a thread pool, see endIdleThreads().
 ///
 /// Waits on condition variables are not replaced: nothing here waits on one with a limit. Linux only.
 namespace VirtualTime {
@@ -19,6 +19,9 @@ namespace VirtualTime {
 /// Switches to this clock. Call once, before the application object is created. A reading of the clock takes a
 /// microsecond, or no time, with which all times are the same in each run but whole milliseconds, which Qt rounds up.
 void start(bool readingsTakeTime = true);
+/// Ends the idle threads of Qt's global thread pool whenever the calling thread's event loop waits. Call once, after
+/// the application object is created. The pool's expiry time is no replacement: it is a wait on a condition variable.
+void endIdleThreads();
 /// Makes the calling thread run only while all other threads wait, and they only while it waits. What the two sides do
 /// to each other then happens in the same order in each run. At most one thread at a time, until it ends.
 void becomePeer();

@@ -7,12 +7,11 @@
 #include "bench/endurance/VirtualTime.h"
 #include "host/IComponent.h"
 #include "host/IPlugin.h"
+#include "support/ModalUser.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
 
-#include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -21,7 +20,6 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QThreadPool>
 #include <QTimer>
 
 #include <cstdio>
@@ -31,7 +29,7 @@
 namespace {
 
 constexpr int PauseMs = 200; // before each run
-constexpr int GlanceMs = 50; // between two checks of the user
+constexpr int CheckMs = 50;  // between two checks of the user
 constexpr int PatienceMs = 10 * 60 * 1000;
 constexpr int WarmRun = 100; // whose memory the last one is compared with
 constexpr qint64 AllowedGrowthKiB = 1024;
@@ -42,8 +40,7 @@ constexpr int ConnectionLost = 32;
 struct Click
 {
     const char* dialog;
-    const char* button; ///< its object name; empty: the standard button
-    QDialogButtonBox::StandardButton standardButton = QDialogButtonBox::NoButton;
+    const char* button; ///< as pressableButtons() names it
 };
 
 /// One way through the plug-in, with the reader's answers to one command other than usual.
@@ -61,16 +58,16 @@ const QList<ReaderFolder::Answer> Failed{{20, "running"}, {1000, "failed", "", C
 const Click Read{"MainDialog", "m_readPumpButton"};
 const Click Add{"MainDialog", "m_addPumpButton"};
 const Click Remove{"MainDialog", "m_removePumpButton"};
-const Click Close{"MainDialog", "", QDialogButtonBox::Close};
+const Click Close{"MainDialog", "Close"};
 const Click SearchOrStop{"PumpAddDialog", "m_OverviewButton"};
 const Click AssignPump{"PumpAddDialog", "m_AssignButton"};
 const Click ConfirmCode{"PumpAddDialog", "m_ConfirmButton"};
-const Click FinishAdding{"PumpAddDialog", "", QDialogButtonBox::Ok};
-const Click CancelAdding{"PumpAddDialog", "", QDialogButtonBox::Cancel};
-const Click CancelReading{"PumpReadDialog", "", QDialogButtonBox::Cancel};
-const Click OkRemoval{"PumpRemoveDialog", "", QDialogButtonBox::Ok};
-const Click MessageOk{"LmMessageBox", "", QDialogButtonBox::Ok};
-const Click MessageYes{"LmMessageBox", "", QDialogButtonBox::Yes};
+const Click FinishAdding{"PumpAddDialog", "Ok"};
+const Click CancelAdding{"PumpAddDialog", "Cancel"};
+const Click CancelReading{"PumpReadDialog", "Cancel"};
+const Click OkRemoval{"PumpRemoveDialog", "Ok"};
+const Click MessageOk{"LmMessageBox", "Ok"};
+const Click MessageYes{"LmMessageBox", "Yes"};
 
 /// Most runs use the first one. The first runs use each of them twice.
 const std::vector<Story> Stories{
@@ -115,55 +112,6 @@ void prepare(ReaderFolder& reader, const Story& story)
     };
 }
 
-/// Makes the clicks of a story, at most one with each check.
-class User final : public QObject
-{
-public:
-    User()
-    {
-        connect(&m_timer, &QTimer::timeout, this, &User::check);
-        m_timer.start(GlanceMs);
-    }
-
-    void follow(const Story& story)
-    {
-        m_story = &story;
-        m_nextClick = 0;
-        m_checksLeft = PatienceMs / GlanceMs;
-    }
-    bool isFinished() const { return m_nextClick == m_story->clicks.size(); }
-    void stop() { m_story = nullptr; }
-
-private:
-    void check()
-    {
-        if (!m_story)
-            return;
-        if (--m_checksLeft == 0)
-            giveUp(QString("the run \"%1\" doesn't end; clicks made: %2").arg(m_story->name).arg(m_nextClick));
-        if (isFinished())
-            return;
-        const Click& click = m_story->clicks.at(m_nextClick);
-        QWidget* dialog = QApplication::activeModalWidget();
-        if (!dialog || qstrcmp(dialog->metaObject()->className(), click.dialog) != 0)
-            return;
-        const auto* box = dialog->findChild<QDialogButtonBox*>();
-        QAbstractButton* button = *click.button ? dialog->findChild<QAbstractButton*>(click.button)
-                                  : box         ? box->button(click.standardButton)
-                                                : nullptr;
-        if (!button || !button->isVisible() || !button->isEnabled())
-            return;
-        ++m_nextClick;
-        // Queued, as this timer would be blocked for as long as the dialogs that the click opens.
-        QMetaObject::invokeMethod(button, &QAbstractButton::click, Qt::QueuedConnection);
-    }
-
-    QTimer m_timer;
-    const Story* m_story = nullptr;
-    std::size_t m_nextClick = 0;
-    int m_checksLeft = 0;
-};
-
 /// Makes the runs one after the other, and compares what the process holds after each with what it held before the
 /// first.
 class Endurance final : public QObject
@@ -178,6 +126,8 @@ public:
         m_window.setText(component->menuText());
         m_window.setIcon(component->icon());
         m_window.show();
+        m_patience.setSingleShot(true);
+        connect(&m_patience, &QTimer::timeout, this, [this] { giveUp(describeRun("doesn't end")); });
         prepare(m_reader, Stories.front());
         // In the outermost event loop, after all pending deletions, as a host opens a menu entry.
         QTimer::singleShot(PauseMs, this, [this] {
@@ -205,14 +155,15 @@ private:
         const auto number = static_cast<std::size_t>(m_run++);
         const bool isRare = number < 2 * Stories.size() || m_run % 10 == 0;
         const std::size_t index = !isRare ? 0 : number < 2 * Stories.size() ? number : number / 10;
-        const Story& story = Stories.at(index % Stories.size());
+        m_story = &Stories.at(index % Stories.size());
         m_host.openDiary(QString("p-%1").arg(m_run), {"Doe", "Jane", "1970-02-03", "4711"});
-        prepare(m_reader, story);
-        m_user.follow(story);
+        prepare(m_reader, *m_story);
+        m_clicks = 0;
+        m_patience.start(PatienceMs);
         if (!m_component->execute(&m_window))
             giveUp(QString("the plug-in refused run %1").arg(m_run));
-        check(story);
-        m_user.stop();
+        m_patience.stop();
+        check();
         m_reader.commandsSeen.clear();
         m_host.journal.clear();
         m_host.commandHandler.imports.clear();
@@ -220,17 +171,33 @@ private:
     }
 
     /// A run that does nothing leaves nothing behind either, so checks what it did.
-    void check(const Story& story) const
+    void check() const
     {
         const auto& imports = m_host.commandHandler.imports;
         const bool isOurs = imports.empty() || (imports.front()->puid() == QString("p-%1").arg(m_run) &&
                                                 imports.front()->fileMac().size() == 64);
-        if (!m_user.isFinished() || static_cast<int>(imports.size()) != story.imports || !isOurs)
-            giveUp(QString("run %1 (%2) went wrong, with %3 imports; its log:\n%4")
-                       .arg(m_run)
-                       .arg(story.name)
-                       .arg(imports.size())
-                       .arg(m_host.journal.lines.join('\n')));
+        if (m_clicks != m_story->clicks.size() || static_cast<int>(imports.size()) != m_story->imports || !isOurs)
+            giveUp(describeRun("went wrong"));
+    }
+
+    QString describeRun(const char* what) const
+    {
+        return QString("run %1 (%2) %3, with %4 clicks and %5 imports; its log:\n%6")
+            .arg(m_run)
+            .arg(m_story->name, what)
+            .arg(m_clicks)
+            .arg(m_host.commandHandler.imports.size())
+            .arg(m_host.journal.lines.join('\n'));
+    }
+
+    /// Makes the next click if it is for that dialog.
+    void click(const QWidget& dialog)
+    {
+        if (m_clicks == m_story->clicks.size())
+            return;
+        const Click& next = m_story->clicks.at(m_clicks);
+        if (qstrcmp(dialog.metaObject()->className(), next.dialog) == 0 && pressButton(dialog, next.button))
+            ++m_clicks;
     }
 
     void compare()
@@ -255,7 +222,10 @@ private:
     IComponent* m_component;
     RecordingHost& m_host;
     ReaderFolder& m_reader;
-    User m_user;
+    const Story* m_story = nullptr;
+    std::size_t m_clicks = 0;
+    const ModalUser m_user{[this](const QWidget& dialog) { click(dialog); }, CheckMs};
+    QTimer m_patience;
     QPushButton m_window; ///< the host's
     const int m_runs;
     int m_run = 0;
@@ -279,12 +249,7 @@ int main(int argc, char** argv)
     if (QFileInfo("/dev/shm").isWritable())
         qputenv("TMPDIR", "/dev/shm");
     QApplication app(argc, argv);
-    // An idle thread of the pool would stop the clock.
-    const auto endPool = [] {
-        QThreadPool::globalInstance()->waitForDone();
-    };
-    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, endPool);
-    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, endPool);
+    VirtualTime::endIdleThreads();
     watchObjects();
     QLoggingCategory::setFilterRules("*.debug=false\n*.info=false\n*.warning=false\n*.critical=false");
     QApplication::setQuitOnLastWindowClosed(false);
