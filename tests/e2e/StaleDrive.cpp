@@ -3,14 +3,13 @@
 #include "e2e/FaultyFiles.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/StatusFileParser.h"
+#include "support/ReaderFolder.h"
 
-#include <QDir>
 #include <QEventLoop>
-#include <QFile>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 
 #include <cstdio>
+#include <memory>
 
 /// Sends commands to a drive that shows each answer only behind some triggers, and what it showed before until then.
 /// One in twenty isn't answered in time; its answer comes behind the next command, if that is of another word. Returns
@@ -18,23 +17,19 @@
 int runStaleDrive(int commands)
 {
     constexpr int Never = 1000000;
-    const QTemporaryDir drive;
-    QDir(drive.path()).mkdir("MISC");
+    const ReaderFolder drive;
     QRandomGenerator random(1);
     struct
     {
         int number;
-        QByteArray word;
+        QString word;
         int begins; // the look from which on the drive shows it as running
         int ends;
     } answer{0, "NONE", 0, 0}, earlier = answer;
     int looks = 0; // the snapshot's with it; the two threads never look at the same time
-    const auto show = [&](const auto& shown, const QByteArray& status) {
-        const QByteArray number = QByteArray::number(shown.number);
-        QFile file(drive.filePath("MISC/STATUS.TXT"));
-        if (!file.open(QIODevice::WriteOnly) ||
-            file.write(number + "\nCmd=" + shown.word + "\nStatus  = " + status + "\nResult  = " + number) < 0)
-            qFatal("the status can't be written");
+    const auto show = [&](const auto& shown, const QString& status) {
+        const QString number = QString::number(shown.number);
+        drive.writeStatus(number, shown.word, status, number);
     };
     show(answer, "done");
     FaultyFiles::onOpening([&](const QByteArray& path) {
@@ -48,34 +43,34 @@ int runStaleDrive(int commands)
         if (looks == answer.ends)
             show(answer, "done");
     });
-    CommandFileWriter* writer = CommandFileWriter::create(drive.path());
-    StatusFileParser* parser = StatusFileParser::create(drive.path());
+    const std::unique_ptr<CommandFileWriter> writer(CommandFileWriter::create(drive.drive()));
+    const std::unique_ptr<StatusFileParser> parser(StatusFileParser::create(drive.drive()));
     int outcomes[3] = {}; // right ones, time-outs, old ones
     for (int number = 1; number <= commands; ++number) {
         earlier = answer;
         looks = 0;
-        const int kind = random.bounded(3);
         const int begins = random.bounded(4) > 0 ? 3 : 11;
-        answer = {number,
-                  kind == 0   ? "SEARCH"
-                  : kind == 1 ? "BTREAD"
-                              : "BTISPAIRED",
-                  begins, random.bounded(20) > 0 ? begins + random.bounded(3) : Never};
-        kind == 0 ? writer->search() : kind == 1 ? writer->read("S") : writer->isPaired("P");
+        const int ends = random.bounded(20) > 0 ? begins + random.bounded(3) : Never;
+        const QStringList words{"SEARCH", "BTREAD", "BTISPAIRED"};
+        answer = {number, words.at(random.bounded(words.size())), begins, ends};
+        if (answer.word == "SEARCH")
+            writer->search();
+        else if (answer.word == "BTREAD")
+            writer->read("S");
+        else
+            writer->isPaired("P");
         QEventLoop loop;
         int outcome = 1;
         const auto onFinished = [&](bool success) {
             outcome = success && parser->m_lastStatus.result.toInt() == number ? 0 : 2;
             loop.quit();
         };
-        QObject::connect(parser, &StatusFileParser::timeout, &loop, &QEventLoop::quit, Qt::QueuedConnection);
-        QObject::connect(parser, &StatusFileParser::finished, &loop, onFinished, Qt::QueuedConnection);
+        QObject::connect(parser.get(), &StatusFileParser::timeout, &loop, &QEventLoop::quit, Qt::QueuedConnection);
+        QObject::connect(parser.get(), &StatusFileParser::finished, &loop, onFinished, Qt::QueuedConnection);
         parser->start(answer.ends == Never ? 3 : 60, 0, 1);
         loop.exec();
         ++outcomes[outcome];
     }
-    delete parser;
-    delete writer;
     std::printf("%d commands: %d right answers, %d time-outs, %d old answers\n", commands, outcomes[0], outcomes[1],
                 outcomes[2]);
     return outcomes[2] > 0 || outcomes[0] < commands / 2;

@@ -15,13 +15,8 @@ def is_whole(config):
     return config.getoption("whole") or config.getoption("keyword")
 
 
-@pytest.hookimpl(hookwrapper=True)
-def pytest_runtest_makereport(item, call):
-    report = (yield).get_result()
-    for station in getattr(item, "stations", []) if report.failed else []:
-        for name in ("reader.log", "host.log", "errors"):
-            text = (station.folder / name).read_text(errors="replace") if (station.folder / name).exists() else ""
-            report.sections.append((name, "\n".join(text.splitlines()[-80:])))
+def pytest_collection_modifyitems(items):
+    items.sort(key=lambda item: item.name != "test_demo")  # the longest one first
 
 
 @pytest.fixture
@@ -30,14 +25,17 @@ def build(request):
 
 
 @pytest.fixture
-def make_station(request, build):
-    request.node.stations = []
+def make_station(build):
+    """A function that makes stations. Of a test that fails, pytest shows their logs."""
+    stations = []
 
     def make(*arguments, **named):
-        station = Station(build, *arguments, **named)
-        request.node.stations.append(station)
-        return station
+        stations.append(Station(build, *arguments, **named))
+        return stations[-1]
 
     yield make
-    for station in request.node.stations:
+    for station in stations:
+        for name in ("reader.log", "host.log", "errors"):
+            lines = (station.folder / name).read_text(errors="replace").splitlines()
+            print(f"--- {name}", *lines[-80:], sep="\n")
         station.discard()

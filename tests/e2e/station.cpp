@@ -3,28 +3,26 @@
 #include "bench/endurance/VirtualTime.h"
 #include "e2e/FaultyFiles.h"
 #include "host/IComponent.h"
+#include "support/ModalUser.h"
 #include "workbench/host/HostApplication.h"
 #include "workbench/host/HostOptions.h"
 #include "workbench/reader/ReaderDrive.h"
 #include "workbench/reader/ReaderSimulator.h"
 #include "workbench/reader/Scenario.h"
+#include "workbench/support/LogFile.h"
 
 #include <QApplication>
 #include <QDateTime>
-#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
 #include <QMessageBox>
-#include <QMetaEnum>
-#include <QPushButton>
 #include <QStackedWidget>
 #include <QTableView>
 #include <QTest>
 #include <QThread>
-#include <QThreadPool>
 #include <QTimer>
 #include <QWindow>
 
@@ -34,9 +32,13 @@
 #include <string>
 #include <utility>
 
+#include <unistd.h>
+
 int runStaleDrive(int commands);
 
 namespace {
+
+constexpr unsigned MaxRealSeconds = 240; // from one report to the next
 
 /// The simulated reader, on a thread of its own. It runs only while the host waits, and the other way round.
 class ReaderThread final
@@ -44,12 +46,15 @@ class ReaderThread final
     Q_DISABLE_COPY_MOVE(ReaderThread)
 
 public:
-    /// Is called on the reader's thread when the reader serves its drive, with an empty text, and when it has failed.
+    /// Called on the reader's thread with the cause when the reader fails, and with an empty text when it has started.
     using Report = std::function<void(const QString& error)>;
 
-    explicit ReaderThread(Report report)
-        : m_report(std::move(report))
+    /// The folder holds the drive, the reader's log and its scenario in world.json.
+    ReaderThread(const QString& folder, Report report)
+        : m_folder(folder)
+        , m_report(std::move(report))
     {
+        m_log.open(folder + "/reader.log");
         m_context.moveToThread(&m_thread);
         m_thread.start();
         post([] { VirtualTime::becomePeer(); });
@@ -63,22 +68,21 @@ public:
             QThread::msleep(1);
     }
 
-    /// Replaces the running reader, if any. The words are options of merivo-reader, each followed by its value.
-    void start(const QString& drive, const QStringList& words)
+    /// Replaces the reader, if there is one.
+    void start()
     {
-        post([=] {
+        post([this] {
             stop();
-            if (const QString error = serve(drive, words); !error.isEmpty())
-                m_report(error);
+            m_report(serve());
         });
     }
     void setStalled(bool isStalled)
     {
-        if (!m_isStalled.exchange(isStalled) && isStalled)
-            post([this] {
-                while (m_isStalled)
-                    QThread::msleep(20);
-            });
+        m_isStalled = isStalled;
+        post([this] {
+            while (m_isStalled)
+                QThread::msleep(20);
+        });
     }
 
 private:
@@ -92,50 +96,76 @@ private:
         m_reader.reset();
         m_drive.reset();
     }
-    QString serve(const QString& path, const QStringList& words);
+    QString serve();
 
+    const QString m_folder;
     const Report m_report;
     QThread m_thread;
     QObject m_context;
     std::atomic<bool> m_isStalled{false};
-    std::unique_ptr<ReaderDrive> m_drive; // as the next one, created and deleted on the thread
+    // Used only on the thread.
+    LogFile m_log;
+    std::unique_ptr<ReaderDrive> m_drive;
     std::unique_ptr<ReaderSimulator> m_reader;
 };
 
-QString ReaderThread::serve(const QString& path, const QStringList& words)
+QString ReaderThread::serve()
 {
-    QHash<QString, QStringList> options;
-    for (int i = 0; i + 1 < words.size(); i += 2)
-        options[words.at(i)] << words.at(i + 1);
     QStringList errors;
-    std::optional<Scenario> scenario = loadScenario(options["--scenario"].value(0), &errors);
-    QString error = errors.join('\n');
-    for (const QString& fault : qAsConst(options["--fault"]))
-        if (scenario && !scenario->faults.add(fault, &error))
-            return error;
-    QFile::remove(path +
-                  "/.merivo-reader.lock"); // of a reader that lost its drive; this process is its owner and alive
-    m_drive = std::make_unique<ReaderDrive>(path);
-    if (!scenario || !m_drive->open(&error))
+    const std::optional<Scenario> scenario = loadScenario(m_folder + "/world.json", &errors);
+    if (!scenario)
+        return errors.join('\n');
+    // Of a reader that lost its drive. The lock's owner is this process, and alive.
+    QFile::remove(m_folder + "/drive/.merivo-reader.lock");
+    QString error;
+    m_drive = std::make_unique<ReaderDrive>(m_folder + "/drive");
+    if (!m_drive->open(&error))
         return error;
     m_reader = std::make_unique<ReaderSimulator>(*m_drive, *scenario, false);
-    for (const QString& pair : qAsConst(options["--pair"]))
-        m_reader->pairBeforehand(pair.section('=', 0, 0), pair.section('=', 1));
-    QObject::connect(m_reader.get(), &ReaderSimulator::logged, &m_context, [path](const QString& line) {
-        QFile file(path + "/../reader.log");
-        if (file.open(QIODevice::Append))
-            file.write(QDateTime::currentDateTime().toString(Qt::ISODateWithMs).toUtf8() + ' ' + line.toUtf8() + '\n');
+    QObject::connect(m_reader.get(), &ReaderSimulator::logged, &m_context, [this](const QString& line) {
+        m_log.write(QString("%1 %2\n").arg(QDateTime::currentDateTime().toString(Qt::ISODateWithMs), line).toUtf8());
     });
-    QObject::connect(
-        m_reader.get(), &ReaderSimulator::failed, &m_context,
-        [this](const QString& what) {
-            stop();
-            m_report(what);
-        },
-        Qt::QueuedConnection);
-    if (m_reader->start(&error))
-        m_report({});
+    const auto onFailed = [this](const QString& cause) {
+        stop();
+        m_report(cause);
+    };
+    QObject::connect(m_reader.get(), &ReaderSimulator::failed, &m_context, onFailed, Qt::QueuedConnection);
+    m_reader->start(&error);
     return error;
+}
+
+/// Returns the table whose rows can be selected by a press on their first cell, or null.
+QTableView* tableOf(const QWidget& window)
+{
+    auto* table = window.findChild<QTableView*>();
+    return table && table->isVisible() ? table : nullptr;
+}
+
+/// Returns what the modal window shows, and what can be pressed there: buttons with their texts, and rows.
+QJsonObject view()
+{
+    const QWidget* window = QApplication::activeModalWidget();
+    if (!window)
+        return {};
+    QJsonObject choices;
+    const QMap<QString, QPushButton*> buttons = pressableButtons(*window);
+    for (auto it = buttons.cbegin(); it != buttons.cend(); ++it)
+        choices[it.key()] = it.value()->text().remove('&');
+    if (const QTableView* table = tableOf(*window))
+        for (int row = 0; row < table->model()->rowCount(); ++row)
+            choices[table->model()->index(row, 0).data().toString()] = "row";
+    QJsonObject labels;
+    for (const auto* label : window->findChildren<QLabel*>())
+        if (label->isVisible())
+            labels[label->objectName()] = label->text();
+    const auto* box = qobject_cast<const QMessageBox*>(window);
+    const auto* pages = window->findChild<QStackedWidget*>();
+    return {{"window", box ? "box" : window->objectName()},
+            {"title", window->windowTitle()},
+            {"text", box ? box->text() : QString()},
+            {"page", pages && pages->currentWidget() ? pages->currentWidget()->objectName() : QString()},
+            {"labels", labels},
+            {"choices", choices}};
 }
 
 /// The host with a reader in one process, controlled by lines on standard input: a verb, and a value after a space.
@@ -145,16 +175,11 @@ QString ReaderThread::serve(const QString& path, const QStringList& words)
 class Station final : public QObject
 {
 public:
-    Station(HostApplication& host, const QString& drive)
+    Station(HostApplication& host, const QString& folder)
         : m_host(host)
-        , m_drive(drive)
-        , m_reader([this](const QString& error) {
-            QMetaObject::invokeMethod(
-                this,
-                [this, error] {
-                    report({{"reader", error}});
-                },
-                Qt::QueuedConnection);
+        , m_drive(folder + "/drive")
+        , m_reader(folder, [this](const QString& error) {
+            QTimer::singleShot(0, this, [this, error] { report({{"reader", error}}); });
         })
     {
         connect(&host.log(), &HostLog::rowsInserted, this, [this](const QModelIndex&, int row, int last) {
@@ -176,7 +201,6 @@ private:
     void obey(const QString& verb, const QString& value);
     void runPlugin();
     void press(const QString& name);
-    QJsonObject view();
     void observe();
 
     HostApplication& m_host;
@@ -185,7 +209,6 @@ private:
     QTimer m_observations;
     QTimer m_seconds;
     QTimer m_repetition; // repeats the report after a press without effect
-    QMap<QString, QPointer<QWidget>> m_choices;
     QJsonObject m_seen;
     QJsonObject m_reported;
     int m_presses = 0;
@@ -196,6 +219,7 @@ void Station::report(QJsonObject object)
     object["at"] = VirtualTime::milliseconds();
     std::puts(QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
     std::fflush(stdout);
+    alarm(0);
     std::string line;
     while (std::getline(std::cin, line) && line != "go") {
         // Queued, since a command can begin an event loop in which the next one must be read.
@@ -204,6 +228,7 @@ void Station::report(QJsonObject object)
     }
     if (!std::cin)
         QCoreApplication::quit();
+    alarm(MaxRealSeconds); // ends the process
 }
 
 void Station::obey(const QString& verb, const QString& value)
@@ -214,19 +239,17 @@ void Station::obey(const QString& verb, const QString& value)
         FaultyFiles::fail(FaultyFiles::Failure(failure), value.section(' ', 0, 0).toInt(),
                           value.section(' ', 1).toLocal8Bit());
     else if (verb == "reader")
-        m_reader.start(m_drive, value.split(' ', Qt::SkipEmptyParts));
+        m_reader.start();
     else if (verb == "stall")
         m_reader.setStalled(value == "on");
     else if (verb == "run")
         runPlugin();
     else if (verb == "press")
         press(value);
-    else if (verb == "key" && QApplication::activeModalWidget())
-        QTest::keyClick(QApplication::activeModalWidget()->windowHandle(), Qt::Key(QKeySequence::fromString(value)[0]));
+    else if (verb == "escape" && QApplication::activeModalWidget())
+        QTest::keyClick(QApplication::activeModalWidget()->windowHandle(), Qt::Key_Escape);
     else if (verb == "after")
-        QTimer::singleShot(value.section(' ', 0, 0).toInt(), this, [this, value] {
-            report({{"due", value.section(' ', 1)}});
-        });
+        QTimer::singleShot(value.toInt(), this, [this] { report({{"due", true}}); });
     else if (verb == "clock")
         VirtualTime::shiftWallClock(value.toInt());
     else if (verb == "add")
@@ -273,44 +296,6 @@ void Station::runPlugin()
     QTimer::singleShot(300, this, [this, failures] { report({{"ended", true}, {"failures", failures}}); });
 }
 
-/// What the modal window shows: its enabled buttons with their texts, and the cells of its table's first column, which
-/// can be pressed too; buttons of a box go by the name of the standard button.
-QJsonObject Station::view()
-{
-    static const QMetaEnum standard = QMetaEnum::fromType<QDialogButtonBox::StandardButtons>();
-    m_choices.clear();
-    const QWidget* window = QApplication::activeModalWidget();
-    if (!window)
-        return {};
-    QJsonObject choices;
-    for (auto* button : window->findChildren<QPushButton*>()) {
-        const auto* box = qobject_cast<QDialogButtonBox*>(button->parentWidget());
-        const QString name = box ? standard.valueToKey(box->standardButton(button)) : button->objectName();
-        if (button->isVisible() && button->isEnabled()) {
-            m_choices[name] = button;
-            choices[name] = button->text().remove('&');
-        }
-    }
-    if (auto* table = window->findChild<QTableView*>(); table && table->isVisible())
-        for (int row = 0; row < table->model()->rowCount(); ++row) {
-            const QString serial = table->model()->index(row, 0).data().toString();
-            m_choices[serial] = table;
-            choices[serial] = "row";
-        }
-    QJsonObject labels;
-    for (const auto* label : window->findChildren<QLabel*>())
-        if (label->isVisible())
-            labels[label->objectName()] = label->text();
-    const auto* box = qobject_cast<const QMessageBox*>(window);
-    const auto* pages = window->findChild<QStackedWidget*>();
-    return {{"window", box ? "box" : window->objectName()},
-            {"title", window->windowTitle()},
-            {"text", box ? box->text() : QString()},
-            {"page", pages && pages->currentWidget() ? pages->currentWidget()->objectName() : QString()},
-            {"labels", labels},
-            {"choices", choices}};
-}
-
 /// Reports what two observations in a row agree on, so that nothing is reported that is passing.
 void Station::observe()
 {
@@ -326,18 +311,19 @@ void Station::press(const QString& name)
 {
     ++m_presses;
     m_repetition.start(3000);
-    view();
-    QWidget* widget = m_choices.value(name);
-    if (!widget)
+    QWidget* window = QApplication::activeModalWidget();
+    if (!window)
         return;
-    QPoint position = widget->rect().center();
-    if (auto* table = qobject_cast<QTableView*>(widget)) {
+    QWidget* target = pressableButtons(*window).value(name);
+    QPoint position = target ? target->rect().center() : QPoint();
+    if (QTableView* table = target ? nullptr : tableOf(*window)) {
         const QModelIndexList cells = table->model()->match(table->model()->index(0, 0), Qt::DisplayRole, name);
         table->scrollTo(cells.value(0));
-        widget = table->viewport();
+        target = table->viewport();
         position = table->visualRect(cells.value(0)).center();
     }
-    QTest::mouseClick(widget->window()->windowHandle(), Qt::LeftButton, {}, widget->mapTo(widget->window(), position));
+    if (target)
+        QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, target->mapTo(window, position));
 }
 
 } // namespace
@@ -346,7 +332,7 @@ int main(int argc, char** argv)
 {
     VirtualTime::start(false);
     const QApplication application(argc, argv);
-    QThreadPool::globalInstance()->setExpiryTimeout(0); // an idle thread stops the clock
+    VirtualTime::endIdleThreads();
     QLocale::setDefault(QLocale("de_DE"));
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == "stale-drive")
@@ -362,6 +348,6 @@ int main(int argc, char** argv)
     HostApplication host;
     if (!host.start(options, &error))
         qFatal("%s", qPrintable(error));
-    const Station station(host, options.drive);
+    const Station station(host, folder);
     return QApplication::exec();
 }

@@ -6,15 +6,14 @@ Host and reader are two threads of one process, e2e_station, on a clock that jum
 minutes takes seconds, and each run takes the same course again. The process stops after each report, and the clock
 with it, so nothing happens while a test decides."""
 
+import contextlib
 import hashlib
 import hmac
 import json
 import os
 import pathlib
 import re
-import select
 import shutil
-import signal
 import sqlite3
 import subprocess
 import tempfile
@@ -27,11 +26,9 @@ NO_ANSWER = "The Sanvio Lumo device is not responding."
 MAX_LATENESS = 2  # of a time-out
 PATIENCE = 30  # for the pauses around a command
 MAX_RUN = 3000
-REAL_PATIENCE = 240  # in real seconds
 # How many seconds the reader has for a command, and to begin it where that is less.
 LIMITS = {"SEARCH": 120, "BTPAIR": 120, "BTPAIRCONFIRM": 60, "BTPUMPREASSIGN": 30, "BTREAD": 440}
 BEGIN_LIMITS = {"BTREAD": 20}
-FILE_FAILURES = ["open", "read", "cut-read", "write", "no-space", "close", "list"]
 
 # Slow enough for the polling to see each state of a command.
 TIMES = {"pickup": 900, "isPaired": 30, "search": 300, "connect": 150, "pair": 300, "confirm": 150, "read": 900,
@@ -47,8 +44,6 @@ FREE = pump("MV-204817", "00:1E:42:7A:03:11", "481207")
 DECLINING = pump("MV-211460", "00:1E:42:7A:09:5B", "905518", user="declines")
 RICHARDS = pump("MV-198305", "00:1E:42:7A:05:C4", patient="P-2")
 FOURTH = pump("MV-220022", "00:1E:42:7A:00:22", "220022")
-FOUR_PUMPS = [FREE, DECLINING, RICHARDS, FOURTH]
-
 
 ENVIRONMENT = {"ASAN_OPTIONS": "detect_leaks=0"} | os.environ | {
     "QT_QPA_PLATFORM": "offscreen", "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_LOGGING_RULES": "*.debug=false"}
@@ -60,6 +55,7 @@ def programs(build):
 
 
 def kept_pairings(drive):
+    """Patients by the serial numbers of their pumps, as the reader keeps them."""
     pumps = json.loads((drive / ".merivo-reader.json").read_text())["pumps"]
     return {pump["serialNumber"]: pump["patientId"] for pump in pumps if pump.get("patientId")}
 
@@ -79,96 +75,86 @@ class Unexpected(AssertionError):
 class Station:
     """A folder with a reader's drive and a host's database, and the process that works on them."""
 
-    def __init__(self, build, pairs=(), faults=(), pumps=FOUR_PUMPS, times=None):
-        self.build = build
+    def __init__(self, build, pairs=(), faults=(), pumps=(FREE, DECLINING, RICHARDS, FOURTH), times=TIMES):
+        self.paths = programs(build)
         memory = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="merivo-e2e-", dir=memory))
         self.drive = self.folder / "drive"
         self.away = self.folder / "drive.away"
+        self.database = self.folder / "db"
         self.drive.mkdir()
-        self.times = TIMES | (times or {})
-        self.pumps = pumps
+        owners = dict(pair.split("=") for pair in pairs)
+        self.world = {"times": times, "pumps": [one | {"patientId": owners.get(one["serialNumber"], one["patientId"])}
+                                                for one in pumps]}
         self.faults = faults
         self.imports = {}
-        self.reader_error = None  # of a reader that failed; None while it serves
         self.start_host()
-        self.start_reader(*faults, pairs=pairs)
+        self.start_reader(*faults)
 
     def close(self):
         """Ends the host as its user does; returns its exit status."""
         self.process.stdin.close()
-        return self.process.wait(REAL_PATIENCE)
+        return self.process.wait()
 
     def discard(self):
         self.process.kill()
         self.process.wait()
+        self.process.stdout.close()
         shutil.rmtree(self.folder)
 
     def start_host(self):
         with open(self.folder / "errors", "a") as errors:
-            paths = programs(self.build)
-            self.process = subprocess.Popen([paths["station"], paths["plugin"], self.folder], env=ENVIRONMENT,
-                                            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=errors)
-        self.buffer = b""
+            self.process = subprocess.Popen([self.paths["station"], self.paths["plugin"], self.folder],
+                                            env=ENVIRONMENT, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                            stderr=errors, encoding="utf-8")
+        self.on_report = lambda report: None  # of the run under way
         self.presses = 0  # a report that counts fewer is outdated
         self.next_report()
         for patient in ("P-1 Doe Jane 1970-02-03", "P-2 Roe Richard"):
             self.order("add", patient)  # which fails if an earlier host has added it
 
-    def order_reader(self, *faults, pairs=(), pumps=None):
+    def order_reader(self, *faults, pumps=None):
         """Replaces the reader. The new one has the same pumps if no others are named."""
         if self.away.exists():
             self.away.rename(self.drive)
-        self.pumps = self.pumps if pumps is None else pumps
-        (self.folder / "world.json").write_text(json.dumps({"times": self.times, "pumps": self.pumps}))
-        words = [word for fault in faults for word in ("--fault", fault)]
-        words += [word for pair in pairs for word in ("--pair", pair)]
-        self.order("reader --scenario", self.folder / "world.json", *words)
-
-    def start_reader(self, *faults, pairs=(), pumps=None):
-        self.order_reader(*faults, pairs=pairs, pumps=pumps)
+        self.world |= {"faults": faults} | ({} if pumps is None else {"pumps": pumps})
+        (self.folder / "world.json").write_text(json.dumps(self.world))
         self.reader_error = "not started"
-        while self.reader_error is not None:
-            report = self.go_on()
-            if report.get("reader"):
-                raise RuntimeError("no reader: " + report["reader"])
+        self.order("reader")
+
+    def start_reader(self, *faults, pumps=None):
+        """Replaces the reader, and waits until the new one serves the drive."""
+        self.order_reader(*faults, pumps=pumps)
+        while self.reader_error == "not started":
+            self.go_on()
+        if self.reader_error:
+            raise Wrong("no reader: " + self.reader_error)
 
     def order(self, *words):
-        try:
-            self.process.stdin.write(" ".join(map(str, words)).encode() + b"\n")
+        with contextlib.suppress(BrokenPipeError):  # next_report() finds out
+            self.process.stdin.write(" ".join(map(str, words)) + "\n")
             self.process.stdin.flush()
-        except BrokenPipeError:
-            pass  # next_report() finds out
 
     def go_on(self):
-        """Lets host and reader go on until the next report, and returns that."""
+        """Lets host and reader go on until the next report."""
         self.order("go")
-        return self.next_report()
+        self.on_report(self.next_report())
 
     def next_report(self):
-        while b"\n" not in self.buffer:
-            if not select.select([self.process.stdout], [], [], REAL_PATIENCE)[0]:
-                raise Wrong("host and reader don't go on")
-            part = os.read(self.process.stdout.fileno(), 65536)
-            if not part:
-                errors = (self.folder / "errors").read_text(errors="replace")
-                raise Wrong(f"the host ended with {self.process.wait()}: {errors[-3000:]}")
-            self.buffer += part
-        line, self.buffer = self.buffer.split(b"\n", 1)
+        line = self.process.stdout.readline()
+        if not line:
+            errors = (self.folder / "errors").read_text(errors="replace")
+            raise Wrong(f"the host ended with {self.process.wait()}: {errors[-3000:]}")
         report = json.loads(line)
         if "reader" in report:
-            self.reader_error = report["reader"] or None
+            self.reader_error = report["reader"]  # empty while it serves
         return report
 
-    def was_killed(self):
-        return self.process.poll() == -signal.SIGKILL
-
     def pairings(self):
-        """Patients by the serial numbers of their pumps, as the reader keeps them."""
         return kept_pairings(self.away if self.away.exists() else self.drive)
 
     def listed_pairings(self):
-        """The same as the reader lists them for the plug-in."""
+        """The pairings as the reader lists them for the plug-in."""
         root = xml.etree.ElementTree.parse(self.drive / "MISC/DEVLIST.XML").getroot()
         serials, patients = ([element.text for element in root.iter(tag)] for tag in ("SERIALNR", "PATIENT_ID"))
         return {serial: patient for serial, patient in zip(serials, patients) if patient != "0"}
@@ -184,13 +170,12 @@ class Station:
     def check_imports(self):
         """Checks that each import is whole and belongs to the patient whose pump the reader keeps."""
         kept = self.pairings()
-        with sqlite3.connect(self.folder / "db") as database:
+        with contextlib.closing(sqlite3.connect(self.database)) as database:
             if database.execute("PRAGMA integrity_check").fetchone() != ("ok",):
                 raise Wrong("the database is damaged")
             guid = database.execute("SELECT value FROM meta WHERE key = 'guid'").fetchone()[0]
             rows = database.execute("SELECT id, puid, file_name, mac, bytes FROM imports"
                                     " LEFT JOIN import_files ON import_id = id").fetchall()
-        database.close()
         shared = re.findall(r"0x([0-9a-f]{2})", (ROOT / "host/SharedKey.h").read_text())
         key = ("".join(shared) + guid).encode()
         for number, puid, name, mac, content in rows:
@@ -212,9 +197,6 @@ class Station:
         return ([f"{serial}={owner}" for serial, owner in sorted(self.pairings().items())]
                 + ["+" + owner for owner in self.imports.values()])
 
-    def log(self):
-        return (self.folder / "host.log").read_text(errors="replace")
-
     def run(self, patient="P-1", faults=()):
         return Run(self, patient, faults)
 
@@ -222,12 +204,13 @@ class Station:
 class Run:
     """One run of the plug-in: what its user does, what is injected, and what came of it."""
 
-    def __init__(self, station, patient="P-1", faults=()):
+    def __init__(self, station, patient, faults):
         self.station = station
         self.patient = patient
         self.faults = list(faults)
-        self.boxes, self.records, self.presses, self.undo = [], [], [], []
-        self.actions = {}  # by the name under which the host reports that they are due
+        self.boxes, self.records, self.presses = [], [], []
+        self.undo = contextlib.ExitStack()  # of faults, at the end of the run
+        self.is_reader_due = False
         self.view = {}  # what the window in front shows; empty from a press until its effect
         self.label = None  # of the main dialog, since the last command
         self.ended = False
@@ -235,6 +218,7 @@ class Run:
         self.command, self.limit = "BTISPAIRED", 20
         self.clock_shift = 0
         self.now = self.begin = self.idle_since = 0
+        station.on_report = self.on_report
         station.order("diary", patient)
         self.inject("BEGIN")
         station.order("run")
@@ -254,13 +238,16 @@ class Run:
         while name not in self.choices or self.view["window"] != (window or self.view["window"]):
             if self.ended or (self.choices and not self.is_busy()):
                 raise Unexpected(f"expected {name} in {window}\nseen: {self.seen()}")
-            self.step()
+            self.station.go_on()
         self.presses.append(name)
         self.inject(name)
         self.view = {}
         self.idle_since = self.now
         self.station.presses += 1
         self.station.order("press", name)
+
+    def press_escape(self):
+        self.station.order("escape")
 
     def box(self, text):
         """Waits for a message box with that text, which its user then answers."""
@@ -269,48 +256,28 @@ class Run:
             raise Unexpected(f'expected a box "{TITLE}" with "{text}"\nseen: {self.seen()}')
         return Box(self)
 
-    def key(self, name):
-        self.station.order("key", name)
-
     def pause(self, seconds):
-        begin = self.now
-        self.wait(lambda: self.now >= begin + seconds, f"{seconds} s")
-
-    def replace_reader(self, *faults, pumps=None):
-        self.station.order_reader(*faults, pumps=pumps)
-        self.station.reader_error = "not started"
-        self.wait(lambda: self.station.reader_error is None, "a reader")
+        end = self.now + seconds
+        self.wait(lambda: self.now >= end, f"{seconds} s")
 
     def leave(self, yes="Yes"):
         """Answers and closes what is open until the run ends. Texts of boxes are kept."""
         while not self.ended:
-            offered = [] if self.is_busy() else [n for n in (yes, "No", "Cancel", "Close", "Ok") if n in self.choices]
-            if not offered and yes != "Yes":
-                offered = [n for n in ("m_OverviewButton", "m_DeclineButton") if n in self.choices]
+            names = [yes, "No", "Cancel", "Close", "Ok"] + ["m_OverviewButton", "m_DeclineButton"] * (yes != "Yes")
+            offered = [name for name in names if name in self.choices and not self.is_busy()]
             if not offered:
-                self.step()
+                self.station.go_on()
                 continue
             if self.view["window"] == "box":
                 if self.view["title"] != TITLE:
                     raise Wrong(f"a box with a title of its own: {self.view['title']}")
-                if "retry" in self.view["text"]:
-                    offered = ["No"]
                 self.boxes.append(plain(self.view["text"]))
-            self.press(offered[0])
+            self.press("No" if "retry" in self.view["text"] else offered[0])
         return self
 
     def end(self):
         """Waits until the run ends by itself."""
         self.wait(lambda: self.ended, "the end of the run")
-        return self
-
-    def expect(self, page=None, disabled=(), **labels):
-        """Waits until the window in front shows a page, texts of labels and buttons, and disabled buttons."""
-        def is_shown():
-            texts = self.view.get("labels", {}) | self.choices
-            return (page in (None, self.view.get("page")) and self.view and not set(disabled) & set(self.choices)
-                    and all(name in texts and text in texts[name] for name, text in labels.items()))
-        self.wait(is_shown, f"{page or ''} {labels or ''}, disabled {disabled}")
         return self
 
     def wait(self, condition, what):
@@ -320,7 +287,7 @@ class Run:
             # What is offered in vain for so long won't change.
             if self.ended or (self.now == self.idle_since and self.now - begin > PATIENCE):
                 raise Unexpected(f"expected {what}\nseen: {self.seen()}")
-            self.step()
+            self.station.go_on()
 
     def agree(self):
         """Checks dialog, reader and database against each other."""
@@ -342,20 +309,19 @@ class Run:
 
     # What happens.
 
-    def step(self):
-        """Goes on to the next report."""
-        report = self.station.go_on()
+    def on_report(self, report):
         self.now = report["at"] / 1000
         self.begin = self.begin or self.now
         self.idle_since = self.idle_since or self.now
         if "record" in report:
             self.on_record(report["record"], report["level"])
-        elif "due" in report:
-            self.actions.pop(report["due"], lambda: None)()  # none if an earlier run asked for it
+        elif "due" in report and self.is_reader_due:  # and wasn't asked for by an earlier run
+            self.is_reader_due = False
+            self.station.order_reader(*self.station.faults)
         elif "ended" in report:
             self.ended = True
             self.failures = report["failures"]
-            self.close()
+            self.undo.close()
         elif "seen" in report and report["presses"] == self.station.presses:
             self.view = report["seen"]
             if self.view.get("window") == "MainDialog" and self.choices:
@@ -368,20 +334,13 @@ class Run:
         if self.now - self.begin > MAX_RUN + shift:
             raise Wrong(f"the run doesn't end: {self.seen()}")
 
-    def close(self):
-        for undo in self.undo:
-            undo()
-        self.undo = []
-
     def on_record(self, text, level):
         self.records.append(f"{level} {text}")
-        late = re.search(r"command' timeout .*?: (\d+) of", text)
-        if late:
+        if late := re.search(r"command' timeout .*?: (\d+) of", text):
             if int(late[1]) > 1000 * (self.limit + MAX_LATENESS) and not self.clock_shift:
                 raise Wrong(f"a time-out of {self.command} came too late: {text}")
             self.station.order("stall off")
-        submission = re.match("(?:<==|=!=) <([A-Z]+) .*> (?:submitted|failed)", text)
-        if submission:
+        if submission := re.match("(?:<==|=!=) <([A-Z]+) .*> (?:submitted|failed)", text):
             self.command, self.label = submission[1], None
             self.limit = BEGIN_LIMITS.get(self.command, LIMITS.get(self.command, 20))
             self.idle_since = self.now
@@ -404,70 +363,55 @@ class Run:
             if when == moment:
                 self.faults.remove(fault)
                 name, _, value = text.partition("=")
-                method = getattr(self, "fault_" + name.replace("-", "_"), None)
-                if name in FILE_FAILURES:
-                    self.station.order(name, value, self.station.drive)
-                elif method:
-                    method(value)
-                else:  # of the station
-                    self.station.order(name, value or self.patient)
+                self.inject_fault(name, value)
 
-    def fault_kill(self, nth_write):
-        self.station.order("kill", nth_write, self.station.folder / "db")
+    def inject_fault(self, name, value):
+        station = self.station
+        match name:
+            case "pull":
+                station.drive.rename(station.away)
+                self.undo.callback(self.put_back)
+                self.replace_reader_after(value)
+            case "slip-away":
+                station.order(name)
+                self.undo.callback(self.put_back)
+            case "restart":
+                self.replace_reader_after(1200)
+            case "stall":  # until the plug-in has given the reader up
+                station.order("stall on")
+                self.undo.callback(station.order, "stall off")
+            case "clock":
+                self.clock_shift += int(value)
+                station.order("clock", value)
+                self.undo.callback(station.order, "clock", -int(value))
+            case "lock":
+                lock = self.undo.enter_context(contextlib.closing(
+                    sqlite3.connect(station.database, isolation_level=None)))
+                lock.execute("BEGIN EXCLUSIVE")
+            case "kill":
+                station.order("kill", value, station.database)
+            case "full-database":
+                station.order("no-space", value, station.database)
+            case "again":
+                station.order("run")
+            case "delete":
+                station.order("delete", self.patient)
+                self.undo.callback(station.order, "add", self.patient, "Doe Jane")
+            case "change" | "swap":
+                station.order(name, value or self.patient)
+            case "close-diary" | "other-diary":
+                station.order("diary", value)
+            case _:  # a failing file operation
+                station.order(name, value, station.drive)
 
-    def fault_full_database(self, nth_write):
-        self.station.order("no-space", nth_write, self.station.folder / "db")
-
-    def fault_pull(self, milliseconds):
-        self.station.drive.rename(self.station.away)
-        self.put_back_after(milliseconds)
-
-    def fault_slip_away(self, milliseconds):
-        self.station.order("slip-away")
-        self.put_back_after(milliseconds)
-
-    def put_back_after(self, milliseconds):
-        def put_back():
-            if self.station.away.exists():
-                self.station.order_reader(*self.station.faults)
-        self.undo.append(put_back)
+    def replace_reader_after(self, milliseconds):
         if milliseconds:
-            self.after(milliseconds, "put-back", put_back)
+            self.is_reader_due = True
+            self.station.order("after", milliseconds)
 
-    def fault_restart(self, _):
-        self.after(1200, "restart", lambda: self.station.order_reader(*self.station.faults))
-
-    def fault_stall(self, _):
-        """The reader hangs until the plug-in has given it up."""
-        self.station.order("stall on")
-        self.undo.append(lambda: self.station.order("stall off"))
-
-    def fault_clock(self, seconds):
-        self.clock_shift += int(seconds)
-        self.station.order("clock", seconds)
-        self.undo.append(lambda: self.station.order("clock", -int(seconds)))
-
-    def fault_lock(self, _):
-        lock = sqlite3.connect(self.station.folder / "db", isolation_level=None)
-        lock.execute("BEGIN EXCLUSIVE")
-        self.undo.append(lock.close)
-
-    def fault_again(self, _):
-        self.station.order("run")
-
-    def fault_delete(self, _):
-        self.station.order("delete", self.patient)
-        self.undo.append(lambda: self.station.order("add", self.patient, "Doe Jane"))
-
-    def fault_close_diary(self, _):
-        self.station.order("diary ")
-
-    def fault_other_diary(self, patient):
-        self.station.order("diary", patient)
-
-    def after(self, milliseconds, name, action):
-        self.actions[name] = action
-        self.station.order("after", milliseconds, name)
+    def put_back(self):
+        if self.station.away.exists():
+            self.station.order_reader(*self.station.faults)
 
 
 class Dialog:
@@ -482,9 +426,15 @@ class Dialog:
         self.run.press(name, self.window)
         return self
 
-    def expect(self, **shown):
-        self.run.wait(lambda: self.run.view.get("window") == self.window, self.window)
-        self.run.expect(**shown)
+    def expect(self, page=None, disabled=(), **labels):
+        """Waits until the window is in front and shows a page, texts of labels and buttons, and disabled buttons."""
+        def is_shown():
+            view = self.run.view
+            texts = view.get("labels", {}) | self.run.choices
+            return (view.get("window") == self.window and page in (None, view["page"])
+                    and not set(disabled) & set(self.run.choices)
+                    and all(name in texts and text in texts[name] for name, text in labels.items()))
+        self.run.wait(is_shown, f"{self.window} {page or ''} {labels or ''}, disabled {disabled}")
         return self
 
 
