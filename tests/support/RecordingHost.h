@@ -19,8 +19,8 @@
 #include <memory>
 #include <vector>
 
-/// A host that does nothing by itself and remembers everything: what the plug-in asked, in which order, on which
-/// thread. The journal is one line a call; log records stand in it as "channel|message|detail1|detail2".
+/// What the plug-in asked of its host, one line for each call, and the thread of each. A log record is
+/// "channel|message|detail1|detail2".
 struct Journal
 {
     QStringList lines;
@@ -35,12 +35,20 @@ struct Journal
     void clear() { *this = {}; }
 };
 
-class RecordingServices final : public IServices
+/// The base of the extension points, which share a journal.
+struct Recorder
 {
-public:
-    explicit RecordingServices(Journal& journal)
+    explicit Recorder(Journal& journal)
         : m_journal(journal)
     {}
+
+    Journal& m_journal;
+};
+
+class RecordingServices final : public IServices, private Recorder
+{
+public:
+    using Recorder::Recorder;
     QString formatDate(const QDate& date) override { return date.toString(QStringLiteral("dd.MM.yyyy")); }
     QString path(int kind) override { return paths.value(kind); }
     void logLine(IPlugin* source, const QString& channel, const QString& message, const QString& detail1,
@@ -59,19 +67,16 @@ public:
 
     QHash<int, QString> paths{{DatabasePath, QStringLiteral("/data/open.db")}};
     IPlugin* lastSource = nullptr;
-    std::function<void(const QString& message)> beforeLogLine; ///< called ahead of each record, if set
-
-private:
-    Journal& m_journal;
+    std::function<void(const QString& message)> beforeLogLine; ///< called before each record, if set
 };
 
-class RecordingDevice final : public IDevice
+class RecordingDevice final : public IDevice, private Recorder
 {
     Q_OBJECT
 
 public:
     RecordingDevice(Journal& journal, const QString& path)
-        : m_journal(journal)
+        : Recorder(journal)
         , m_path(path)
     {}
     ~RecordingDevice() override { m_journal.add("device deleted"); }
@@ -87,16 +92,13 @@ public:
     }
 
 private:
-    Journal& m_journal;
     QString m_path;
 };
 
-class RecordingDeviceAdmin final : public IDeviceAdmin
+class RecordingDeviceAdmin final : public IDeviceAdmin, private Recorder
 {
 public:
-    explicit RecordingDeviceAdmin(Journal& journal)
-        : m_journal(journal)
-    {}
+    using Recorder::Recorder;
     IDevice* acquireDevice(int type, const QString& name) override
     {
         m_journal.add(QStringLiteral("acquireDevice(%1, '%2')").arg(type).arg(name));
@@ -110,18 +112,13 @@ public:
 
     bool hasDevice = true;
     QString drivePath;
-    bool holdChanges = false; ///< what setDeviceHold() answers
-
-private:
-    Journal& m_journal;
+    bool holdChanges = false; ///< what setDeviceHold() returns
 };
 
-class RecordingCommandHandler final : public ICommandHandler
+class RecordingCommandHandler final : public ICommandHandler, private Recorder
 {
 public:
-    explicit RecordingCommandHandler(Journal& journal)
-        : m_journal(journal)
-    {}
+    using Recorder::Recorder;
     bool execute(ICommand* command) override
     {
         m_journal.add(QStringLiteral("execute(%1)").arg(command->type()));
@@ -131,9 +128,6 @@ public:
     }
 
     std::vector<std::unique_ptr<IImportDataCmd>> imports; ///< the import commands received, owned as a host owns them
-
-private:
-    Journal& m_journal;
 };
 
 class RecordingEventPublisher final : public IEventPublisher
@@ -141,14 +135,12 @@ class RecordingEventPublisher final : public IEventPublisher
     Q_OBJECT
 };
 
-class RecordingDatabase final : public IDatabase
+class RecordingDatabase final : public IDatabase, private Recorder
 {
     Q_OBJECT
 
 public:
-    explicit RecordingDatabase(Journal& journal)
-        : m_journal(journal)
-    {}
+    using Recorder::Recorder;
     void import(QString, IPlugin*) override {}
     QString databaseGuid(const QString& path) override
     {
@@ -165,11 +157,9 @@ public:
 
     QString guid = QStringLiteral("{d2f7a4a0-0001-4c1e-9a55-000000000001}");
     QMap<QString, PatientRecord> records;
-
-private:
-    Journal& m_journal;
 };
 
+/// A host that does nothing by itself and records each call.
 class RecordingHost final : public IExtensionRegistry
 {
 public:
