@@ -14,34 +14,8 @@
 
 namespace {
 
-const QString images = QStringLiteral(":/img/Images/");
-const QString translation = QStringLiteral(":/lang/i18n/mc_en_GB.qm");
-
-/// A picture, its size in millimetres, and the colour to be seen at a point in parts of that size.
-struct Picture
-{
-    const char* name;
-    const char* size;
-    double x, y;
-    const char* colour;
-};
-
-constexpr Picture Pictures[] = {
-    {"Cygnara.svg", "46.11 30.74", 0.99, 0.99, "#00000000"},
-    {"DeviceReader.svg", "63.24 81.23", 0.99, 0.99, "#00000000"},
-    {"ConfirmCode.svg", "111.13 74.08", 0.6077, 0.6071, "#59c68c"}, // The end of the ring's axis.
-    {"CancelOnPump.svg", "111.13 75.54", 0.381, 0.1805, "#484444"},
-    {"PumpFinger.svg", "77.04 70.76", 0.275, 0.687, "#59c68c"},
-    {"PumpDownloadGreyDark.svg", "10.59 8.57", 0.05, 0.5, "#111010"},
-    {"PumpDownloadGreyLight.svg", "10.59 8.57", 0.05, 0.5, "#59111111"},
-    {"PumpDownloadWhite.svg", "10.59 8.57", 0.05, 0.5, "#ffffff"},
-    {"icon_pump_data_download.svg", "13 13", 0.25, 0.55, "#ffffff"},
-    {"icon_pump_data_download_deactivated.svg", "13 13", 0.5, 0.1, "#59484545"}, // Rounded when it was premultiplied.
-    {"icon_connected.svg", "5.32 8.66", 0.88, 0.5, "#484444"},
-    {"icon_check_green.svg", "13 13", 0.44, 0.66, "#5cc78e"},
-    {"result_succeeded.svg", "512 512", 0.44, 0.67, "#ffffff"},
-    {"result_failed.svg", "512 512", 0.1, 0.5, "#ff9900"},
-};
+const QString images = ":/img/Images/";
+const QString translation = ":/lang/i18n/mc_en_GB.qm";
 
 /// Context, source text and comment of each message in a translation file, sorted.
 QStringList messagesOf(const QString& path)
@@ -55,7 +29,7 @@ QStringList messagesOf(const QString& path)
         const QString element = xml.name().toString();
         if (xml.isStartElement() && QStringList{"name", "source", "comment"}.contains(element))
             fields[element] = xml.readElementText();
-        else if (xml.isEndElement() && element == QLatin1String("message"))
+        else if (xml.isEndElement() && element == "message")
             messages << fields["name"] + '|' + fields["source"] + '|' + fields.take("comment");
     }
     messages.sort();
@@ -64,8 +38,6 @@ QStringList messagesOf(const QString& path)
 
 } // namespace
 
-Q_DECLARE_METATYPE(Picture)
-
 class TestResources final : public QObject
 {
     Q_OBJECT
@@ -73,39 +45,52 @@ class TestResources final : public QObject
 private Q_SLOTS:
     void picture_data()
     {
-        QTest::addColumn<Picture>("expected");
-        for (const Picture& picture : Pictures) {
-            QTest::newRow(picture.name) << picture;
-        }
+        QTest::addColumn<QString>("size"); // in millimetres
+        QTest::addColumn<double>("x");     // of a point, in parts of the size, with a colour
+        QTest::addColumn<double>("y");
+        QTest::addColumn<QString>("colour");
+        QTest::newRow("Cygnara.svg") << "46.11 30.74" << 0.99 << 0.99 << "#00000000";
+        QTest::newRow("DeviceReader.svg") << "63.24 81.23" << 0.99 << 0.99 << "#00000000";
+        QTest::newRow("ConfirmCode.svg") << "111.13 74.08" << 0.6077 << 0.6071 << "#ff59c68c";
+        QTest::newRow("CancelOnPump.svg") << "111.13 75.54" << 0.381 << 0.1805 << "#ff484444";
+        QTest::newRow("PumpFinger.svg") << "77.04 70.76" << 0.275 << 0.687 << "#ff59c68c";
+        QTest::newRow("PumpDownloadGreyDark.svg") << "10.59 8.57" << 0.05 << 0.5 << "#ff111010";
+        QTest::newRow("PumpDownloadGreyLight.svg") << "10.59 8.57" << 0.05 << 0.5 << "#59111111";
+        QTest::newRow("PumpDownloadWhite.svg") << "10.59 8.57" << 0.05 << 0.5 << "#ffffffff";
+        QTest::newRow("icon_pump_data_download.svg") << "13 13" << 0.25 << 0.55 << "#ffffffff";
+        QTest::newRow("icon_pump_data_download_deactivated.svg") << "13 13" << 0.5 << 0.1 << "#59484545";
+        QTest::newRow("icon_connected.svg") << "5.32 8.66" << 0.88 << 0.5 << "#ff484444";
+        QTest::newRow("icon_check_green.svg") << "13 13" << 0.44 << 0.66 << "#ff5cc78e";
+        QTest::newRow("result_succeeded.svg") << "512 512" << 0.44 << 0.67 << "#ffffffff";
+        QTest::newRow("result_failed.svg") << "512 512" << 0.1 << 0.5 << "#ffff9900";
         for (const QByteArray mark : {"plus", "minus", "data_download", "help"}) {
-            QTest::newRow("icon_" + mark + "_grey_dark.svg") << Picture{"", "13 13", 0.1, 0.5, "#484444"};
-            QTest::newRow("icon_" + mark + "_grey_light.svg") << Picture{"", "13 13", 0.1, 0.5, "#cccccc"};
+            QTest::newRow("icon_" + mark + "_grey_dark.svg") << "13 13" << 0.1 << 0.5 << "#ff484444";
+            QTest::newRow("icon_" + mark + "_grey_light.svg") << "13 13" << 0.1 << 0.5 << "#ffcccccc";
         }
     }
 
     void picture()
     {
-        QFETCH(Picture, expected);
-        const QString name = QString::fromLatin1(QTest::currentDataTag());
+        QFETCH(QString, size);
+        QFETCH(double, x);
+        QFETCH(double, y);
+        const QString name = QTest::currentDataTag();
         const QResource resource(images + name);
         QCOMPARE(resource.compressionAlgorithm(),
-                 name == QLatin1String("PumpFinger.svg") ? QResource::ZlibCompression : QResource::NoCompression);
+                 name == "PumpFinger.svg" ? QResource::ZlibCompression : QResource::NoCompression);
 
         QXmlStreamReader xml(resource.uncompressedData());
         QVERIFY(xml.readNextStartElement());
         const QXmlStreamAttributes attributes = xml.attributes();
-        QCOMPARE(attributes.value("viewBox").toString(), QStringLiteral("0 0 ") + expected.size);
-        if (!name.startsWith(QLatin1String("result_"))) {
-            QCOMPARE(attributes.value("width") + QLatin1Char(' ') + attributes.value("height"),
-                     QString::fromLatin1(expected.size).replace(QLatin1Char(' '), QLatin1String("mm ")) + "mm");
-        }
+        QCOMPARE(attributes.value("viewBox").toString(), "0 0 " + size);
+        if (!name.startsWith("result_"))
+            QCOMPARE(attributes.value("width") + ' ' + attributes.value("height"), size.replace(' ', "mm ") + "mm");
 
         const MessageCapture capture;
         QImageReader reader(images + name);
         reader.setScaledSize(reader.size().scaled(800, 2000, Qt::KeepAspectRatio));
         const QImage image = reader.read();
-        const QColor seen = image.pixelColor(int(expected.x * image.width()), int(expected.y * image.height()));
-        QCOMPARE(seen.name(QColor::HexArgb), QColor(expected.colour).name(QColor::HexArgb));
+        QTEST(image.pixelColor(int(x * image.width()), int(y * image.height())).name(QColor::HexArgb), "colour");
         QCOMPARE(image.pixelColor(4, 4).alpha(), 0);
         QCOMPARE(capture.texts(QtWarningMsg), QStringList());
     }
@@ -113,17 +98,17 @@ private Q_SLOTS:
     void nothingElseIsStored()
     {
         QCOMPARE(QDir(images).entryList().size(), 23); // The rows above and the spinner.
-        QCOMPARE(QResource(images + QStringLiteral("busy.gif")).compressionAlgorithm(), QResource::NoCompression);
-        QCOMPARE(QDir(QStringLiteral(":/lang/i18n")).entryList(), QStringList{"mc_en_GB.qm"});
+        QCOMPARE(QResource(images + "busy.gif").compressionAlgorithm(), QResource::NoCompression);
+        QCOMPARE(QDir(":/lang/i18n").entryList(), QStringList{"mc_en_GB.qm"});
         QCOMPARE(QResource(translation).compressionAlgorithm(), QResource::ZlibCompression);
-        QFile collection(QStringLiteral(MERIVO_COLLECTION));
+        QFile collection(MERIVO_COLLECTION);
         QVERIFY(collection.open(QIODevice::ReadOnly));
-        QCOMPARE(collection.readAll().count("int version = 2;"), 2); // Where it registers itself and where it leaves.
+        QCOMPARE(collection.readAll().count("int version = 2;"), 2); // where it is registered and unregistered
     }
 
     void spinner()
     {
-        QImageReader reader(images + QStringLiteral("busy.gif"));
+        QImageReader reader(images + "busy.gif");
         QCOMPARE(reader.size(), QSize(74, 74));
         QCOMPARE(reader.imageCount(), 31);
         QCOMPARE(reader.loopCount(), -1);
@@ -140,13 +125,13 @@ private Q_SLOTS:
     void storedTexts()
     {
         const QTemporaryDir folder;
-        const QString compiled = folder.filePath(QStringLiteral("stored.qm"));
-        const QString stored = folder.filePath(QStringLiteral("stored.ts"));
+        const QString compiled = folder.filePath("stored.qm");
+        const QString stored = folder.filePath("stored.ts");
         QVERIFY(QFile::copy(translation, compiled));
         QCOMPARE(QProcess::execute(MERIVO_LCONVERT, {"-i", compiled, "-o", stored}), 0);
         QStringList messages = messagesOf(stored);
         QCOMPARE(messages.size(), 87);
-        messages = messages.filter(QRegularExpression(QStringLiteral("[^|]$")));
+        messages = messages.filter(QRegularExpression("[^|]$"));
         const QStringList commented{
             "ErrorHandler|<b>Connection Error</b>|Title when the LM2 must be removed from the pump.",
             "ErrorHandler|<b>Connection Error</b>|Title when the pump must be removed.",
@@ -162,15 +147,15 @@ private Q_SLOTS:
     {
         QTranslator translator;
         QVERIFY(translator.load(translation));
-        QCOMPARE(translator.translate("PumpReadDialog", "Merivo Connection - Add pump"), // Told apart by its context.
-                 QStringLiteral("Sanvio Merivo Pump Plugin - Read pump"));
+        // The context distinguishes equal texts.
+        QCOMPARE(translator.translate("PumpReadDialog", "Merivo Connection - Add pump"),
+                 QString("Sanvio Merivo Pump Plugin - Read pump"));
 
         const QTemporaryDir folder;
-        const QString found = folder.filePath(QStringLiteral("found.ts"));
+        const QString found = folder.filePath("found.ts");
         QVERIFY(QDir::setCurrent(MERIVO_SOURCE_DIR));
         const QString options("-silent -no-obsolete -locations none -I . plugin reader workflows commands dialogs -ts");
-        QCOMPARE(QProcess::execute(MERIVO_LUPDATE, options.split(QLatin1Char(' ')) << found), 0);
-        QVERIFY(!messagesOf(found).isEmpty());
+        QCOMPARE(QProcess::execute(MERIVO_LUPDATE, options.split(' ') << found), 0);
         QCOMPARE(messagesOf(found).join('\n'), messagesOf("resources/lang/i18n/mc_en_GB.ts").join('\n'));
     }
 };
