@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <chrono>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -29,6 +30,23 @@ QString rename(const QString& from, const QString& to)
     std::error_code error;
     std::filesystem::rename(Platform::nativePath(from), Platform::nativePath(to), error);
     return error ? QString::fromStdString(error.message()) : QString();
+}
+
+/// Returns true if the file was written since the last call. Sets the file's time back by a day, so that the next write
+/// changes it however coarse the time stamps of the drive are (two seconds on FAT).
+bool takeWrite(const QString& path, FileStamp* seen)
+{
+    const FileStamp stamp = FileStamp::of(path);
+    const bool isWritten = stamp.exists() && stamp != *seen;
+    if (isWritten) {
+        const std::filesystem::path file = Platform::nativePath(path);
+        std::error_code error;
+        const auto time = std::filesystem::last_write_time(file, error);
+        if (!error)
+            std::filesystem::last_write_time(file, time - std::chrono::hours(24), error);
+    }
+    *seen = FileStamp::of(path);
+    return isWritten;
 }
 
 QString awayOf(const QString& path)
@@ -53,7 +71,7 @@ ReaderDrive::ReaderDrive(const QString& path, QObject* parent)
     m_rest.setInterval(HalfStatusMs);
     m_rest.setSingleShot(true);
     connect(&m_rest, &QTimer::timeout, this, [this] { writeInPlace(filePath(ReaderNames::Status), m_halfStatus); });
-    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &ReaderDrive::onFileChanged);
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &ReaderDrive::lookAtTrigger);
 }
 
 QString ReaderDrive::filePath(const QString& name) const
@@ -87,8 +105,8 @@ bool ReaderDrive::open(QString* error)
 
 void ReaderDrive::listen()
 {
-    m_triggerStamp = FileStamp::of(triggerPath());
-    m_commandStamp = FileStamp::of(commandPath());
+    takeWrite(triggerPath(), &m_triggerStamp);
+    takeWrite(commandPath(), &m_commandStamp);
     m_commandTaken = true;
     m_timer.start();
 }
@@ -222,20 +240,6 @@ bool ReaderDrive::fail(const QString& what)
     return false;
 }
 
-void ReaderDrive::onFileChanged(const QString& path)
-{
-    // On a drive whose time stamps are coarse (two seconds on FAT) the notification alone tells two writes apart. Where
-    // there are no notifications the stamps have to do.
-    if (path.endsWith(ReaderNames::Trigger)) {
-        m_triggered = true;
-        lookAtTrigger();
-    } else if (!m_sinceTaken.isValid() || m_sinceTaken.hasExpired(LateNoticeMs) ||
-               FileStamp::of(path) != m_commandStamp) {
-        m_quietLooks = 0;
-        m_commandTaken = false;
-    }
-}
-
 void ReaderDrive::look()
 {
     if (!QFileInfo(filePath()).isDir()) {
@@ -243,24 +247,16 @@ void ReaderDrive::look()
         return;
     }
     keepBlocked();
-    // The watcher follows a file only while it exists, and loses it when someone replaces it.
-    const QString paths[] = {triggerPath(), commandPath()};
-    for (const QString& path : paths) {
-        if (!m_watcher.files().contains(path) && QFileInfo::exists(path))
-            m_watcher.addPath(path);
-    }
+    // The watcher only saves the wait for the next look. It loses a file that is replaced.
+    if (m_watcher.files().isEmpty())
+        m_watcher.addPath(triggerPath());
     lookAtTrigger();
     lookAtCommand();
 }
 
 void ReaderDrive::lookAtTrigger()
 {
-    const FileStamp stamp = FileStamp::of(triggerPath());
-    if (!m_triggered && stamp == m_triggerStamp)
-        return;
-    m_triggerStamp = stamp;
-    m_triggered = false;
-    if (!stamp.exists())
+    if (!takeWrite(triggerPath(), &m_triggerStamp))
         return;
     int ripe = 0;
     for (Status& status : m_statuses)
@@ -275,29 +271,18 @@ void ReaderDrive::lookAtTrigger()
 
 void ReaderDrive::lookAtCommand()
 {
-    const QString path = commandPath();
-    const FileStamp stamp = FileStamp::of(path);
-    if (stamp != m_commandStamp) {
-        m_commandStamp = stamp;
+    if (takeWrite(commandPath(), &m_commandStamp)) {
         m_quietLooks = 0;
-        m_commandTaken = !stamp.exists();
+        m_commandTaken = false;
     }
-    if (m_commandTaken)
-        return;
-
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    QFile file(commandPath());
+    if (m_commandTaken || !file.open(QIODevice::ReadOnly))
         return;
     const QByteArray bytes = file.readAll();
-    if (bytes != m_commandBytes)
-        m_quietLooks = 0;
-    m_commandBytes = bytes;
     ++m_quietLooks;
-
     QString fault;
     if (m_quietLooks >= (parseCommandFile(bytes, &fault) ? LooksForGood : LooksForBad)) {
         m_commandTaken = true;
-        m_sinceTaken.start();
         Q_EMIT commandWritten(bytes);
     }
 }

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "workbench/traffic/ReaderNames.h"
+
 #include <QByteArray>
 #include <QDeadlineTimer>
-#include <QElapsedTimer>
 #include <QFileSystemWatcher>
 #include <QHash>
 #include <QLockFile>
@@ -97,7 +97,6 @@ private:
     void look();
     void lookAtTrigger();
     void lookAtCommand();
-    void onFileChanged(const QString& path);
     bool fail(const QString& what);
 
     const QString m_path;
@@ -112,11 +111,7 @@ private:
     QHash<QString, QDeadlineTimer> m_blocked;
 
     FileStamp m_triggerStamp;
-    bool m_triggered = false;
-
     FileStamp m_commandStamp;
-    QByteArray m_commandBytes;
     int m_quietLooks = 0;
-    QElapsedTimer m_sinceTaken;
     bool m_commandTaken = true;
 };

@@ -7,9 +7,6 @@
 #include <QFileInfo>
 #include <QString>
 
-/// On a busy computer the system's notification of a write can come so late that the write was seen already.
-constexpr int LateNoticeMs = 300;
-
 namespace ReaderNames {
 inline const QString Folder = "MISC";
 inline const QString Command = "CommandFile.txt";

@@ -11,6 +11,8 @@
 namespace {
 
 constexpr int CheckEveryMs = 10;
+/// On a busy computer the system's notification of a write can come so late that the write was seen already.
+constexpr int LateNoticeMs = 300;
 /// Up to here the content decides whether a file has changed. Stamps don't tell two writes of one second apart on FAT,
 /// nor any on a reader without a clock.
 constexpr qint64 SmallFile = 65536; // bytes
@@ -142,7 +144,10 @@ void TrafficRecorder::checkFile(const QString& name)
     if (stamp.size <= SmallFile && !read(pathOf(name), &bytes))
         return;
     const bool isLate = seen.isRecorded && m_clock.elapsed() - seen.recordedMs < LateNoticeMs;
-    const bool hasChanged = stamp != seen.stamp || bytes != seen.bytes || (isCommand && m_isCommandWritten && !isLate);
+    // merivo-reader sets the time of a command back that it has taken.
+    const bool isSetBack = isCommand && stamp.size == seen.stamp.size && stamp.modifiedMs < seen.stamp.modifiedMs;
+    const bool isWritten = stamp != seen.stamp || (isCommand && m_isCommandWritten && !isLate);
+    const bool hasChanged = bytes != seen.bytes || (isWritten && !isSetBack);
     seen.isRecorded = seen.isRecorded && !hasChanged;
     seen.stamp = stamp;
     seen.bytes = bytes;
