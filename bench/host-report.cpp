@@ -45,8 +45,7 @@ bool writeTraffic(const QString& folder, int pumpsOfAList)
             status.command = "BTREAD";
             status.word = "running";
             const QByteArray lines =
-                (pumps.isEmpty() ? trafficLine({ms, "MISCNoCommand.txt", QByteArray(""), {}})
-                                 : trafficLine({ms, "MISC/DEVLIST.XML", deviceListXml(pumps), {}})) +
+                (pumps.isEmpty() ? QByteArray() : trafficLine({ms, "MISC/DEVLIST.XML", deviceListXml(pumps), {}})) +
                 trafficLine({ms, "MISC/STATUS.TXT", statusText(status), {}});
             if (target.pos() + lines.size() > limits.fileBytes)
                 break;

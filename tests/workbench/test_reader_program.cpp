@@ -135,7 +135,7 @@ private Q_SLOTS:
             {R"({"faults": ["no-start", "no-stop"]})", "faults[1]: fault \"no-stop\": unknown"},
             {R"({"faults": ["fail"]})", "faults[0]: fault \"fail\": needs a value"},
             {R"({"faults": ["slow=-1"]})", "faults[0]: fault \"slow=-1\": the value must be a whole number"},
-            {R"({"faults": ["log-missing@ABORT"]})", "faults[0]: fault \"log-missing@ABORT\": can't be tied"},
+            {R"({"faults": ["log-missing@ABORT"]})", "faults[0]: fault \"log-missing@ABORT\": can't be restricted"},
             {R"({"faults": ["vanish=now"]})", "faults[0]: fault \"vanish=now\": the value must be command,"},
             {R"({"firmware": "\ud800"})", "firmware: must hold whole characters"},
         };

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/ReaderFiles.h"
 
+#include <QRandomGenerator>
 #include <QXmlStreamWriter>
 
 QByteArray statusText(const ReaderStatus& status)
@@ -45,4 +46,33 @@ QByteArray firmwareLogText(const QString& version)
                    "Firmware version %1\n")
         .arg(version)
         .toUtf8();
+}
+
+QByteArray exchangeFileXml(const Pump& pump, const ExchangeSettings& settings, quint32 seed)
+{
+    constexpr int MaxSteps = 40;
+    constexpr double Step = 0.05; // as a pump delivers
+    QRandomGenerator random(seed);
+    QByteArray bytes;
+    QXmlStreamWriter xml(&bytes);
+    xml.setAutoFormatting(true);
+    xml.setAutoFormattingIndent(1);
+    xml.writeStartDocument();
+    xml.writeStartElement("pumpHistory");
+    xml.writeEmptyElement("pump");
+    xml.writeAttribute("serialNumber", pump.serialNumber);
+    xml.writeAttribute("name", pump.name);
+    xml.writeAttribute("model", pump.model);
+    for (int day = 1; day <= settings.days; ++day) {
+        xml.writeStartElement("day");
+        xml.writeAttribute("date", settings.lastDay.addDays(day - settings.days).toString(Qt::ISODate));
+        for (int hour = 0; hour < 24; ++hour) {
+            xml.writeEmptyElement(hour % 6 == 1 ? "bolus" : "basalRate");
+            xml.writeAttribute("at", QString("%1:00").arg(hour, 2, 10, QChar('0')));
+            xml.writeAttribute("units", QString::number(Step * random.bounded(MaxSteps), 'f', 2));
+        }
+        xml.writeEndElement();
+    }
+    xml.writeEndDocument();
+    return bytes;
 }

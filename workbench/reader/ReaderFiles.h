@@ -30,3 +30,6 @@ QByteArray deviceListXml(const QVector<Pump>& pumps);
 
 /// The firmware log: the version is the last word of the fifth line.
 QByteArray firmwareLogText(const QString& version);
+
+/// A pump's history day by day, the same for the same pump, settings and seed.
+QByteArray exchangeFileXml(const Pump& pump, const ExchangeSettings& settings, quint32 seed);

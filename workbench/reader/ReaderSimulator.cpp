@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/reader/ReaderSimulator.h"
 
-#include "workbench/reader/ExchangeFile.h"
 #include "workbench/reader/ReaderDrive.h"
 #include "workbench/reader/ReaderFiles.h"
 
@@ -11,7 +10,7 @@
 #include <QRandomGenerator>
 
 #include <algorithm>
-#include <limits>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -19,15 +18,26 @@ namespace {
 const QString Running = "running";
 const QString Failed = "failed";
 const QString Done = "done";
+const QString NoCommand = "NONE";
 const QString NoPump = "0";
 const int LongestSerialInName = 64;
-/// Behind the name of an exchange file that is being written.
-const QString Unfinished = ".part";
 const QString SecondLog = ReaderNames::FirmwareLog + ".1";
 /// Longer than the pause between two reads of the status, so one of them has seen what a trigger brought to light.
 const int SeenAfterMs = 300;
 const int GrowEveryMs = 100;
 const int GrowingPieces = 10;
+
+/// The codes with which the reader itself fails. Those below 30 are its own: no one else has a name for them.
+enum ReaderError {
+    NothingToConfirm = 20,
+    UserSaidNo = 21,
+    UserSilent = 22,
+    NotPaired = 24,
+    NoPatient = 25,
+    PumpNotFound = 31,
+    LinkLost = 32,
+    AlreadyPaired = 124,
+};
 
 QString memoryFile(const ReaderDrive& drive)
 {
@@ -41,13 +51,6 @@ QString exchangeName(const Pump& pump, int number)
     for (const QChar c : pump.serialNumber.left(LongestSerialInName))
         serial += c.unicode() < 0x80 && c.isLetterOrNumber() ? c : '-';
     return QString("I%1_%2.xml").arg(serial).arg(number, 4, 10, QChar('0'));
-}
-
-void removeFiles(ReaderDrive& drive, const QString& filter)
-{
-    const QStringList names = QDir(drive.filePath()).entryList({filter}, QDir::Files | QDir::Dirs);
-    for (const QString& name : names)
-        drive.removeFile(name);
 }
 
 } // namespace
@@ -77,8 +80,6 @@ ReaderSimulator::ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, b
     connect(&m_drive, &ReaderDrive::failed, this, &ReaderSimulator::fail);
 }
 
-ReaderSimulator::~ReaderSimulator() = default;
-
 void ReaderSimulator::pairBeforehand(const QString& serialNumber, const QString& patientId)
 {
     m_pairedBeforehand.insert(serialNumber, patientId);
@@ -101,45 +102,33 @@ bool ReaderSimulator::start(QString* error)
     if (!saveMemory(memoryFile(m_drive), m_memory, error))
         return false;
 
-    m_behaviour = {};
-    const Behaviour behaviour = m_faults.strike({});
-    const QString version = behaviour.firmware.isEmpty() ? m_scenario.firmware : behaviour.firmware;
-    writeFirmwareLogs(version, behaviour);
+    m_activeFaults = m_faults.take({});
+    const QString version = m_activeFaults.value("old-firmware", m_scenario.firmware);
+    writeFirmwareLogs(version);
     writeDeviceList();
-
-    removeFiles(m_drive, ReaderNames::ExchangeFilter + Unfinished);
-    showFirstStatus(behaviour.leftRunning);
+    showFirstStatus();
     m_drive.listen();
     Q_EMIT logged(QString("firmware %1, start %2").arg(version).arg(m_memory.starts));
     return true;
 }
 
-void ReaderSimulator::showFirstStatus(const QString& leftRunning)
+void ReaderSimulator::showFirstStatus()
 {
     QFile shown(m_drive.filePath(ReaderNames::Status));
     if (shown.open(QIODevice::ReadOnly))
         m_status = shown.readAll();
-    if (leftRunning.isEmpty() && isRunning(m_status)) {
-        // The reader has forgotten the command, but as long as nobody asks it for more, nothing rewrites the file.
+    if (m_activeFaults.contains("left-running"))
+        showAtOnce(m_activeFaults.value("left-running"), Running);
+    else if (!isRunning(m_status))
+        showAtOnce(NoCommand, Done);
+    else // The reader has forgotten the command, but as long as nobody asks it for more, nothing rewrites the file.
         Q_EMIT logged("left the status of a command that an earlier run didn't end");
-        return;
-    }
-    if (leftRunning.isEmpty()) {
-        showNoCommand();
-        return;
-    }
-    m_active = leftRunning;
-    setStatus(Running, {}, 0);
-    m_drive.showStatus();
-    m_active.clear();
 }
 
-void ReaderSimulator::showNoCommand()
+void ReaderSimulator::showAtOnce(const QString& command, const QString& word)
 {
-    m_active = "NONE";
-    setStatus(Done, {}, 0);
+    setStatus(command, word);
     m_drive.showStatus();
-    m_active.clear();
 }
 
 void ReaderSimulator::onCommandWritten(const QByteArray& bytes)
@@ -161,26 +150,26 @@ void ReaderSimulator::begin(const ReaderCommand& command)
         leave();
         return;
     }
-    m_behaviour = {};
+    m_activeFaults.clear();
     if (std::exchange(m_isStatusSpoilt, false))
-        showNoCommand();
+        showAtOnce(NoCommand, Done);
     if (std::exchange(m_isListSpoilt, false))
         writeDeviceList();
     // A code that the user hasn't answered is given up by whatever else comes.
     if (command.kind != ReaderCommand::Kind::ConfirmPairing)
         m_toConfirm.reset();
     m_active = command.word;
-    m_behaviour = m_faults.strike(command.word);
+    m_activeFaults = m_faults.take(command.word);
     m_oldStatus = m_status;
-    if (m_behaviour.triggerBlockedMs)
-        m_drive.block(m_drive.triggerPath(), *m_behaviour.triggerBlockedMs);
-    if (m_behaviour.commandBlockedMs)
-        m_drive.block(m_drive.commandPath(), *m_behaviour.commandBlockedMs);
-    if (m_behaviour.leavesAt == LeavingMoment::Command) {
+    if (m_activeFaults.contains("blocked-trigger"))
+        m_drive.block(m_drive.triggerPath(), m_activeFaults.value("blocked-trigger").toInt());
+    if (m_activeFaults.contains("blocked-command"))
+        m_drive.block(m_drive.commandPath(), m_activeFaults.value("blocked-command").toInt());
+    if (leavesAt("command")) {
         leave();
         return;
     }
-    if (!m_behaviour.answers) {
+    if (m_activeFaults.contains("no-start")) {
         Q_EMIT logged(QString("leaves %1 unanswered, as the fault no-start says").arg(command.word));
         return;
     }
@@ -192,8 +181,10 @@ void ReaderSimulator::begin(const ReaderCommand& command)
         m_plan.failCode = pump->errors.value(command.word);
         m_plan.durationMs /= 2;
     }
-    if (m_behaviour.failCode)
-        m_plan.failCode = *m_behaviour.failCode;
+    if (m_activeFaults.contains("fail"))
+        m_plan.failCode = m_activeFaults.value("fail").toInt();
+    if (m_activeFaults.contains("fail-without-code"))
+        m_plan.failCode = NoErrorCode;
 
     m_next = [this] {
         showRunning();
@@ -207,7 +198,6 @@ void ReaderSimulator::dropCommand()
     m_progress.stop();
     m_whenSeen = nullptr;
     m_isLeaving = false;
-    m_exchange.reset();
     if (!m_active.isEmpty())
         Q_EMIT logged(QString("dropped %1, which hadn't ended").arg(m_active));
     m_active.clear();
@@ -215,17 +205,20 @@ void ReaderSimulator::dropCommand()
 
 void ReaderSimulator::showRunning()
 {
-    if (m_behaviour.showsRunning)
-        setStatus(Running, {}, 0);
+    if (!m_activeFaults.contains("no-running"))
+        setStatus(m_active, Running);
     m_running.start();
     m_plan.durationMs = duration(m_plan.durationMs);
     if (m_scenario.times.progress > 0 && m_plan.durationMs > 0)
         m_progress.start(m_scenario.times.progress);
-    if (m_behaviour.leavesAt == LeavingMoment::Running)
+    if (leavesAt("running"))
         leaveWhenSeen();
-    else if (m_behaviour.abortsItself)
-        whenSeen([this] { giveUpAsAborted(); });
-    if (m_whenSeen || !m_behaviour.ends)
+    else if (m_activeFaults.contains("foreign-abort"))
+        m_whenSeen = [this] {
+            dropCommand();
+            setStatus("ABORT", Done);
+        };
+    if (m_whenSeen || m_activeFaults.contains("no-end"))
         return;
     m_next = [this] {
         finish();
@@ -235,11 +228,9 @@ void ReaderSimulator::showRunning()
 
 void ReaderSimulator::onProgress()
 {
-    const double part = std::min(1.0, double(m_running.elapsed()) / m_plan.durationMs);
-    if (m_exchange)
-        m_exchange->writeUpTo(part);
-    if (m_behaviour.showsRunning)
-        setStatus(Running, QString("%1%").arg(static_cast<int>(100 * part)), 0);
+    const qint64 percent = std::min<qint64>(100, 100 * m_running.elapsed() / m_plan.durationMs);
+    if (!m_activeFaults.contains("no-running"))
+        setStatus(m_active, Running, QString("%1%").arg(percent));
 }
 
 void ReaderSimulator::finish()
@@ -248,34 +239,35 @@ void ReaderSimulator::finish()
     QString result;
     if (m_plan.failCode == 0 && m_plan.effect)
         result = m_plan.effect();
-    m_exchange.reset();
-    // What couldn't be kept isn't told as done.
+    m_isListSpoilt = m_activeFaults.contains("list-missing") || m_activeFaults.contains("list-cut") ||
+                     m_activeFaults.contains("list-devices");
+    if (m_isListSpoilt)
+        writeDeviceList();
+    // What couldn't be kept isn't shown as done.
     if (m_hasFailed)
         return;
-    spoilDeviceList();
-    setStatus(m_plan.failCode == 0 ? Done : Failed, result, m_plan.failCode);
+    setStatus(m_active, m_plan.failCode == 0 ? Done : Failed, result, m_plan.failCode);
     m_active.clear();
-    if (m_behaviour.leavesAt == LeavingMoment::Done)
+    if (leavesAt("done"))
         leaveWhenSeen();
 }
 
-void ReaderSimulator::giveUpAsAborted()
+bool ReaderSimulator::leavesAt(const QString& moment) const
 {
-    dropCommand();
-    m_active = "ABORT";
-    setStatus(Done, {}, 0);
-    m_active.clear();
+    return leaving().section(',', 0, 0) == moment;
 }
 
-void ReaderSimulator::whenSeen(std::function<void()> next)
+QString ReaderSimulator::leaving() const
 {
-    m_whenSeen = std::move(next);
+    return m_activeFaults.value("vanish", m_activeFaults.value("vanish-folder"));
 }
 
 void ReaderSimulator::leaveWhenSeen()
 {
     m_isLeaving = true;
-    whenSeen([this] { leave(); });
+    m_whenSeen = [this] {
+        leave();
+    };
 }
 
 /// Unplugged, the reader loses what it was at, and keeps its memory.
@@ -287,11 +279,12 @@ void ReaderSimulator::leave()
     m_seen.clear();
     m_isStatusSpoilt = false;
     m_isListSpoilt = false;
-    if (!m_drive.goAway(m_behaviour.leavesWhole))
+    if (!m_drive.goAway(m_activeFaults.contains("vanish")))
         return;
     Q_EMIT logged("took the drive away");
-    if (m_behaviour.awayMs > 0)
-        m_return.start(m_behaviour.awayMs);
+    const int awayMs = leaving().section(',', 1).toInt();
+    if (awayMs > 0)
+        m_return.start(awayMs);
 }
 
 void ReaderSimulator::comeBack()
@@ -304,7 +297,7 @@ void ReaderSimulator::comeBack()
 /// The plan, unless the link to the pump breaks before it is through.
 ReaderSimulator::Plan ReaderSimulator::overLink(const Pump& pump, const Plan& plan)
 {
-    return plan.durationMs > pump.linkHoldsMs ? Plan{pump.linkHoldsMs, ReaderError::LinkLost, {}} : plan;
+    return plan.durationMs > pump.linkHoldsMs ? Plan{pump.linkHoldsMs, LinkLost, {}} : plan;
 }
 
 ReaderSimulator::Plan ReaderSimulator::planFor(const ReaderCommand& command)
@@ -356,14 +349,14 @@ ReaderSimulator::Plan ReaderSimulator::planPair(const ReaderCommand& command)
     };
     const Pump* pump = find(command.serialNumber);
     if (!isPatientId(command.patientId))
-        return fails(ReaderError::NoPatient);
+        return fails(NoPatient);
     if (!pump || pump->address != command.address)
-        return fails(ReaderError::PumpNotFound);
+        return fails(PumpNotFound);
     // The reader's own memory says so, however far the pump is.
     if (!pump->patientId.isEmpty())
-        return fails(ReaderError::AlreadyPaired);
+        return fails(AlreadyPaired);
     if (!pump->inRange)
-        return fails(ReaderError::PumpNotFound);
+        return fails(PumpNotFound);
     return overLink(*pump, {m_scenario.times.pair, 0, [this, command, code = pump->confirmationCode] {
                                 m_toConfirm = command;
                                 return code;
@@ -374,18 +367,18 @@ ReaderSimulator::Plan ReaderSimulator::planConfirm(bool accepted)
 {
     const std::optional<ReaderCommand> pairing = std::exchange(m_toConfirm, std::nullopt);
     if (!pairing)
-        return {m_scenario.times.confirm, ReaderError::NothingToConfirm, {}};
+        return {m_scenario.times.confirm, NothingToConfirm, {}};
     if (!accepted)
         return {m_scenario.times.confirm, 0, {}};
 
     const Pump& pump = *find(pairing->serialNumber);
     const int limit = m_scenario.times.userLimit;
     if (pump.user == PumpUser::DoesNothing || pump.userTakesMs > limit)
-        return overLink(pump, {limit, ReaderError::UserSilent, {}});
+        return overLink(pump, {limit, UserSilent, {}});
     if (pump.user == PumpUser::Declines)
-        return overLink(pump, {pump.userTakesMs, ReaderError::UserSaidNo, {}});
+        return overLink(pump, {pump.userTakesMs, UserSaidNo, {}});
     if (pump.user == PumpUser::WalksAway)
-        return overLink(pump, {pump.userTakesMs, ReaderError::LinkLost, {}});
+        return overLink(pump, {pump.userTakesMs, LinkLost, {}});
     return overLink(pump, {pump.userTakesMs + m_scenario.times.confirm, 0, [this, pairing] {
                                tie(pairing->serialNumber, pairing->patientId);
                                return pairing->serialNumber;
@@ -396,12 +389,8 @@ ReaderSimulator::Plan ReaderSimulator::planRead(const ReaderCommand& command)
 {
     const Pump* pump = find(command.serialNumber);
     if (!pump || pump->patientId.isEmpty() || !pump->inRange)
-        return {m_scenario.times.connect, ReaderError::PumpNotFound, {}};
+        return {m_scenario.times.connect, PumpNotFound, {}};
 
-    const QString beside = m_drive.filePath(exchangeName(*pump, m_memory.readouts + 1)) + Unfinished;
-    m_exchange = std::make_unique<ExchangeFile>(beside, *pump, m_scenario);
-    if (!m_exchange->open())
-        fail(QString("%1: %2").arg(beside, m_exchange->errorString()));
     return overLink(*pump, {m_scenario.times.read, 0, [this, pump = *pump] {
                                 return publishExchangeFile(pump);
                             }});
@@ -409,46 +398,30 @@ ReaderSimulator::Plan ReaderSimulator::planRead(const ReaderCommand& command)
 
 QString ReaderSimulator::publishExchangeFile(const Pump& pump)
 {
-    if (!m_exchange->finish()) {
-        fail(QString("%1: %2").arg(m_exchange->path(), m_exchange->errorString()));
-        return {};
-    }
     m_growth.stop();
-    removeFiles(m_drive, ReaderNames::ExchangeFilter);
-
-    const ExchangeForm form = m_behaviour.exchange;
-    if (form == ExchangeForm::NoFile)
+    const QStringList older = QDir(m_drive.filePath()).entryList({ReaderNames::ExchangeFilter});
+    for (const QString& name : older)
+        m_drive.removeFile(name);
+    if (m_activeFaults.contains("no-exchange-file"))
         return {};
-    if (form == ExchangeForm::TwoFiles)
-        QFile::copy(m_exchange->path(), m_drive.filePath(exchangeName(pump, ++m_memory.readouts)));
-    const QString name = exchangeName(pump, ++m_memory.readouts);
-    const QString path = m_drive.filePath(name);
-    if (form == ExchangeForm::Folder) {
-        QDir().mkdir(path);
-    } else if (form == ExchangeForm::GrowingFile) {
-        beginToGrow(path);
-    } else {
-        m_drive.moveInto(m_exchange->path(), name);
-    }
-    QString error;
-    if (!saveMemory(memoryFile(m_drive), m_memory, &error))
-        fail(error);
-    return name;
-}
 
-/// Gives the exchange file's bytes to the file @p path, a piece now and the others one by one.
-void ReaderSimulator::beginToGrow(const QString& path)
-{
-    QFile whole(m_exchange->path());
-    if (!whole.open(QIODevice::ReadOnly)) {
-        fail(QString("%1: %2").arg(whole.fileName(), whole.errorString()));
-        return;
+    const QByteArray bytes = exchangeFileXml(pump, m_scenario.exchange, m_scenario.seed);
+    if (m_activeFaults.contains("two-exchange-files"))
+        m_drive.replaceFile(exchangeName(pump, ++m_memory.readouts), bytes);
+    const QString name = exchangeName(pump, ++m_memory.readouts);
+    if (m_activeFaults.contains("exchange-folder")) {
+        QDir().mkdir(m_drive.filePath(name));
+    } else if (m_activeFaults.contains("exchange-grows")) {
+        m_growingFile = m_drive.filePath(name);
+        m_growingRest = bytes;
+        m_growingPiece = bytes.size() / GrowingPieces + 1;
+        m_growth.start();
+        growExchangeFile();
+    } else {
+        m_drive.replaceFile(name, bytes);
     }
-    m_growingRest = whole.readAll();
-    m_growingPiece = m_growingRest.size() / GrowingPieces + 1;
-    m_growingFile = path;
-    m_growth.start();
-    growExchangeFile();
+    keepMemory();
+    return name;
 }
 
 void ReaderSimulator::growExchangeFile()
@@ -462,16 +435,25 @@ void ReaderSimulator::growExchangeFile()
         m_growth.stop();
 }
 
+bool ReaderSimulator::keepMemory()
+{
+    QString error;
+    const bool isKept = saveMemory(memoryFile(m_drive), m_memory, &error);
+    if (!isKept)
+        fail(error);
+    return isKept;
+}
+
 ReaderSimulator::Plan ReaderSimulator::planReassign(const ReaderCommand& command)
 {
     const Pump* pump = find(command.serialNumber);
     if (!isPatientId(command.patientId))
-        return {m_scenario.times.reassign, ReaderError::NoPatient, {}};
+        return {m_scenario.times.reassign, NoPatient, {}};
     if (!pump)
-        return {m_scenario.times.reassign, ReaderError::PumpNotFound, {}};
+        return {m_scenario.times.reassign, PumpNotFound, {}};
     // A pump without a pairing needs its code compared first.
     if (pump->patientId.isEmpty())
-        return {m_scenario.times.reassign, ReaderError::NotPaired, {}};
+        return {m_scenario.times.reassign, NotPaired, {}};
     return {m_scenario.times.reassign, 0, [this, command] {
                 tie(command.serialNumber, command.patientId);
                 return command.serialNumber;
@@ -481,7 +463,7 @@ ReaderSimulator::Plan ReaderSimulator::planReassign(const ReaderCommand& command
 ReaderSimulator::Plan ReaderSimulator::planDelete(const ReaderCommand& command)
 {
     if (!find(command.serialNumber))
-        return {m_scenario.times.remove, ReaderError::PumpNotFound, {}};
+        return {m_scenario.times.remove, PumpNotFound, {}};
     return {m_scenario.times.remove, 0, [this, serialNumber = command.serialNumber] {
                 tie(serialNumber, {});
                 return serialNumber;
@@ -504,93 +486,80 @@ void ReaderSimulator::tie(const QString& serialNumber, const QString& patientId)
         else if (pump.patientId == patientId)
             pump.patientId.clear();
     }
-    QString error;
-    if (!saveMemory(memoryFile(m_drive), m_memory, &error))
-        fail(error);
-    else
+    if (keepMemory())
         writeDeviceList();
 }
 
 void ReaderSimulator::writeDeviceList()
 {
-    m_drive.replaceFile(ReaderNames::DeviceList, deviceListXml(listedPumps()));
-}
-
-QVector<Pump> ReaderSimulator::listedPumps(int leastCount) const
-{
     QVector<Pump> listed;
     std::copy_if(m_memory.pumps.cbegin(), m_memory.pumps.cend(), std::back_inserter(listed),
                  [this](const Pump& pump) { return !pump.patientId.isEmpty() || m_seen.contains(pump.serialNumber); });
-    while (listed.size() < leastCount) {
+    while (listed.size() < m_activeFaults.value("list-devices").toInt()) {
         Pump pump;
         pump.serialNumber = QString("FILL-%1").arg(listed.size(), 6, 10, QChar('0'));
         pump.address = QString("00:00:%1").arg(listed.size(), 8, 10, QChar('0'));
         listed.append(pump);
     }
-    return listed;
-}
-
-/// What the fault in force makes of the list; the next command writes it anew.
-void ReaderSimulator::spoilDeviceList()
-{
-    const int pumps = m_behaviour.listDevices;
-    m_isListSpoilt = !m_behaviour.hasDeviceList || m_behaviour.listBytes || pumps > 0;
-    if (pumps > 0)
-        m_drive.replaceFile(ReaderNames::DeviceList, deviceListXml(listedPumps(pumps)));
-    if (m_behaviour.listBytes)
-        m_drive.replaceFile(ReaderNames::DeviceList, deviceListXml(listedPumps(pumps)).left(*m_behaviour.listBytes));
-    if (!m_behaviour.hasDeviceList)
+    QByteArray bytes = deviceListXml(listed);
+    if (m_activeFaults.contains("list-cut"))
+        bytes.truncate(m_activeFaults.value("list-cut").toInt());
+    if (m_activeFaults.contains("list-missing"))
         m_drive.removeFile(ReaderNames::DeviceList);
+    else
+        m_drive.replaceFile(ReaderNames::DeviceList, bytes);
 }
 
-void ReaderSimulator::writeFirmwareLogs(const QString& version, const Behaviour& behaviour)
+void ReaderSimulator::writeFirmwareLogs(const QString& version)
 {
     QByteArray text = firmwareLogText(version);
-    if (behaviour.hasBinaryLog) {
+    if (m_activeFaults.contains("log-binary")) {
         QRandomGenerator random(m_scenario.seed);
         text.resize(4096);
         std::generate(text.begin(), text.end(), [&random] { return static_cast<char>(random.bounded(256)); });
     }
-    if (behaviour.hasFirmwareLog)
+    m_drive.removeFile(ReaderNames::FirmwareLog);
+    m_drive.removeFile(SecondLog);
+    if (!m_activeFaults.contains("log-missing"))
         m_drive.replaceFile(ReaderNames::FirmwareLog, text);
-    else
-        m_drive.removeFile(ReaderNames::FirmwareLog);
-    if (behaviour.secondFirmware.isEmpty())
-        m_drive.removeFile(SecondLog);
-    else
-        m_drive.replaceFile(SecondLog, firmwareLogText(behaviour.secondFirmware));
+    if (m_activeFaults.contains("log-several"))
+        m_drive.replaceFile(SecondLog, firmwareLogText(m_activeFaults.value("log-several")));
 }
 
-void ReaderSimulator::setStatus(const QString& word, const QString& result, int error)
+void ReaderSimulator::setStatus(const QString& command, const QString& word, const QString& result, int error)
 {
-    // Nothing else in the file would tell a second equal answer from the first.
-    if (m_behaviour.changesHeader)
+    // Nothing else in the file would distinguish a second equal answer from the first.
+    if (!m_activeFaults.contains("same-header"))
         ++m_statusCount;
     const QString header = QString("QD17-C RemoteControl File %1-%2")
                                .arg(m_memory.starts, 4, 10, QChar('0'))
                                .arg(m_statusCount, 6, 10, QChar('0'));
-    const QString command = m_behaviour.commandWord.isEmpty() ? m_active : m_behaviour.commandWord;
-    const QString shown = m_behaviour.statusWord.isEmpty() ? word : m_behaviour.statusWord;
-    QByteArray text =
-        statusText({header, m_behaviour.hasLowerCaseWord ? command.toLower() : command, shown, result, error});
-    if (m_behaviour.changesHeaderAlone)
+    QString shownCommand = m_activeFaults.value("wrong-word", command);
+    if (m_activeFaults.contains("lower-case-word"))
+        shownCommand = shownCommand.toLower();
+    const QString shownWord = m_activeFaults.value("unknown-status-word", word);
+    QByteArray text = statusText({header, shownCommand, shownWord, result, error});
+    if (m_activeFaults.contains("header-only"))
         text = header.toUtf8() + m_oldStatus.mid(m_oldStatus.indexOf('\n'));
-    if (m_behaviour.endsWithOldStatus && word != Running)
+    if (m_activeFaults.contains("unchanged-status") && word != Running)
         text = m_oldStatus;
-    if (m_behaviour.emptiesStatus)
+    if (m_activeFaults.contains("empty-status"))
         text.clear();
-    if (m_behaviour.refreshesStatus) {
-        m_isStatusSpoilt = m_behaviour.emptiesStatus || m_behaviour.manner.isFolder;
+    if (!m_activeFaults.contains("stale-status")) {
+        StatusManner manner;
+        manner.triggers = m_activeFaults.value("stale-until", "1").toInt();
+        manner.firstBytes = m_activeFaults.value("half-status").toInt();
+        manner.isFolder = m_activeFaults.contains("folder-status");
+        m_isStatusSpoilt = text.isEmpty() || manner.isFolder;
         m_status = text;
-        m_drive.setStatus(text, m_behaviour.manner);
+        m_drive.setStatus(text, manner);
     }
-    Q_EMIT logged(QString("%1 %2, result \"%3\", error %4").arg(m_active, shown, result).arg(error));
+    Q_EMIT logged(QString("%1 %2, result \"%3\", error %4").arg(command, shownWord, result).arg(error));
 }
 
 int ReaderSimulator::duration(int milliseconds) const
 {
-    const qint64 slowed = qint64(m_instant ? 0 : milliseconds) + m_behaviour.extraMs;
-    return int(std::min<qint64>(slowed, std::numeric_limits<int>::max()));
+    return (m_instant ? 0 : milliseconds) + m_activeFaults.value("slow").toInt();
 }
 
 void ReaderSimulator::fail(const QString& error)

@@ -12,22 +12,9 @@
 #include <QTimer>
 
 #include <functional>
-#include <memory>
+#include <optional>
 
-class ExchangeFile;
 class ReaderDrive;
-
-/// The codes with which the simulated reader itself fails. Those below 30 are its own: no one else has a name for them.
-namespace ReaderError {
-inline constexpr int NothingToConfirm = 20;
-inline constexpr int UserSaidNo = 21;
-inline constexpr int UserSilent = 22;
-inline constexpr int NotPaired = 24;
-inline constexpr int NoPatient = 25;
-inline constexpr int PumpNotFound = 31;
-inline constexpr int LinkLost = 32;
-inline constexpr int AlreadyPaired = 124;
-} // namespace ReaderError
 
 /// Plays the device reader on a drive. One command is at work at a time: a new one takes the place of an unfinished
 /// one, as a reader has no queue. Lives on one thread, whose event loop carries it.
@@ -39,7 +26,6 @@ class ReaderSimulator final : public QObject
 public:
     /// The drive is open already, not owned, and outlives this object. With @p instant every duration is 0.
     ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, bool instant, QObject* parent = nullptr);
-    ~ReaderSimulator() override;
 
     /// Takes up what an earlier run has kept, writes the first status, the firmware log and the device list, and
     /// listens. False with a sentence for the user if the kept pairings can't be read or written.
@@ -69,10 +55,9 @@ private:
     void showRunning();
     void onProgress();
     void finish();
-    void giveUpAsAborted();
 
-    /// Does @p next a while after the status that waits was seen, so that whoever polls has read it.
-    void whenSeen(std::function<void()> next);
+    bool leavesAt(const QString& moment) const;
+    QString leaving() const;
     void leaveWhenSeen();
     void leave();
     void comeBack();
@@ -86,19 +71,16 @@ private:
     Plan planReassign(const ReaderCommand& command);
     Plan planDelete(const ReaderCommand& command);
     QString publishExchangeFile(const Pump& pump);
-    void beginToGrow(const QString& path);
     void growExchangeFile();
+    bool keepMemory();
 
     Pump* find(const QString& serialNumber);
     void tie(const QString& serialNumber, const QString& patientId);
     void writeDeviceList();
-    /// The pumps of the device list, and so many more that it has @p leastCount.
-    QVector<Pump> listedPumps(int leastCount = 0) const;
-    void spoilDeviceList();
-    void writeFirmwareLogs(const QString& version, const Behaviour& behaviour);
-    void showFirstStatus(const QString& leftRunning);
-    void showNoCommand();
-    void setStatus(const QString& word, const QString& result, int error);
+    void writeFirmwareLogs(const QString& version);
+    void showFirstStatus();
+    void showAtOnce(const QString& command, const QString& word);
+    void setStatus(const QString& command, const QString& word, const QString& result = {}, int error = 0);
     int duration(int milliseconds) const;
     void fail(const QString& error);
 
@@ -113,14 +95,14 @@ private:
     bool m_hasFailed = false;
 
     QString m_active;
-    Behaviour m_behaviour;
+    ActiveFaults m_activeFaults;
     Plan m_plan;
     QTimer m_step;
     QTimer m_progress;
     QElapsedTimer m_running;
     std::function<void()> m_next;
+    /// Called some time after a trigger has made the latest status visible, so that the computer has read it.
     std::function<void()> m_whenSeen;
-    std::unique_ptr<ExchangeFile> m_exchange;
     std::optional<ReaderCommand> m_toConfirm;
     /// The bytes of the latest status, and of the one ahead of the command at work.
     QByteArray m_status;

@@ -6,8 +6,6 @@
 
 #include <QFile>
 
-#include <algorithm>
-#include <iterator>
 #include <limits>
 
 namespace {
@@ -16,14 +14,10 @@ const int LongestMs = 3600 * 1000;
 /// The commands that speak to one pump, and so can fail because of it.
 const QStringList PumpCommands = {"BTPAIR", "BTPAIRCONFIRM", "BTREAD", "BTDELETEADDR", "BTPUMPREASSIGN"};
 
-const struct
-{
-    const char* does;
-    PumpUser user;
-} Users[] = {{"confirms", PumpUser::Confirms},
-             {"declines", PumpUser::Declines},
-             {"walks away", PumpUser::WalksAway},
-             {"does nothing", PumpUser::DoesNothing}};
+const QHash<QString, PumpUser> Users{{"confirms", PumpUser::Confirms},
+                                     {"declines", PumpUser::Declines},
+                                     {"walks away", PumpUser::WalksAway},
+                                     {"does nothing", PumpUser::DoesNothing}};
 
 const struct
 {
@@ -53,11 +47,8 @@ void readUser(JsonFields& fields, Pump* pump)
     fields.require("does");
     QString does;
     fields.text("does", &does);
-    const auto found =
-        std::find_if(std::begin(Users), std::end(Users), [&does](const auto& entry) { return does == entry.does; });
-    if (found != std::end(Users))
-        pump->user = found->user;
-    else if (!does.isNull())
+    pump->user = Users.value(does, pump->user);
+    if (!does.isNull() && !Users.contains(does))
         fields.fail("does", "must be \"confirms\", \"declines\", \"walks away\" or \"does nothing\"");
     fields.number("afterMs", 0, LongestMs, &pump->userTakesMs);
 }
@@ -161,16 +152,10 @@ std::optional<Scenario> loadScenario(const QString& fileName, QStringList* error
 
 Scenario defaultScenario()
 {
-    Pump inReach;
-    inReach.serialNumber = "MV-204817";
-    inReach.address = "00:1E:42:7A:03:11";
-    inReach.confirmationCode = "481207";
-    Pump away;
-    away.serialNumber = "MV-198305";
-    away.address = "00:1E:42:7A:05:C4";
-    away.confirmationCode = "730164";
-    away.inRange = false;
-    Scenario scenario;
-    scenario.pumps = {inReach, away};
-    return scenario;
+    QStringList errors;
+    return *parseScenario(R"({"pumps": [
+        {"serialNumber": "MV-204817", "address": "00:1E:42:7A:03:11", "confirmationCode": "481207"},
+        {"serialNumber": "MV-198305", "address": "00:1E:42:7A:05:C4", "confirmationCode": "730164", "inRange": false}
+    ]})",
+                          &errors);
 }

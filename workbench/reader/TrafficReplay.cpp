@@ -76,7 +76,7 @@ void TrafficReplay::waitForNext()
 void TrafficReplay::playNext()
 {
     const TrafficEntry& entry = m_entries.at(m_next++);
-    if (entry.isTrigger() || entry.isCommand())
+    if (entry.isCommand())
         return;
     const std::optional<QByteArray> content = entry.content();
     if (entry.isStatus() && content)

@@ -109,9 +109,15 @@ int serve(const QString& announcement)
     return QCoreApplication::exec();
 }
 
-void giveUp(const QString& error)
+/// Logs what the simulator or the replay does, and ends the program with the first failure.
+template <class Reader>
+void observe(const Reader& reader, LogFile& log)
 {
-    QCoreApplication::exit(complain(Failure, error));
+    const auto giveUp = [](const QString& error) {
+        QCoreApplication::exit(complain(Failure, error));
+    };
+    QObject::connect(&reader, &Reader::logged, qApp, [&log](const QString& text) { writeLog(log, text); });
+    QObject::connect(&reader, &Reader::failed, qApp, giveUp, Qt::QueuedConnection);
 }
 
 int playRecording(const CommandLine& line, ReaderDrive& drive, LogFile& log)
@@ -121,8 +127,7 @@ int playRecording(const CommandLine& line, ReaderDrive& drive, LogFile& log)
     if (!entries)
         return complain(Failure, errors);
     TrafficReplay replay(drive, *entries, line.isSet("instant"));
-    QObject::connect(&replay, &TrafficReplay::logged, qApp, [&log](const QString& text) { writeLog(log, text); });
-    QObject::connect(&replay, &TrafficReplay::failed, qApp, giveUp, Qt::QueuedConnection);
+    observe(replay, log);
     replay.start();
     return serve(QString("merivo-reader: replaying on %1").arg(drive.path()));
 }
@@ -130,8 +135,7 @@ int playRecording(const CommandLine& line, ReaderDrive& drive, LogFile& log)
 int playScenario(const CommandLine& line, const Scenario& scenario, ReaderDrive& drive, LogFile& log)
 {
     ReaderSimulator reader(drive, scenario, line.isSet("instant"));
-    QObject::connect(&reader, &ReaderSimulator::logged, qApp, [&log](const QString& text) { writeLog(log, text); });
-    QObject::connect(&reader, &ReaderSimulator::failed, qApp, giveUp, Qt::QueuedConnection);
+    observe(reader, log);
     const QStringList pairs = line.values("pair");
     for (const QString& pair : pairs) {
         const QString serialNumber = pair.section('=', 0, 0);

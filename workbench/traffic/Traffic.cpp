@@ -28,7 +28,7 @@ void readEntry(JsonFields& fields, qint64 earliest, TrafficEntry* target)
         fields.fail("ms", "is less than in the line before");
     fields.text("file", &entry.file);
     // What a recording names is written to the drive, so nothing but the reader's own files passes.
-    if (!entry.file.isNull() && !entry.isTrigger() && !isTrafficFile(entry.name()))
+    if (!entry.file.isNull() && !isTrafficFile(entry.name()))
         fields.fail("file", QString("\"%1\" isn't a file of the reader").arg(entry.file));
 
     const QJsonValue text = fields.take("text");
@@ -76,11 +76,6 @@ bool TrafficEntry::isCommand() const
 bool TrafficEntry::isStatus() const
 {
     return name() == ReaderNames::Status;
-}
-
-bool TrafficEntry::isTrigger() const
-{
-    return file == ReaderNames::Trigger;
 }
 
 bool isExchangeName(const QString& name)

@@ -34,8 +34,7 @@ struct TrafficEntry
 
     bool isCommand() const;
     bool isStatus() const;
-    bool isTrigger() const;
-    /// The name within MISC; empty for the trigger file.
+    /// The name within MISC.
     QString name() const;
 };
 

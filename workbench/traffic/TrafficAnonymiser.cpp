@@ -39,8 +39,7 @@ void TrafficAnonymiser::learn(const QVector<TrafficEntry>& entries)
 TrafficEntry TrafficAnonymiser::anonymised(const TrafficEntry& entry)
 {
     TrafficEntry result = entry;
-    if (!entry.name().isEmpty())
-        result.file = ReaderNames::Folder + '/' + nameOf(entry.name());
+    result.file = ReaderNames::Folder + '/' + nameOf(entry.name());
     if (!entry.bytes && !entry.filler)
         return result;
     const QByteArray content = entry.content().value_or(QByteArray());
