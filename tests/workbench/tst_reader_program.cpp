@@ -387,4 +387,4 @@ broken = 1 broken/.merivo-reader.json: pumps[0].serialNumber: is missing
 
 QTEST_GUILESS_MAIN(TestReaderProgram)
 
-#include "test_reader_program.moc"
+#include "tst_reader_program.moc"
