@@ -11,7 +11,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
-#include <array>
+#include <cstdio>
 
 namespace {
 
@@ -33,18 +33,27 @@ Scenario world(const QString& fault = {})
     return scenario;
 }
 
+/// Writes a file with the time stamp that all files get here, as on a drive whose stamps are coarse.
+bool writeAtOnce(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path + ".beside");
+    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() &&
+                           file.setFileTime(QDateTime::fromSecsSinceEpoch(1700000000), QFile::FileModificationTime);
+    return isWritten && std::rename(qPrintable(file.fileName()), qPrintable(path)) == 0;
+}
+
 /// The plug-in's side of a drive.
 struct Drive
 {
     QString file(const QString& name) const { return path + "/MISC/" + name; }
-    bool send(const QByteArray& command) const { return write(file("CommandFile.txt"), Head + command); }
-    bool trigger() const { return write(path + "/MISCNoCommand.txt", {}); }
+    bool send(const QByteArray& command) const { return writeAtOnce(file("CommandFile.txt"), Head + command); }
+    bool trigger() const { return writeAtOnce(path + "/MISCNoCommand.txt", {}); }
     QString devices() const
     {
         QStringList devices;
         for (const DeviceInfo& device : readDeviceList(file({}), "DEVLIST.XML"))
-            devices << device.serialNumber + '=' + device.btAddress + '=' + device.patientId;
-        return devices.join(' ');
+            devices << device.serialNumber + '=' + device.btAddress + '=' + device.patientId + ' ';
+        return devices.join(QString());
     }
     /// Command, status word, result and error code as they are shown now.
     QString shown() const
@@ -58,16 +67,17 @@ struct Drive
 };
 
 /// A reader at work on a folder.
-struct Bench : Drive
+struct RunningReader : Drive
 {
-    explicit Bench(const QTemporaryDir& folder, const Scenario& scenario = world(), bool instant = true)
+    explicit RunningReader(const QTemporaryDir& folder, const Scenario& scenario = world(), bool instant = true)
         : Drive{folder.path()}
         , end(path)
-        , reader(end, scenario, instant)
+        , simulator(end, scenario, instant)
     {
         QString error;
-        QObject::connect(&reader, &ReaderSimulator::logged, &reader, [this](const QString& line) { log << line; });
-        QVERIFY2(end.open(&error) && reader.start(&error), qPrintable(error));
+        QObject::connect(&simulator, &ReaderSimulator::logged, &simulator,
+                         [this](const QString& line) { log << line; });
+        QVERIFY2(end.open(&error) && simulator.start(&error), qPrintable(error));
     }
     /// What the next trigger brings to light.
     QString status()
@@ -89,7 +99,7 @@ struct Bench : Drive
     }
 
     ReaderDrive end;
-    ReaderSimulator reader;
+    ReaderSimulator simulator;
     QStringList log;
 };
 
@@ -107,13 +117,9 @@ private Q_SLOTS:
             {"\xef\xbb\xbf" + Head + "ABORT ", "it isn't UTF-8, or begins with a byte order mark"},
             {Head + "btread \"MV-1\"", "unknown command \"btread\""},
             {Head + "ABORT", "\"ABORT\" isn't of the form \"ABORT \""},
-            {Head + "ABORT \n", "a control character or a line end inside the command"},
-            {Head + "BTISPAIRED p1\r", "a control character"},
+            {Head + "BTISPAIRED p1\r", "a control character or a line end inside the command"},
             {Head + "BTISPAIRED  p1", "\"BTISPAIRED  p1\" isn't of the form \"BTISPAIRED PATIENT\""},
-            {Head + "BTISPAIRED p\xe4", "it isn't UTF-8"},
-            {Head + "BTREAD \"MV-1", "\"BTREAD \"MV-1\" isn't of the form \"BTREAD \"SERIAL\"\""},
             {Head + "BTDELETEADDR \"MV-1\"", "isn't of the form \"BTDELETEADDR  \"SERIAL\"\""},
-            {Head + "BTPAIRCONFIRM true", "isn't of the form \"BTPAIRCONFIRM 0|1\""},
             {Head + "BTPAIR  \"MV-1\" p1", "isn't of the form \"BTPAIR ADDRESS \"SERIAL\" PATIENT\""},
         };
         for (const auto& [bytes, expected] : files) {
@@ -128,13 +134,11 @@ private Q_SLOTS:
             {"{\n \"seed\": 1,\n}", "line 3, column "},
             {R"({"times": {"read": 0.5}})", "times.read: must be a whole number from 0 to 3600000"},
             {R"({"exchange": {"lastDay": "2026-02-30"}})", "exchange.lastDay: must be a date such as 2026-03-01"},
-            {R"({"pumps": [{"serialNumber": "12", "address": "A"}]})", "pumps[0].serialNumber: must have three"},
             {Lone + R"(, "user": {"does": "sleeps"}}]})", "pumps[0].user.does: must be \"confirms\""},
             {Lone + R"(, "errors": {"BTREAD": 0}}]})", "pumps[0].errors.BTREAD: must be a whole number from 1 to"},
             {Lone + R"(}, {"serialNumber": "MV-1", "address": "B"}]})", "pumps[1].serialNumber: \"MV-1\" is that of"},
             {R"({"faults": ["no-start", "no-stop"]})", "faults[1]: fault \"no-stop\": unknown"},
             {R"({"faults": ["fail"]})", "faults[0]: fault \"fail\": needs a value"},
-            {R"({"faults": ["slow=-1"]})", "faults[0]: fault \"slow=-1\": the value must be a whole number"},
             {R"({"faults": ["log-missing@ABORT"]})", "faults[0]: fault \"log-missing@ABORT\": can't be restricted"},
             {R"({"faults": ["vanish=now"]})", "faults[0]: fault \"vanish=now\": the value must be command,"},
             {R"({"firmware": "\ud800"})", "firmware: must hold whole characters"},
@@ -150,9 +154,9 @@ private Q_SLOTS:
     void commandsAreAnswered()
     {
         const QTemporaryDir folder;
-        Bench bench(folder);
-        QCOMPARE(bench.shown(), QString("NONE done  0"));
-        QCOMPARE(bytesOf(bench.file("VERSION.log")).split('\n').value(4), QByteArray("Firmware version 3.2.23"));
+        RunningReader reader(folder);
+        QCOMPARE(reader.shown(), QString("NONE done  0"));
+        QCOMPARE(bytesOf(reader.file("VERSION.log")).split('\n').value(4), QByteArray("Firmware version 3.2.23"));
         const QString exchanges = R"(SEARCH 00100 = done 3 0; ABORT  = done  0; BTISPAIRED {p 2} = done 0 0
 BTISPAIRED p1 = done MV-1 0; BTISPAIRED  = done 0 0; BTREAD "" = failed  31; BTDELETEADDR  "" = failed  31
 BTREAD "MV-1" = done IMV-1_0001.xml 0; BTREAD "MV-1" = done IMV-1_0002.xml 0; BTPAIR A2 "" p2 = failed  31
@@ -165,13 +169,13 @@ BTPUMPREASSIGN "MV-3" p1 = done MV-3 0; BTISPAIRED p1 = done MV-3 0; BTISPAIRED 
 BTPUMPREASSIGN "MV-4" p2 = failed  140; BTPUMPREASSIGN "MV-9" p2 = failed  31; BTPUMPREASSIGN "MV-3" 0 = failed  25
 BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-9" = failed  31)";
         for (const auto& [command, answer] : pairsOf(exchanges))
-            QCOMPARE(bench.answer(command.toUtf8()), command.section(' ', 0, 0) + ' ' + answer);
-        const QByteArray before = bytesOf(bench.file("STATUS.TXT"));
-        bench.answer("BTDELETEADDR  \"MV-9\""); // an equal command counts again; the header tells its answer apart
-        QVERIFY(bytesOf(bench.file("STATUS.TXT")) != before);
-        QCOMPARE(bench.answer("BTISPAIRED  p1"), QString("BTDELETEADDR failed  31")); // refused, so not answered
-        QCOMPARE(QDir(bench.file({})).entryList({"I*"}), QStringList("IMV-1_0002.xml"));
-        QCOMPARE(bench.devices(), QString("MV-1=A1= MV 2=A2={p 2} MV-4=A4=p4"));
+            QCOMPARE(reader.answer(command.toUtf8()), command.section(' ', 0, 0) + ' ' + answer);
+        const QByteArray before = bytesOf(reader.file("STATUS.TXT"));
+        reader.answer("BTDELETEADDR  \"MV-9\""); // an equal command counts again; the header tells its answer apart
+        QVERIFY(bytesOf(reader.file("STATUS.TXT")) != before);
+        QCOMPARE(reader.answer("BTISPAIRED  p1"), QString("BTDELETEADDR failed  31")); // refused, so not answered
+        QCOMPARE(QDir(reader.file({})).entryList({"I*"}), QStringList("IMV-1_0002.xml"));
+        QCOMPARE(reader.devices(), QString("MV-1=A1= MV 2=A2={p 2} MV-4=A4=p4 "));
         const QByteArray status = "\nCmd=BTDELETEADDR\nStatus  = failed\nResult  = \nError code -31.\n";
         QVERIFY(before.startsWith("QD17-C RemoteControl File ") && before.endsWith(status));
     }
@@ -188,138 +192,110 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
         for (const auto& [pump, expected] : pairsOf(worlds)) {
             QStringList seen, errors;
             const QTemporaryDir folder;
-            Bench bench(folder, parseScenario(Lone + ',' + pump.toUtf8() + "}]}", &errors).value());
+            RunningReader reader(folder, parseScenario(Lone + ',' + pump.toUtf8() + "}]}", &errors).value());
             for (const char* command : {R"(BTPAIR A "MV-1" p2)", "BTPAIRCONFIRM 1", R"(BTREAD "MV-1")",
                                         R"(BTPUMPREASSIGN "MV-1" p3)", R"(BTDELETEADDR  "MV-1")"}) {
-                seen << bench.answer(command).section(' ', -1);
-                seen.last() += bench.devices().section('=', -1);
+                seen << reader.answer(command).section(' ', -1);
+                seen.last() += reader.devices().section('=', -1).trimmed();
             }
             QCOMPARE(pump + seen.join(' '), pump + expected);
         }
     }
 
-    /// Each strikes one read-out; the command behind it and the next read-out are sound again.
-    void faultsStrikeAndPass()
+    /// The faults that no run of the plug-in shows, or that the next command has to repair.
+    void faultChangesOneReadOut()
     {
-        // How often "running" came, how many pumps are listed, how many files are in MISC, and the status.
-        const QString faults = R"(no-start = 0 3 4 NONE done  0; no-running = 0 3 5 BTREAD done IMV-1_0001.xml 0
-unknown-status-word=Done = 0 3 5 BTREAD Done IMV-1_0001.xml 0; fail-without-code = 1 3 4 BTREAD failed  
-stale-status = 1 3 5 NONE done  0; stale-until=2 = 1 3 5 NONE done  0; unchanged-status = 1 3 5 NONE done  0
-header-only = 1 3 5 NONE done  0; half-status=45 = 1 3 5 BTR   ; empty-status = 1 3 5    ; folder-status = 1 3 4    
-wrong-word=X = 1 3 5 X done IMV-1_0001.xml 0; lower-case-word = 1 3 5 btread done IMV-1_0001.xml 0
-list-missing = 1 0 4 BTREAD done IMV-1_0001.xml 0; list-cut=300 = 1 1 5 BTREAD done IMV-1_0001.xml 0
-list-devices=99 = 1 99 5 BTREAD done IMV-1_0001.xml 0; no-exchange-file = 1 3 4 BTREAD done  0
-two-exchange-files = 1 3 6 BTREAD done IMV-1_0002.xml 0; exchange-folder = 1 3 4 BTREAD done IMV-1_0001.xml 0
-blocked-trigger=400 = 1 3 5 the trigger was lost; blocked-command=400 = 1 3 4 BTREAD done IMV-1_0001.xml 0)";
-        for (const auto& row : pairsOf(faults)) {
+        // The status and the number of pumps that are listed.
+        const QString faults = R"(no-running = BTREAD done IMV-1_0001.xml 0, 3; stale-until=2 = NONE done  0, 3
+half-status=45 = BTR   , 3; lower-case-word = btread done IMV-1_0001.xml 0, 3; empty-status =    , 3
+folder-status =    , 3; list-missing = BTREAD done IMV-1_0001.xml 0, 0; list-devices=99 = BTREAD done IMV-1_0001.xml 0, 99)";
+        for (const auto& [fault, seen] : pairsOf(faults)) {
             const QTemporaryDir folder;
-            Bench bench(folder, world(row.first + "@BTREAD:once"));
-            const auto seen = [&] {
-                const QString shown = bench.answer("BTREAD \"MV-1\"", "(done|failed),|leaves|\"I");
-                QString text = row.first + " =";
-                for (const auto count :
-                     {bench.log.filter(" running").size(), readDeviceList(bench.file({}), "DEVLIST.XML").size(),
-                      QDir(bench.file({})).entryList(QDir::Files).size()})
-                    text += ' ' + QString::number(count);
-                return text + ' ' + shown;
-            };
-            QCOMPARE(seen(), row.first + " = " + row.second);
-            QTRY_VERIFY(bench.send("BTISPAIRED p1"));
-            QTRY_COMPARE(bench.status(), QString("BTISPAIRED done MV-1 0"));
-            QVERIFY(seen().startsWith(row.first + " = 1 3 5 BTREAD done IMV-1_"));
+            RunningReader reader(folder, world(fault + "@BTREAD:once"));
+            const QString status = reader.answer("BTREAD \"MV-1\"", "done,");
+            QCOMPARE(fault + status + ", " + QString::number(reader.devices().count(' ')), fault + seen);
+            QCOMPARE(reader.log.filter(" running").isEmpty(), fault == "no-running");
+            reader.answer("ABORT ", "ABORT done");
+            QCOMPARE(reader.status(), QString("ABORT done  0"));
+            QCOMPARE(reader.devices().count(' '), 3);
         }
         const QTemporaryDir folder;
-        Bench bench(folder, world("foreign-abort"));
-        bench.send("BTREAD \"MV-1\"");
-        QTRY_VERIFY(bench.trigger() && bench.shown() == "ABORT done  0");
+        RunningReader reader(folder, world("same-header"));
+        reader.answer("BTISPAIRED p1");
+        const QByteArray status = bytesOf(reader.file("STATUS.TXT"));
+        reader.answer("BTISPAIRED p1");
+        QCOMPARE(bytesOf(reader.file("STATUS.TXT")), status);
     }
 
     void vanishedDriveComesBack()
     {
-        for (const QString fault : {"vanish=command,50", "vanish=running,50", "vanish-folder=done,50", "vanish=done"}) {
+        for (const char* fault : {"vanish=running,50@BTREAD:once", "vanish-folder=done,50@BTREAD:once"}) {
             const QTemporaryDir folder;
-            auto bench = std::make_unique<Bench>(folder, world(fault + "@BTREAD:once"));
-            bench->send("BTREAD \"MV-1\"");
+            RunningReader reader(folder, world(fault));
+            reader.send("BTREAD \"MV-1\"");
             const auto isAway = [&] {
-                return !bench->trigger() || !bench->log.filter("took the drive away").isEmpty();
+                return !reader.trigger() || !reader.log.filter("took the drive away").isEmpty();
             };
             QTRY_VERIFY(isAway());
-            if (fault == "vanish=done") {
-                bench.reset();
-                bench = std::make_unique<Bench>(folder, world("log-binary"));
-                QCOMPARE(bytesOf(bench->file("VERSION.log")).size(), 4096);
-            }
-            QTRY_COMPARE(bench->log.filter("start 2").size(), 1);
-            QCOMPARE(bench->answer("BTISPAIRED p1"), QString("BTISPAIRED done MV-1 0"));
+            QTRY_COMPARE(reader.log.filter("start 2").size(), 1);
+            QCOMPARE(reader.answer("BTISPAIRED p1"), QString("BTISPAIRED done MV-1 0"));
         }
     }
 
     void pairingsOutliveARestart()
     {
         const QTemporaryDir folder;
-        QCOMPARE(Bench(folder).answer("BTPUMPREASSIGN \"MV-3\" p1"), QString("BTPUMPREASSIGN done MV-3 0"));
+        QCOMPARE(RunningReader(folder).answer("BTPUMPREASSIGN \"MV-3\" p1"), QString("BTPUMPREASSIGN done MV-3 0"));
         // A pump that the new world doesn't have stays known, out of range, and its pairing wins over that of a new
         // one; a command from before isn't taken again.
         Scenario other = world("left-running=SEARCH");
         other.pumps.remove(2);
         other.pumps.prepend(other.pumps.first());
         other.pumps.first().serialNumber = "MV-9";
-        Bench bench(folder, other);
-        QCOMPARE(bench.status(), QString("SEARCH running  0"));
-        QVERIFY(bench.log.filter("took").isEmpty());
-        QCOMPARE(bench.answer("BTISPAIRED p1"), QString("BTISPAIRED done MV-3 0"));
-        QCOMPARE(bench.answer("BTREAD \"MV-3\""), QString("BTREAD failed  31"));
-        QVERIFY(QDir(bench.path).rename(".merivo-reader.json", "a") && QDir(bench.path).mkdir(".merivo-reader.json"));
-        const QString devices = bench.devices();
-        bench.answer("BTDELETEADDR  \"MV-3\"", " running");
-        QCOMPARE(bench.status(), QString("BTDELETEADDR running  0")); // what can't be kept isn't shown as done
-        QCOMPARE(bench.devices(), devices);
+        RunningReader reader(folder, other);
+        QCOMPARE(reader.status(), QString("SEARCH running  0"));
+        QVERIFY(reader.log.filter("took").isEmpty());
+        QCOMPARE(reader.answer("BTISPAIRED p1"), QString("BTISPAIRED done MV-3 0"));
+        QCOMPARE(reader.answer("BTREAD \"MV-3\""), QString("BTREAD failed  31"));
+        QVERIFY(QDir(reader.path).rename(".merivo-reader.json", "a") && QDir(reader.path).mkdir(".merivo-reader.json"));
+        const QString devices = reader.devices();
+        reader.answer("BTDELETEADDR  \"MV-3\"", " running");
+        QCOMPARE(reader.status(), QString("BTDELETEADDR running  0")); // what can't be kept isn't shown as done
+        QCOMPARE(reader.devices(), devices);
     }
 
-    /// By an ABORT, or by a loss of power and, as the plug-in does where it finds a command running, an ABORT.
-    void commandThatIsCutOffChangesNothing()
+    void abortedCommandChangesNothing()
     {
         const QTemporaryDir folder;
         Scenario scenario = world();
         scenario.times = {0, 0, 60000, 0, 60000, 400, 0, 60000, 60000, 0, 60000, 0};
         scenario.pumps[1].user = PumpUser::DoesNothing;
-        auto bench = std::make_unique<Bench>(folder, scenario, false);
-        const QByteArray commands[] = {"SEARCH 00100",     R"(BTPAIR A2 "MV 2" p2)",      "BTPAIRCONFIRM 1",
-                                       R"(BTREAD "MV-1")", R"(BTPUMPREASSIGN "MV-1" p2)", R"(BTDELETEADDR  "MV-1")"};
-        for (int i = 0; i < 12; ++i) {
-            const QString running = commands[i / 2].split(' ').first() + " running  0";
-            QVERIFY(i / 2 != 2 || bench->answer(commands[1]) == "BTPAIR done 4711 0");
-            QCOMPARE(bench->answer(commands[i / 2], " running"), running);
-            if (i % 2) {
-                bench.reset();
-                bench = std::make_unique<Bench>(folder, scenario, false);
-                QCOMPARE(bench->status(), running);
-            }
-            QCOMPARE(bench->answer("ABORT "), QString("ABORT done  0"));
-            QCOMPARE(bench->answer("BTPAIRCONFIRM 1"), QString("BTPAIRCONFIRM failed  20"));
-            QCOMPARE(bench->devices(), QString("MV-1=A1=p1 MV-3=A3=p3 MV-4=A4=p4"));
+        RunningReader reader(folder, scenario, false);
+        for (const QByteArray command : {R"(BTREAD "MV-1")", R"(BTPUMPREASSIGN "MV-1" p2)", R"(BTDELETEADDR  "MV-1")",
+                                         "SEARCH 00100", R"(BTPAIR A2 "MV 2" p2)", "BTPAIRCONFIRM 1"}) {
+            QVERIFY(command != "BTPAIRCONFIRM 1" || reader.answer(R"(BTPAIR A2 "MV 2" p2)") == "BTPAIR done 4711 0");
+            QCOMPARE(reader.answer(command, " running"), command.split(' ').first() + " running  0");
+            QCOMPARE(reader.answer("ABORT "), QString("ABORT done  0"));
+            QCOMPARE(reader.answer("BTPAIRCONFIRM 1"), QString("BTPAIRCONFIRM failed  20"));
+            QCOMPARE(reader.devices(), QString("MV-1=A1=p1 MV-3=A3=p3 MV-4=A4=p4 "));
         }
     }
 
     void exchangeFileComesFromTheSeed()
     {
-        const auto fileOf = [](quint32 seed, bool instant, const QString& fault = {}) {
+        QByteArrayList files;
+        for (const quint32 seed : {7, 7, 8}) {
             const QTemporaryDir folder;
-            Scenario scenario = world(fault);
+            Scenario scenario = world(files.size() == 1 ? "exchange-grows" : QString());
             scenario.seed = seed;
-            scenario.times.read = 100;
-            Bench bench(folder, scenario, instant);
-            bench.answer("BTREAD \"MV-1\"");
-            const QString file = bench.file("IMV-1_0001.xml");
-            const QByteArray atOnce = bytesOf(file);
-            const bool isWhole = QTest::qWaitFor([&] { return bytesOf(file).endsWith("</pumpHistory>\n"); });
-            return isWhole && bytesOf(file).size() > atOnce.size() ? "grown: " + bytesOf(file) : atOnce;
-        };
-        const QByteArray bytes = fileOf(7, true);
-        QCOMPARE(bytes.count("<day "), 3);
-        QVERIFY(bytes == fileOf(7, false)); // written in pieces
-        QVERIFY(bytes != fileOf(8, true));
-        QVERIFY(fileOf(7, true, "exchange-grows") == "grown: " + bytes);
+            RunningReader reader(folder, scenario);
+            reader.answer("BTREAD \"MV-1\"");
+            const QString file = reader.file("IMV-1_0001.xml");
+            QCOMPARE(bytesOf(file).endsWith("</pumpHistory>\n"), files.size() != 1);
+            QTRY_VERIFY(bytesOf(file).endsWith("</pumpHistory>\n"));
+            files << bytesOf(file);
+        }
+        QVERIFY(files[0].count("<day ") == 3 && files[1] == files[0] && files[2] != files[0]);
     }
 
     void programEndsWithItsStatus()
@@ -336,7 +312,7 @@ blocked-trigger=400 = 1 3 5 the trigger was lost; blocked-command=400 = 1 3 4 BT
 --pair MV . = 2 --pair: "MV" isn't SERIAL=PATIENT; --pair MV=1 . = 1 there is no pump "MV" to pair
 --watch-only . = 2 --watch-only: needs --record; --replay x --seed 1 . = 2 --replay: plays what was recorded
 none = 1 none: there is no such folder; file = 1 file/MISC: the folder can't be made
---scenario bad.json . = 1 bad.json: times.reed: unknown field; --log none/log . = 1 log file 'none/log': 
+--check-scenario --scenario bad.json = 1 bad.json: times.reed: unknown field; --log none/log . = 1 log file 'none/log': 
 broken = 1 broken/.merivo-reader.json: pumps[0].serialNumber: is missing
 --replay bad.jsonl . = 1 bad.jsonl: line 1: file: "../x" isn't a file of the reader)";
         for (const auto& [arguments, end] : pairsOf(calls)) {
@@ -346,10 +322,6 @@ broken = 1 broken/.merivo-reader.json: pumps[0].serialNumber: is missing
                      qPrintable(arguments + told));
         }
         QCOMPARE(bytesOf(dir.filePath("broken/.merivo-reader.json")), memory);
-        const QFileInfoList scenarios = QDir(MERIVO_READER_SCENARIOS).entryInfoList({"*.json"});
-        QVERIFY(!scenarios.isEmpty());
-        for (const QFileInfo& file : scenarios)
-            QVERIFY(Program(MERIVO_READER_PROGRAM, {"--check-scenario", "--scenario", file.filePath()}).end() == "0 ");
     }
 
     void recordingIsReplayedAndOneReaderServesADrive()
