@@ -3,6 +3,18 @@
 #pragma once
 
 #include <QImage>
+#include <QPainter>
+
+/// Returns an image of @p size, filled with @p ground, on which @p paint has painted.
+template <typename Paint>
+QImage imageOf(const QSize& size, const QColor& ground, Paint paint)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(ground);
+    QPainter painter(&image);
+    paint(painter);
+    return image;
+}
 
 /// Returns the smallest rectangle with all pixels of @p image for which @p isWanted returns true.
 template <typename Predicate>

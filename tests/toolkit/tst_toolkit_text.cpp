@@ -10,13 +10,14 @@
 
 #include <QAction>
 #include <QGuiApplication>
-#include <QImage>
 #include <QLabel>
 #include <QLocale>
 #include <QPainter>
 #include <QTest>
 
 #include <cmath>
+#include <tuple>
+#include <utility>
 
 using TextFunction = QString (*)();
 Q_DECLARE_METATYPE(TextFunction)
@@ -34,24 +35,20 @@ private Q_SLOTS:
 
     void numbersRoundAsAReaderExpects()
     {
-        QVERIFY(lmRoundTo(1.005, 2) == 1.01 && lmRoundTo(-1.005, 2) == -1.01 && lmRoundTo(2.5, 0) == 3);
-        QVERIFY(lmRoundTo(-2.5, 0) == -3 && lmRoundTo(0.125, 2) == 0.13 && lmRoundTo(-1250, -2) == -1300);
-        QVERIFY(lmRoundTo(0.4999, 0) == 0 && lmRoundTo(0.499995, 0) == 1 && lmRoundTo(0, 2) == 0);
-        QVERIFY(lmRoundTo(-0.001, 2) == 0 && lmRoundTo(0.123456789123, 10) == 0.1234567891 &&
-                lmRoundTo(2147483647.4, 0) == 2147483647);
-        QVERIFY(lmRoundTo(21474836.474, 2) == 21474836.47 && lmRoundTo(-2147483647.6, 0) == -2147483648 &&
-                lmRoundTo(2147483647.6, 0) == 2147483647.6);
-        QVERIFY(lmRoundTo(21474836.476, 2) == 21474836.476 && lmRoundTo(-2147483648.4, 0) == -2147483648.4 &&
-                lmRoundTo(1.0000000014, 9) == 1.000000001);
-        QVERIFY(lmRoundTo(1e300, 5) == 1e300 && lmRoundTo(0.3, 400) == 0.3 && lmRoundTo(-0.499995, 0) == -1);
+        QVERIFY(lmRoundTo(1.005, 2) == 1.01 && lmRoundTo(-1.005, 2) == -1.01 && lmRoundTo(-1250, -2) == -1300);
+        QVERIFY(lmRoundTo(0.4999, 0) == 0 && lmRoundTo(0.499995, 0) == 1 && lmRoundTo(1.23, 400) == 1.23);
         const double byDecimals[] = {1, 1.2, 1.23, 1.235, 1.2346, 1.23457, 1.234568, 1.2345679, 1.23456789};
         for (int decimals = 0; decimals < 9; ++decimals)
             QVERIFY2(lmRoundTo(1.23456789, decimals) == byDecimals[decimals], QByteArray::number(decimals));
-        QVERIFY(!std::signbit(lmRoundTo(-0.0, 2)) && !std::signbit(lmRoundTo(-0.001, 2)));
+        QVERIFY(lmRoundTo(1.0000000014, 9) == 1.000000001 && lmRoundTo(0.123456789123, 10) == 0.1234567891);
+        // What an int can't hold is left as it is.
+        QVERIFY(lmRoundTo(2147483647.4, 0) == 2147483647 && lmRoundTo(2147483647.6, 0) == 2147483647.6);
+        QVERIFY(lmRoundTo(-2147483647.6, 0) == -2147483648 && lmRoundTo(-2147483648.4, 0) == -2147483648.4);
         QVERIFY(std::isnan(lmRoundTo(std::nan(""), 2)) && std::isinf(lmRoundTo(-HUGE_VAL, 2)));
+        QVERIFY(!std::signbit(lmRoundTo(-0.001, 2)));
     }
 
-    void textsReadAsTheLocaleWrites_data()
+    void textsFollowTheLocale_data()
     {
         QTest::addColumn<QString>("expected");
         QTest::addColumn<TextFunction>("text");
@@ -59,74 +56,47 @@ private Q_SLOTS:
             QTest::addRow("%s %s", locale, qPrintable(expected)) << expected << text;
         };
         row("de_DE", "-1.234.567", [] { return lmLocalizedInt(-1234567); });
-        row("fr_CH", "1\u202f234\u202f567", [] { return lmLocalizedInt(1234567); });
-        row("hi_IN", "1,234,567", [] { return lmLocalizedInt(1234567); });
         row("ar_EG", "١٬٢٣٤", [] { return lmLocalizedIntText(" +1234 "); });
-        row("ar_EG", "2147483648", [] { return lmLocalizedIntText("2147483648"); });
         row("de_DE", "0x10", [] { return lmLocalizedIntText("0x10"); });
-        row("en_GB", "1,234.57", [] { return lmLocalizedDouble(1234.565, 2, 0, 'f'); });
         row("en_GB", "3", [] { return lmLocalizedDouble(2.499995, 0, 0, 'f'); });
         row("de_DE", "1,23E+04", [] { return lmLocalizedDouble(12345.678, 2, 0, 'E'); });
         row("en_GB", "2.000001", [] { return lmLocalizedDouble(2.0000005, -1, 0, 'f'); });
-        row("de_DE", "30.000.000,13", [] { return lmLocalizedDouble(30000000.126, 2, 0, 'f'); });
         row("de_DE", "  -1,3", [] { return lmLocalizedDouble(-1.25, 1, 6, 'f'); });
-        row("de_DE", "1,3   ", [] { return lmLocalizedDouble(1.25, 1, -6, 'f'); });
-        row("fa_IR", "-۱٬۲۳۴٫۵", [] { return lmLocalizedDouble(-1234.5, 1, 0, 'f'); });
         row("ar_EG", "-١٫٥", [] { return lmLocalizedDouble(-1.5, 1, 0, 'f'); });
         row("he_IL", "\u200f1.5-", [] { return lmLocalizedDouble(-1.5, 1, 0, 'f'); });
         row("he_IL", "\u200f   1.01-", [] { return lmLocalizedDouble(-1.005, 2, 7, 'f'); });
         row("he_IL", "\u200f0.0-", [] { return lmLocalizedDouble(-0.001, 1, 0, 'f'); });
         row("he_IL", "0.0", [] { return lmLocalizedDouble(0, 1, 0, 'f'); });
         row("he_IL", "-1234.57", [] { return lmPlainDouble(-1234.565, 2, 0, 'f'); });
-        row("ar_EG", "  1.3", [] { return lmPlainDouble(1.25, 1, 5, 'f'); });
         row("de_DE", "1,5", [] { return lmLocalizedDoubleTrimmed(1.5, 2, 0, 'f'); });
         row("en_GB", "1.0", [] { return lmLocalizedDoubleTrimmed(1, 2, 0, 'f'); });
         row("en_GB", "1.00", [] { return lmLocalizedDoubleTrimmed(1, 3, 2, 'f'); });
         row("en_GB", "1.00", [] { return lmLocalizedDoubleTrimmed(1, 2, 2, 'f'); });
         row("en_GB", "1.0", [] { return lmLocalizedDoubleTrimmed(1, 1, 0, 'f'); });
-        row("he_IL", "\u200f1.50-", [] { return lmLocalizedDoubleTrimmed(-1.5, 2, 0, 'f'); });
         row("ar_EG", "١٫٥٠", [] { return lmLocalizedDoubleTrimmed(1.5, 2, 0, 'f'); });
         row("en_GB", "60", [] { return lmDurationText(3599999999999); });
-        row("de_DE", "1,0", [] { return lmDurationText(3600000000000); });
         row("he_IL", "\u200f1.0-", [] { return lmDurationText(-3600000000000); });
         row("en_GB", "9.5", [] { return lmDurationText(34199999999999); });
         row("en_GB", "10", [] { return lmDurationText(34200000000000); });
-        row("en_GB", "-1", [] { return lmDurationText(-30000000000); });
-        row("en_GB", "-2,562,048", [] { return lmDurationText(-9223372036854775807); });
         row("de_DE", "-0,667", [] { return lmRatioText(-2, 3, 3); });
-        row("en_GB", "-inf", [] { return lmRatioText(-1, 0, 1); });
-        row("en_GB", "nan", [] { return lmRatioText(0, 0, 1); });
         row("de_DE", "So. 7 März 2021", [] { return lmLocalizedDate("ddd d MMM yyyy", QDate(2021, 3, 7)); });
-        row("fa_IR", "۷.۳.۲۰۲۱", [] { return lmLocalizedDate("d.M.yyyy", QDate(2021, 3, 7)); });
         row("en_GB", "", [] { return lmLocalizedDate("d", QDate(2021, 2, 29)); });
         row("ar_EG", "١٤:٠٥", [] { return lmLocalizedTime(QTime(14, 5)); });
         row("en_GB", "", [] { return lmLocalizedTime(QTime(25, 0)); });
-        row("hi_IN", "2:05 PM", [] { return lmLocalizedTime("h:mm AP", QTime(14, 5)); });
         row("en_GB", "Éclair %1%2", [] { return lmCapitalized("éCLAIR %1%2"); });
-        row("en_GB", "", [] { return lmCapitalized(""); });
         row("he_IL", "a%1.txt", [] { return lmEmbedLeftToRight("a%1.txt", QString("a")); });
-        row("en_GB", "\u202eקובץ a%1.txt a\u202c", [] { return lmEmbedLeftToRight("קובץ a%1.txt a", QString("")); });
         row("en_GB", "\u202eקובץ \u202aa%1.txt\u202c \u202aa%1.txt\u202c\u202c",
             [] { return lmEmbedLeftToRight("קובץ a%1.txt a%1.txt", QString("a%1.txt")); });
         row("he_IL", "\u202eקובץ \u202a\u202aa\u202c%1\u202c b\u202c", [] {
             return lmEmbedLeftToRight("קובץ a%1 b", QStringList{"a%1", "", "a"});
         });
         row("de_DE", "1.234.5%", [] { return lmFixCsvItem("1.234,5%"); });
-        row("de_DE", "-7", [] { return lmFixCsvItem("-7"); });
         row("de_DE", "=\"1.5\"", [] { return lmFixCsvItem("1.5"); });
-        row("en_GB", "7 %", [] { return lmFixCsvItem("7 %"); });
-        row("en_GB", "inf", [] { return lmFixCsvItem("inf"); });
-        row("fr_CH", "1\u202f234.5", [] { return lmFixCsvItem("1\u202f234,5"); });
         row("fa_IR", "۱٬۲۳۴.۵", [] { return lmFixCsvItem("۱٬۲۳۴٫۵"); });
-        row("ar_EG", "=\"1.5\"", [] { return lmFixCsvItem("1.5"); });
         row("he_IL", "1.5-", [] { return lmFixCsvItem("\u200f1.5-"); });
         row("he_IL", "=\"\u200f1.5\"", [] { return lmFixCsvItem("\u200f1.5"); });
-        row("hi_IN", "- 5", [] { return lmFixCsvItem("- 5"); });
-        row("en_GB", "=\"\"", [] { return lmFixCsvItem(""); });
-        row("en_GB", "=\"-%\"", [] { return lmFixCsvItem("-%"); });
         row("en_GB", "=\"2021-03-07\"", [] { return lmFixCsvItem("2021-03-07"); });
-        row("en_GB", "=\"abc\"", [] { return lmFixCsvItem("a\r\nb\tc"); });
-        row("en_GB", "=\"a\\\\b\\\\\\\\\"", [] { return lmFixCsvItem("a\\b\\\\"); });
+        row("en_GB", "=\"abc\\\\\"", [] { return lmFixCsvItem("a\r\nb\tc\\"); });
         row("en_GB", "=\"say \"a\"\"", [] { return lmFixCsvItem("say \"a\""); });
         row("en_GB", "0", [] { return lmFixTextCsvItem("0", false); });
         row("he_IL", "1.5-", [] { return lmFixTextCsvItem("\u200f1.5- ", false); });
@@ -134,14 +104,11 @@ private Q_SLOTS:
         row("en_GB", "-", [] { return lmFixTextCsvItem("-", false); });
         row("en_GB", "One. Two three.  Four", [] { return lmFixTextCsvItem("One.\nTwo\nthree.\r\n\nFour", false); });
         row("en_GB", "ab \\\\ \"c\" 5%", [] { return lmFixTextCsvItem("a\tb \\ \"c\" 5%", false); });
-        row("en_GB", "", [] { return lmFixTextCsvItem(" \n\u00a0\u3000", false); });
         row("de_DE", "", [] { return lmFixTextCsvItem("-0,00 %", true); });
-        row("he_IL", "", [] { return lmFixTextCsvItem("\u200f0.0-", true); });
         row("en_GB", "0.001", [] { return lmFixTextCsvItem("0.001", true); });
         row("en_GB", "", [] { return lmFixTextCsvItem("\r-", true); });
-        row("en_GB", " -", [] { return lmFixTextCsvItem(" -", true); });
     }
-    void textsReadAsTheLocaleWrites()
+    void textsFollowTheLocale()
     {
         QFETCH(TextFunction, text);
         QLocale::setDefault(QLocale(QString(QTest::currentDataTag()).left(5)));
@@ -178,27 +145,30 @@ private Q_SLOTS:
         QCOMPARE(log.texts(QtDebugMsg), QStringList({entry.arg("-1.5", "1.5-"), entry.arg(" -2", " -2")}));
     }
 
-    void textStandsAtTheEdgeOfTheDirection()
+    void textIsDrawnAtTheEdgeOfTheDirection()
     {
-        QWidget mirrored;
-        mirrored.setLayoutDirection(Qt::RightToLeft);
+        QWidget leftToRight;
+        QWidget rightToLeft;
+        leftToRight.setLayoutDirection(Qt::LeftToRight);
+        rightToLeft.setLayoutDirection(Qt::RightToLeft);
         lmDrawTextLeading(nullptr, {}, 0, "x", nullptr);
-        for (int way = 0; way < 16; ++way) {
-            const bool leading = way & 1;
-            const QString text = way & 2 ? "HH" : "שש";
-            QWidget* const widget = way & 4 ? &mirrored : nullptr;
-            const auto application = way & 8 ? Qt::RightToLeft : Qt::LeftToRight;
-            QGuiApplication::setLayoutDirection(application);
-            QImage image(200, 90, QImage::Format_RGB32);
-            image.fill(Qt::white);
-            QPainter painter(&image);
-            painter.setLayoutDirection(application); // As on a widget.
-            (leading ? lmDrawTextLeading : lmDrawTextTrailing)(&painter, {40, 0, 120, 90}, 20, text, widget);
-            const QRect ink = boundsOf(image, [](QRgb pixel) { return pixel != qRgb(255, 255, 255); });
-            const bool atRight = leading == (widget || application == Qt::RightToLeft);
-            QVERIFY2(atRight ? ink.right() > 135 && ink.right() < 140 : ink.left() >= 60 && ink.left() < 65,
-                     QByteArray::number(way));
-            QVERIFY(ink.top() >= 30 && ink.bottom() < 60);
+        for (QWidget* widget : {static_cast<QWidget*>(nullptr), &leftToRight, &rightToLeft}) {
+            for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+                QGuiApplication::setLayoutDirection(direction);
+                const QImage image = imageOf({200, 90}, Qt::white, [&](QPainter& painter) {
+                    painter.setLayoutDirection(direction); // As on a widget.
+                    painter.setPen(Qt::red);
+                    lmDrawTextLeading(&painter, {40, 0, 120, 90}, 20, "HH", widget);
+                    painter.setPen(Qt::green);
+                    lmDrawTextTrailing(&painter, {40, 0, 120, 90}, 20, "שש", widget);
+                });
+                QRect left = boundsOf(image, [](QRgb pixel) { return qGreen(pixel) < 255; });
+                QRect right = boundsOf(image, [](QRgb pixel) { return qRed(pixel) < 255; });
+                if (widget ? widget == &rightToLeft : direction == Qt::RightToLeft)
+                    std::swap(left, right);
+                QVERIFY(left.left() >= 60 && left.left() < 65 && left.top() >= 30 && left.bottom() < 60);
+                QVERIFY(right.right() > 135 && right.right() < 140 && right.top() >= 30 && right.bottom() < 60);
+            }
         }
     }
 
