@@ -3,8 +3,10 @@
 #include "plugin/session/Logger.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/DeviceList.h"
+#include "reader/ErrorHandler.h"
 #include "reader/StatusFileParser.h"
 #include "reader/UsbDeviceAdapter.h"
+#include "support/BoxAnswerer.h"
 #include "support/MessageCapture.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
@@ -264,6 +266,22 @@ private Q_SLOTS:
         QCOMPARE(shown(readDeviceList(m_writer->m_path, "DEVLIST.XML")), devices);
         const QString line = "mcp|==> Number of pumps within device reader DB: %1||%2/DEVLIST.XML";
         QCOMPARE(m_host.journal.lines, QStringList(line.arg(devices.size()).arg(m_folder->misc())));
+    }
+
+    void errorHasItsText()
+    {
+        // The beginning of each text, as far as it differs.
+        const QMap<int, QString> texts{{31, "<b>Connection Error</b><br/>Maybe"},
+                                       {32, "<b>Connection lost</b><br/>Maybe"},
+                                       {110, "<b>Unable to pair with this device</b>"},
+                                       {124, "<b>Connection Error</b><br/>This pump"},
+                                       {140, "<b>Connection Error</b><br/>The pump"},
+                                       {-1, "<b>Unknown error code: -1</b><br/>Please contact the support."}};
+        for (const int code : texts.keys()) {
+            const BoxAnswerer boxes;
+            ErrorHandler::showError(code);
+            QVERIFY2(boxes.seen.first().text.startsWith(texts[code]), qPrintable(boxes.seen.first().text));
+        }
     }
 
     void adapterHoldsTheReader_data()

@@ -92,7 +92,7 @@ private Q_SLOTS:
         }
     }
 
-    void recordsOfAnotherThreadReachTheHostOnOurs()
+    void recordsOfAnotherThreadReachTheHostOnTheGuiThread()
     {
         const std::unique_ptr<QThread> worker(QThread::create([] {
             write("1");
@@ -135,7 +135,7 @@ private Q_SLOTS:
                  QStringList({line.arg(">>", "1970-02-03"), line.arg("<<", "03.02.1970")}));
     }
 
-    void pump()
+    void pumpHasItsDisplayName()
     {
         PatientSession* session = PatientSession::create(nullptr);
         QCOMPARE(PatientSession::instance(), session);
@@ -157,7 +157,7 @@ private Q_SLOTS:
         QVERIFY(PatientSession::patientIdsOf("P2").isEmpty());
     }
 
-    void answers()
+    void hostReadsTextsAndIcons()
     {
         const QString title = "Merivo Connection", product = "Sanvio Lumo Software, Merivo Connections Plug-In";
         const QString rest = product + "|Copyright © 2026 The Merivo Connections developers|3.2.5.22129|";
@@ -185,15 +185,19 @@ private Q_SLOTS:
         }
     }
 
-    void simulation()
+    void settingsEnableTheSimulation()
     {
         const QTemporaryDir folder;
         const QString on = "mcp|SIMULATION enabled.||", missing = "err|SIMULATION disabled due to missing path.||";
-        // An empty path passes as the current folder, but leaves the plug-in with the reader.
-        QList<QStringList> rows{{"true", "", on}, {"true", "/no/such/folder", missing}};
-        for (const char* word : {"true", "True", "TRUE", "tRuE", "1", "yes", "false", "", "true "})
-            rows.append({word, folder.path(), rows.size() < 6 ? on : ""});
-        for (const QStringList& row : qAsConst(rows)) {
+        const QStringList rows[] = {{"true", folder.path(), on},
+                                    {"TRUE", folder.path(), on},
+                                    {"1", folder.path(), ""},
+                                    {"", folder.path(), ""},
+                                    {"true ", folder.path(), ""},
+                                    {"true", "/no/such/folder", missing},
+                                    // The current folder, but without effect.
+                                    {"true", "", on}};
+        for (const QStringList& row : rows) {
             QSettings settings(folder.filePath("plugin.ini"), QSettings::IniFormat);
             settings.setValue("EnableSimulation", row.at(0));
             settings.setValue("SimulationPath", row.at(1));
@@ -205,7 +209,7 @@ private Q_SLOTS:
         }
     }
 
-    void extensionPointsComeAndGo()
+    void extensionPointsAreReplaced()
     {
         RecordingHost host;
         QPointer<QObject> component;
@@ -237,7 +241,7 @@ private Q_SLOTS:
         QCOMPARE(PatientSession::instance()->patientId(), QString("p1"));
     }
 
-    void language()
+    void textsOfTheHostsFolderComeFirst()
     {
         const QStringList rows[] = {{"mc_de", "Translator resource \"mc_de_DE\" not found|"
                                               "Translator \"mc_en_GB\" installed from \":/lang/i18n/\""},
@@ -260,10 +264,10 @@ private Q_SLOTS:
         QCOMPARE(m_component->title(), QString("Merivo Connection")); // the translator is removed with the plug-in
     }
 
-    void everyFirmwareLogIsAtLeast3_2_23()
+    void oldFirmwareIsFound()
     {
         const ReaderFolder folder;
-        const auto isAccepted = [&folder](const QString& log, const QByteArray& lastLines = {}) {
+        const auto isAccepted = [&folder](const QString& log, const QByteArray& lastLines) {
             return folder.writeFile(log, "9.9.9\n9.9.9\r\n\n9.9.9\n" + lastLines) &&
                    MerivoConnectionsComponent::checkFirmware(folder.drive()) &&
                    QFile::remove(folder.misc() + '/' + log);
