@@ -243,8 +243,9 @@ private Q_SLOTS:
 
     void textsOfTheHostsFolderComeFirst()
     {
-        const QStringList rows[] = {{"mc_de", "Translator resource \"mc_de_DE\" not found|"
-                                              "Translator \"mc_en_GB\" installed from \":/lang/i18n/\""},
+        const QString missing = "Translator resource \"mc_de_DE\" not found|";
+        const QStringList rows[] = {{"mc_de", missing + "Translator \"mc_en_GB\" installed from \":/lang/i18n/\""},
+                                    {"mc_en_GB", missing + "Translator \"mc_en_GB\" installed from \"host\""},
                                     {"mc_de_DE", "Translator \"mc_de_DE\" installed from \"host\""}};
         QLocale::setDefault(QLocale("de_DE"));
         for (const QStringList& row : rows) {
