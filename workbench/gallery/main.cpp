@@ -3,14 +3,15 @@
 #include "toolkit/LmGuiConfig.h"
 #include "toolkit/LmTabs.h"
 #include "workbench/gallery/GalleryPages.h"
-#include "workbench/gallery/GalleryPictures.h"
 #include "workbench/support/CommandLine.h"
 #include "workbench/support/Platform.h"
 
 #include <QApplication>
 #include <QDate>
+#include <QDir>
 #include <QFile>
 #include <QLocale>
+#include <QMenu>
 #include <QScopeGuard>
 
 namespace {
@@ -26,6 +27,39 @@ public:
     int firstWeekDay() const override { return QLocale().firstDayOfWeek() - Qt::Monday; }
 };
 
+/// Shows the widget for a moment.
+QPixmap pictureOf(QWidget* widget)
+{
+    if (auto* menu = qobject_cast<QMenu*>(widget)) {
+        menu->popup(QPoint());
+    } else {
+        widget->adjustSize();
+        widget->show();
+    }
+    QCoreApplication::processEvents();
+    const QPixmap picture = widget->grab();
+    widget->hide();
+    return picture;
+}
+
+/// Writes a PNG of each page and of each window that it opens, and returns the exit status.
+int writePictures(const QVector<GalleryPage>& pages, const QDir& folder)
+{
+    if (!folder.mkpath("."))
+        return complain(Failure, QString("can't make the folder %1").arg(folder.path()));
+    for (const GalleryPage& page : pages) {
+        QVector<QWidget*> widgets = page.windows;
+        widgets.prepend(page.widget);
+        for (int i = 0; i < widgets.size(); ++i) {
+            const QString name = i == 0 ? page.name : QString("%1-%2").arg(page.name).arg(i);
+            const QString path = folder.filePath(name + ".png");
+            if (!pictureOf(widgets.at(i)).save(path))
+                return complain(Failure, "can't write " + path);
+        }
+    }
+    return Success;
+}
+
 void passMessage(QtMsgType, const QMessageLogContext&, const QString& text)
 {
     if (!Platform::isKnownNoise(text))
@@ -40,7 +74,7 @@ int main(int argc, char** argv)
     const auto status = line.read(argc, argv,
                                   {{"locale", "NAME", "Locale of the run, such as de_DE. Default: the system's."},
                                    {"rtl", nullptr, "Lay out from right to left. Default: as the locale is written."},
-                                   {"write", "FOLDER", "Write a PNG of each group into this folder, and end."}});
+                                   {"write", "FOLDER", "Write PNGs of each group into this folder, and end."}});
     if (status)
         return *status;
     if (const auto wrong = line.refusePositional())
@@ -68,12 +102,11 @@ int main(int argc, char** argv)
 
     const QVector<GalleryPage> pages = galleryPages();
     if (!folder.isEmpty()) {
-        QString error;
         const auto deletePages = qScopeGuard([&pages] {
             for (const GalleryPage& page : pages)
                 delete page.widget;
         });
-        return writeGallery(pages, folder, &error) ? Success : complain(Failure, error);
+        return writePictures(pages, folder);
     }
     LmTabWidget window;
     for (const GalleryPage& page : pages)
