@@ -17,6 +17,7 @@
 namespace {
 
 const QString LogName = "host.log";
+constexpr LogLimits KeptLog{1024 * 1024, 5};
 
 QString inDataFolder(const QString& name)
 {
@@ -117,9 +118,8 @@ bool HostApplication::startDiagnostics(QString* error)
     m_folderLock->setStaleLockTime(0);
     // Two hosts in one folder would rotate each other's log.
     QString problem = QString("diagnostics folder '%1': it can't be made, written to, or is in use").arg(folder);
-    const LogLimits limits{m_options.logKib * 1024LL, static_cast<int>(m_options.logFiles)};
     const bool isOurs = QDir().mkpath(folder) && m_folderLock->tryLock();
-    if (isOurs && (!m_options.log.isEmpty() || m_log.openFile(QDir(folder).filePath(LogName), &problem, limits))) {
+    if (isOurs && (!m_options.log.isEmpty() || m_log.openFile(QDir(folder).filePath(LogName), &problem, KeptLog))) {
         m_diagnosticsFolder = folder;
         keepTraffic();
         return true;
@@ -181,7 +181,7 @@ bool HostApplication::saveReport(const HostOptions& options, QString* sentence)
     if (QFileInfo::exists(databaseOf(options)))
         m_database.open(databaseOf(options));
     ReportSources sources = reportSources();
-    sources.logs = LogFile::filesAt(QDir(m_diagnosticsFolder).filePath(LogName), HostOptions::MaxLogFiles);
+    sources.logs = LogFile::filesAt(QDir(m_diagnosticsFolder).filePath(LogName), KeptLog.files);
     if (!options.log.isEmpty())
         sources.logs.append(options.log);
     return HostReport(sources).save(options.report, options.personal, sentence);
@@ -211,12 +211,9 @@ ReportSources HostApplication::reportSources()
         {"database error", m_database.errorText()},
         {"plug-in", m_options.plugin.isEmpty() ? PluginHost::defaultLibrary() : m_options.plugin},
         {"drive", m_deviceAdmin.drivePath().isEmpty() ? m_options.drive : m_deviceAdmin.drivePath()},
-        {"EnableSimulation", m_options.simulation.isEmpty() ? "false" : "true"},
         {"SimulationPath", m_options.simulation},
         {"log", m_options.log},
         {"diagnostics", m_diagnosticsFolder},
-        {"log-size", m_options.logKib},
-        {"log-files", m_options.logFiles},
     };
     return sources;
 }

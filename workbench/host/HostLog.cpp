@@ -22,11 +22,11 @@ QColor colourOf(HostLog::Level level)
     const bool isDark = QGuiApplication::palette().color(QPalette::Base).lightness() < 128;
     switch (level) {
     case HostLog::Error:
-        return isDark ? QColor(0xff, 0x8a, 0x80) : QColor(0xb0, 0x00, 0x20);
+        return isDark ? "#ff8a80" : "#b00020";
     case HostLog::Warning:
-        return isDark ? QColor(0xff, 0xc1, 0x6b) : QColor(0x8a, 0x50, 0x00);
+        return isDark ? "#ffc16b" : "#8a5000";
     case HostLog::Info:
-        return isDark ? QColor(0x82, 0xb8, 0xff) : QColor(0x0b, 0x57, 0xa4);
+        return isDark ? "#82b8ff" : "#0b57a4";
     case HostLog::Trace:
         break;
     }
@@ -107,17 +107,8 @@ HostLog::Level HostLog::levelOf(const QString& channel)
 
 QString HostLog::levelName(Level level)
 {
-    switch (level) {
-    case Error:
-        return tr("Error");
-    case Warning:
-        return tr("Warning");
-    case Info:
-        return tr("Information");
-    case Trace:
-        break;
-    }
-    return tr("Trace");
+    const QStringList names{tr("Trace"), tr("Information"), tr("Warning"), tr("Error")};
+    return names.at(level);
 }
 
 int HostLog::rowCount(const QModelIndex& parent) const

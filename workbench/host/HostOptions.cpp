@@ -32,32 +32,22 @@ std::optional<int> HostOptions::read(int argc, char** argv)
     QVector<CommandLine::Option> options;
     for (const auto& [option, target] : texts)
         options.append(option);
-    options += {{"log-size", "KIB", "Size of a log file at which a new one is begun. Default: 1024."},
-                {"log-files", "COUNT", "Number of log files that are kept. Default: 5."},
-                {"with-personal-data", nullptr, "With --report: leave names, ids and serial numbers as they are."},
-                {"json", nullptr, "Write the robot's steps as JSON, one object a line."}};
+    options.append({"with-personal-data", nullptr, "With --report: leave names, ids and serial numbers as they are."});
     CommandLine line("merivo-host", MERIVO_PLUGIN_VERSION, "A stand-in host that runs, shows and tests the plug-in.");
     if (const auto status = line.read(argc, argv, options))
         return status;
     for (const auto& [option, target] : texts)
         this->*target = line.value(option.name);
-    json = line.isSet("json");
     personal = line.isSet("with-personal-data");
     const std::pair<bool, const char*> contradictions[] = {
-        {robot.isEmpty() && (json || !pictures.isEmpty()), "--json and --pictures need --robot"},
+        {robot.isEmpty() && !pictures.isEmpty(), "--pictures needs --robot"},
         {report.isEmpty() && personal, "--with-personal-data needs --report"},
         {!report.isEmpty() && !robot.isEmpty(), "--report and --robot exclude each other"},
         {!drive.isEmpty() && !simulation.isEmpty(), "--drive and --simulation exclude each other"},
-        {!log.isEmpty() && (line.isSet("log-size") || line.isSet("log-files")),
-         "--log-size and --log-files are for the log of the diagnostics, so --log excludes them"},
     };
     for (const auto& [isWrong, sentence] : contradictions)
         if (isWrong)
             return line.refuse(sentence);
-    if (const auto status = line.readNumber("log-size", 1, 1024 * 1024, &logKib))
-        return status;
-    if (const auto status = line.readNumber("log-files", 2, MaxLogFiles, &logFiles))
-        return status;
     const auto status = line.refusePositional();
     return status ? status : line.setLocale();
 }

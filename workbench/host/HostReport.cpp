@@ -26,11 +26,6 @@ using Numbers = Anonymiser::Numbers;
 constexpr qint64 MostOfALog = qint64(8) * 1024 * 1024;
 constexpr int LogFields = 5;
 
-QByteArray lineOf(const QString& name, const QString& value)
-{
-    return (name + ": " + value + '\n').toUtf8();
-}
-
 /// The last lines of a file; nothing if it can't be read.
 std::optional<QByteArray> endOf(const QString& path)
 {
@@ -58,14 +53,6 @@ QByteArray anonymisedLog(const QByteArray& log, Anonymiser& words, Numbers numbe
     return lines.join('\n').toUtf8();
 }
 
-QByteArray recordingOf(const QVector<TrafficEntry>& entries, TrafficAnonymiser& anonymiser)
-{
-    QByteArray lines;
-    for (const TrafficEntry& entry : entries)
-        lines += trafficLine(anonymiser.anonymised(entry));
-    return lines;
-}
-
 } // namespace
 
 QStringList personalData(HostDatabase& database)
@@ -90,28 +77,23 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
     Anonymiser* words = withPersonalData ? nullptr : &anonymiser.words();
     m_missing.clear();
 
-    // First of all, since the host goes on writing and may put a file aside.
+    // Read first, since the host continues to write and may rotate a file.
     QVector<QPair<QString, std::optional<QByteArray>>> logs;
     for (const QString& path : m_sources.logs)
         logs.append({QFileInfo(path).fileName(), endOf(path)});
 
-    // All that is to be hidden is told before the first text is looked at.
+    // All that is to be replaced is known before the first text is.
     QMap<QString, QVector<TrafficEntry>> recordings;
     const QDir traffic(m_sources.trafficFolder);
     const QStringList names =
         m_sources.trafficFolder.isEmpty() ? QStringList() : TrafficKeeper::recordingsIn(m_sources.trafficFolder);
-    if (words) {
-        for (const QString& value : m_sources.personal)
-            words->know(value);
-        for (const QString& name : names) {
-            QStringList errors;
-            const auto entries = loadTraffic(traffic.filePath(name), &errors);
-            if (entries)
-                recordings.insert(name, *entries);
-            else
-                m_missing.append(name + " (gone or damaged, so what is personal in it can't be told)");
-            anonymiser.learn(recordings.value(name));
-        }
+    for (const QString& value : m_sources.personal)
+        anonymiser.words().know(value);
+    for (const QString& name : names) {
+        QStringList errors;
+        const auto entries = words ? loadTraffic(traffic.filePath(name), &errors) : std::nullopt;
+        if (entries)
+            anonymiser.learn(recordings[name] = *entries);
     }
 
     QVector<Member> result;
@@ -126,27 +108,29 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
         }
         // The file's name may be the user's own.
         const QString number = m_sources.logs.size() > 1 ? QString("-%1").arg(result.size() + 1) : QString();
-        result.append({QString("log/host%1.log").arg(number), "log of the host and the plug-in",
-                       words ? anonymisedLog(*bytes, *words, numbers) : *bytes});
+        result.append({QString("log/host%1.log").arg(number), words ? anonymisedLog(*bytes, *words, numbers) : *bytes});
     }
     for (const QString& name : names) {
-        if (words && !recordings.contains(name))
-            continue;
-        const auto bytes = words ? recordingOf(recordings.take(name), anonymiser) : endOf(traffic.filePath(name));
+        std::optional<QByteArray> bytes;
+        if (!words) {
+            bytes = endOf(traffic.filePath(name));
+        } else if (recordings.contains(name)) {
+            bytes = QByteArray();
+            for (const TrafficEntry& entry : recordings.take(name))
+                *bytes += trafficLine(anonymiser.anonymised(entry));
+        }
         if (bytes)
-            result.append({"traffic/" + name, "traffic of one run; play it with merivo-reader --replay", *bytes});
+            result.append({"traffic/" + name, *bytes});
         else
-            m_missing.append(name + " (can't be read)");
+            m_missing.append(name + " (can't be read, or is damaged)");
     }
-    QByteArray versions, settings;
+    QString versions, settings;
     for (const auto& [name, version] : m_sources.versions)
-        versions += lineOf(name, version);
-    for (const auto& [name, value] : m_sources.settings) {
-        const bool isText = value.type() == QVariant::String;
-        settings += lineOf(name, words && isText ? words->scrub(value.toString(), numbers) : value.toString());
-    }
-    result.append({"versions.txt", "programs and system", versions});
-    result.append({"settings.txt", "what the host runs with", settings});
+        versions += name + ": " + version + '\n';
+    for (const auto& [name, value] : m_sources.settings)
+        settings += name + ": " + (words ? words->scrub(value, numbers) : value) + '\n';
+    result.append({"versions.txt", versions.toUtf8()});
+    result.append({"settings.txt", settings.toUtf8()});
     return result;
 }
 
@@ -156,8 +140,8 @@ QByteArray HostReport::contents(const QVector<Member>& members, bool withPersona
                        .arg(QDateTime::currentDateTime().toString(Qt::ISODate),
                             withPersonalData ? "It HOLDS PERSONAL DATA: names, ids, serial numbers, paths."
                                              : "Personal data is replaced: the same word by the same other word.");
-    for (const Member& member : members)
-        text += QString("%1  %2 bytes  %3\n").arg(member.name).arg(member.bytes.size()).arg(member.purpose);
+    for (const auto& [name, bytes] : members)
+        text += QString("%1  %2 bytes\n").arg(name).arg(bytes.size());
     text += QString("\nNot in it: the patient database, its GUID, keys, the bytes of large exchange files%1.\n")
                 .arg(withPersonalData ? QString() : " or of any other");
     for (const QString& missing : m_missing)
@@ -182,7 +166,7 @@ bool HostReport::save(const QString& path, bool withPersonalData, QString* sente
     const QVector<Member> parts = members(withPersonalData);
     bool isWhole = archive.writeFile("contents.txt", contents(parts, withPersonalData));
     for (auto part = parts.cbegin(); isWhole && part != parts.cend(); ++part)
-        isWhole = archive.writeFile(part->name, part->bytes);
+        isWhole = archive.writeFile(part->first, part->second);
     const QString error = archive.errorString();
     const bool isMoved = archive.close();
     if (!isWhole || !isMoved) {

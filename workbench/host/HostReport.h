@@ -6,7 +6,6 @@
 #include <QPair>
 #include <QString>
 #include <QStringList>
-#include <QVariant>
 #include <QVector>
 
 class HostDatabase;
@@ -14,12 +13,12 @@ class HostDatabase;
 /// What a report is made of.
 struct ReportSources
 {
-    QStringList logs;                           ///< paths, the oldest first
-    QString trafficFolder;                      ///< empty: no traffic is kept
-    QVector<QPair<QString, QString>> versions;  ///< of programs and system
-    QVector<QPair<QString, QVariant>> settings; ///< that the program runs with; what is no text is nobody's
-    QStringList personal;                       ///< what is somebody's, wherever it stands
-    QString unknown;                            ///< why that isn't all; empty: it is
+    QStringList logs;                          ///< paths, the oldest first
+    QString trafficFolder;                     ///< empty: no traffic is kept
+    QVector<QPair<QString, QString>> versions; ///< of programs and system
+    QVector<QPair<QString, QString>> settings; ///< that the program runs with
+    QStringList personal;                      ///< what is somebody's, wherever it stands
+    QString unknown;                           ///< why that isn't all; empty: it is
 };
 
 /// What the database and the system know as somebody's, the database's GUID too. On the thread of the database, which
@@ -44,12 +43,7 @@ public:
     bool save(const QString& path, bool withPersonalData, QString* sentence);
 
 private:
-    struct Member
-    {
-        QString name;
-        QString purpose;
-        QByteArray bytes;
-    };
+    using Member = QPair<QString, QByteArray>; // name and content
 
     QVector<Member> members(bool withPersonalData);
     QByteArray contents(const QVector<Member>& members, bool withPersonalData) const;

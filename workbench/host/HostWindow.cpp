@@ -31,28 +31,16 @@ namespace {
 constexpr int PuidRole = Qt::UserRole;
 constexpr int LookForReaderEveryMs = 1000;
 
-/// Filters the log by a text in any column, as its base does, and by the level.
-class LogFilter final : public QSortFilterProxyModel
+/// Returns a model with the rows of @p source that have the filter's text in any column.
+QSortFilterProxyModel* textFilter(QAbstractItemModel* source, const QLineEdit* filter, QObject* parent)
 {
-public:
-    using QSortFilterProxyModel::QSortFilterProxyModel;
-
-    void setLowestLevel(int level)
-    {
-        m_lowestLevel = level;
-        invalidateFilter();
-    }
-
-protected:
-    bool filterAcceptsRow(int row, const QModelIndex& parent) const override
-    {
-        return sourceModel()->index(row, 0, parent).data(HostLog::LevelRole).toInt() >= m_lowestLevel &&
-               QSortFilterProxyModel::filterAcceptsRow(row, parent);
-    }
-
-private:
-    int m_lowestLevel = 0;
-};
+    auto* model = new QSortFilterProxyModel(parent);
+    model->setSourceModel(source);
+    model->setFilterKeyColumn(-1);
+    model->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    QObject::connect(filter, &QLineEdit::textChanged, model, &QSortFilterProxyModel::setFilterFixedString);
+    return model;
+}
 
 /// Makes a button do what an action does, and be enabled with it.
 void setAction(QAbstractButton* button, QAction* action)
@@ -123,11 +111,10 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     nameFont.setPointSizeF(nameFont.pointSizeF() * 1.3);
     nameFont.setBold(true);
     diaryName->setFont(nameFont);
-    auto* logModel = new LogFilter(this);
-    logModel->setSourceModel(&log);
-    logModel->setFilterKeyColumn(-1);
-    logModel->setFilterCaseSensitivity(Qt::CaseInsensitive);
-    logTable->setModel(logModel);
+    auto* levelFilter = new QSortFilterProxyModel(this);
+    levelFilter->setSourceModel(&log);
+    levelFilter->setFilterRole(HostLog::LevelRole);
+    logTable->setModel(textFilter(levelFilter, logFilter, this));
     setUpTables();
     mainSplitter->setStretchFactor(1, 1);
     mainSplitter->setSizes({430, 790});
@@ -137,7 +124,6 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
         logLevel->addItem(HostLog::levelName(level), level);
 
     connect(messageDismiss, &QPushButton::clicked, messageBar, &QWidget::hide);
-    connect(patientFilter, &QLineEdit::textChanged, &m_patientFilter, &QSortFilterProxyModel::setFilterFixedString);
     connect(patientTable->selectionModel(), &QItemSelectionModel::selectionChanged, this, &HostWindow::refreshActions);
     connect(patientTable, &QTableView::activated, this, &HostWindow::openDiary);
     connect(addPatientAction, &QAction::triggered, this, &HostWindow::addPatient);
@@ -158,9 +144,10 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
                            tr("A host application to run, show and test a plug-in with.\n\nPlug-in: %1, version %2\n%3")
                                .arg(plugin->title(), plugin->version(), plugin->copyright()));
     });
-    connect(logLevel, QOverload<int>::of(&QComboBox::currentIndexChanged), logModel, &LogFilter::setLowestLevel);
-    connect(logFilter, &QLineEdit::textChanged, logModel, &QSortFilterProxyModel::setFilterFixedString);
-    connect(logModel, &QAbstractItemModel::rowsInserted, logTable, &QTableView::scrollToBottom);
+    connect(logLevel, QOverload<int>::of(&QComboBox::currentIndexChanged), levelFilter, [levelFilter](int lowest) {
+        levelFilter->setFilterRegularExpression(QString("[%1-%2]").arg(lowest).arg(HostLog::Error));
+    });
+    connect(logTable->model(), &QAbstractItemModel::rowsInserted, logTable, &QTableView::scrollToBottom);
     connect(&log, &HostLog::fileFailed, this, &HostWindow::showError);
 
     connect(&m_events, &IEventPublisher::patientCreated, this, &HostWindow::refresh);
@@ -182,10 +169,8 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
 void HostWindow::setUpTables()
 {
     m_patients.setHorizontalHeaderLabels({tr("Name"), tr("Birthday"), tr("Further id"), tr("Key")});
-    m_patientFilter.setSourceModel(&m_patients);
-    m_patientFilter.setFilterKeyColumn(-1);
-    m_patientFilter.setFilterCaseSensitivity(Qt::CaseInsensitive);
-    patientTable->setModel(&m_patientFilter);
+    m_shownPatients = textFilter(&m_patients, patientFilter, this);
+    patientTable->setModel(m_shownPatients);
     setUpHeaders(patientTable, 0);
 
     m_imports.setHorizontalHeaderLabels({tr("When"), tr("Pump file"), tr("Size"), tr("State"), tr("MAC")});
@@ -258,11 +243,9 @@ void HostWindow::addPatient()
     PatientDialog dialog({}, this);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    if (!m_database.addPatient(dialog.patient())) {
-        reportDatabaseError();
-        return;
-    }
-    m_events.publishCreated();
+    m_database.addPatient(dialog.patient());
+    if (!reportDatabaseError())
+        m_events.publishCreated();
 }
 
 void HostWindow::editPatient()
@@ -273,11 +256,9 @@ void HostWindow::editPatient()
     PatientDialog dialog(*patient, this);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    if (!m_database.changePatient(dialog.patient())) {
-        reportDatabaseError();
-        return;
-    }
-    m_events.publishChanged(dialog.patient());
+    m_database.changePatient(dialog.patient());
+    if (!reportDatabaseError())
+        m_events.publishChanged(dialog.patient());
 }
 
 void HostWindow::deletePatient()
@@ -297,11 +278,9 @@ void HostWindow::deletePatient()
     question.exec();
     if (question.clickedButton() != confirm)
         return;
-    if (!m_database.removePatient(patient->puid)) {
-        reportDatabaseError();
-        return;
-    }
-    m_events.publishDeleted(patient->puid);
+    m_database.removePatient(patient->puid);
+    if (!reportDatabaseError())
+        m_events.publishDeleted(patient->puid);
 }
 
 void HostWindow::openDiary()
@@ -342,7 +321,7 @@ void HostWindow::refreshPatients()
         row.first()->setData(patient.puid, PuidRole);
         m_patients.appendRow(row);
         if (patient.puid == puid)
-            patientTable->setCurrentIndex(m_patientFilter.mapFromSource(m_patients.indexFromItem(row.first())));
+            patientTable->setCurrentIndex(m_shownPatients->mapFromSource(m_patients.indexFromItem(row.first())));
     }
     fitColumns(patientTable, 14);
 }

@@ -67,6 +67,6 @@ private:
     PluginHost& m_pluginHost;
     const HostDeviceAdmin& m_deviceAdmin;
     QStandardItemModel m_patients;
-    QSortFilterProxyModel m_patientFilter;
+    QSortFilterProxyModel* m_shownPatients = nullptr; // those that the filter lets pass
     QStandardItemModel m_imports;
 };

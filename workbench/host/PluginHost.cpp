@@ -12,15 +12,6 @@
 #include <QLibrary>
 #include <QSettings>
 
-namespace {
-
-QString interfaceIdOf(const QPluginLoader& loader)
-{
-    return loader.metaData().value("IID").toString();
-}
-
-} // namespace
-
 PluginHost::PluginHost(QObject* parent)
     : QObject(parent)
 {}
@@ -47,32 +38,26 @@ bool PluginHost::load(const QString& library, IExtensionRegistry* registry, cons
                       QString* error)
 {
     unload();
-    const QFileInfo file(library);
-    if (!file.isFile()) {
-        *error = QString("plug-in '%1': there is no such file").arg(library);
-        return false;
-    }
-    m_loader.setFileName(file.absoluteFilePath());
-    if (m_loader.metaData().isEmpty()) {
-        *error = QString("plug-in '%1': not a plug-in library of Qt %2").arg(library, QLatin1String(qVersion()));
-        return false;
-    }
-    if (interfaceIdOf(m_loader) != MERIVO_PLUGIN_IID) {
-        *error = QString("plug-in '%1': has the interface id \"%2\", this host takes \"%3\" alone")
-                     .arg(library, interfaceIdOf(m_loader), MERIVO_PLUGIN_IID);
-        return false;
-    }
-    QObject* instance = m_loader.instance();
-    if (!instance) {
-        *error = QString("plug-in '%1': %2").arg(library, m_loader.errorString());
-        return false;
-    }
-    m_plugin = qobject_cast<IPlugin*>(instance);
-    if (!m_plugin) {
-        *error = QString("plug-in '%1': its object isn't of the interface that its metadata names").arg(library);
+    const auto refuse = [&](const QString& what) {
+        *error = QString("plug-in '%1': %2").arg(library, what);
         unload();
         return false;
-    }
+    };
+    const QFileInfo file(library);
+    if (!file.isFile())
+        return refuse("there is no such file");
+    m_loader.setFileName(file.absoluteFilePath());
+    const QString interfaceId = m_loader.metaData().value("IID").toString();
+    if (m_loader.metaData().isEmpty())
+        return refuse(QString("not a plug-in library of Qt %1").arg(QLatin1String(qVersion())));
+    if (interfaceId != MERIVO_PLUGIN_IID)
+        return refuse(
+            QString("has the interface id \"%1\", this host takes only \"%2\"").arg(interfaceId, MERIVO_PLUGIN_IID));
+    if (!m_loader.instance())
+        return refuse(m_loader.errorString());
+    m_plugin = qobject_cast<IPlugin*>(m_loader.instance());
+    if (!m_plugin)
+        return refuse("its object isn't of the interface that its metadata names");
 
     m_plugin->setExtensionRegistry(registry);
     // A file of its own, so that nothing of an earlier run or of the user's other settings comes in.

@@ -6,43 +6,31 @@
 #include <QVector>
 
 #include <chrono>
-#include <optional>
 
-/// One step of the robot: a verb and its words, with the longest time that it may take.
+/// One step of the robot, with the longest time that it may take.
 struct RobotStep
 {
     QString place; ///< "FILE:LINE", the line from 1
-    int line = 0;
-    QString text; ///< as it stands in the file
-    QString verb;
+    QString text;  ///< unchanged from the file
     QStringList words;
+    int form = 0; ///< index of the form that the words have
     std::chrono::milliseconds limit{0};
 };
 
-/// A file of steps, one a line. Words are separated by blanks; one of several parts stands in double quotes, with
-/// \", \\ and \n inside. A line that begins with # is a comment. The end "within SECONDS" sets a step's own limit, and
-/// "include FILE" puts the steps of another file in its place. What the verbs and conditions do is told in the manual
-/// page.
+/// A file of steps, one a line. Words are separated by blanks; a word with blanks is in double quotes. A line that
+/// begins with # is a comment. The end "within SECONDS" sets the limit of a step. The manual page describes the steps.
 class RobotScript final
 {
 public:
-    /// Reads and checks the whole file; nothing is done of one with a wrong line. The error names file and line.
-    bool load(const QString& path, QString* error);
-    /// The same for a text; @p name stands for the file in errors and results, and files to include are looked for
-    /// beside it.
-    bool parse(const QString& name, const QString& text, QString* error);
+    /// Reads and checks the whole file. Each step must have one of the @p forms, such as "wait|expect NAME rows COUNT":
+    /// COUNT is a number, SECONDS a time, KEY a key, any other word in capitals is any text; words in brackets may be
+    /// missing. Returns false if a line is wrong; the error names file and line.
+    bool load(const QString& path, const QStringList& forms, QString* error);
 
-    /// The code of "Escape", "Ctrl+O" and the like, modifiers included; nothing for what is no single key.
-    static std::optional<int> keyCombination(QString name);
-
-    QString name() const { return m_name; }
     const QVector<RobotStep>& steps() const { return m_steps; }
 
 private:
-    bool appendFile(const QString& path, int depth, QString* error);
-    bool append(const QString& name, const QString& text, int depth, QString* error);
-    bool hasSteps(QString* error) const;
+    static QString parse(const QString& line, const QStringList& forms, RobotStep* step);
 
-    QString m_name;
     QVector<RobotStep> m_steps;
 };

@@ -15,50 +15,35 @@
 
 namespace {
 
-template <class Box>
-QAbstractButton* standardButton(const Box* box, const QString& name)
-{
-    bool isStandard = false;
-    const int value =
-        QMetaEnum::fromType<typename Box::StandardButtons>().keyToValue(name.toLatin1().constData(), &isStandard);
-    return isStandard ? box->button(static_cast<typename Box::StandardButton>(value)) : nullptr;
-}
-
-QAbstractButton* buttonByText(const QList<QAbstractButton*>& buttons, const QString& text)
-{
-    for (QAbstractButton* candidate : buttons)
-        if (candidate->text().remove('&') == text)
-            return candidate;
-    return nullptr;
-}
-
 bool hasName(const QWidget* window, const QString& name)
 {
     return window->objectName() == name || QLatin1String(window->metaObject()->className()) == name ||
            window->windowTitle() == name;
 }
 
-QString withoutMarkUp(const QString& text)
+QWidgetList openWindows()
 {
-    return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
+    QWidgetList windows = QApplication::topLevelWidgets();
+    const auto end = std::remove_if(windows.begin(), windows.end(), [](const QWidget* candidate) {
+        return !candidate->isVisible() || !candidate->isWindow();
+    });
+    windows.erase(end, windows.end());
+    return windows;
 }
 
-/// The best of the widgets of that name: in the input window, then any visible one, then any.
+/// Returns the best of the widgets of that name: in the input window, then any visible one, then any.
 QWidget* bestOf(const QWidgetList& candidates, const QString& name)
 {
     const QWidget* input = WidgetFinder::inputWindow();
-    QWidget* best = nullptr;
-    int bestRank = -1;
-    for (QWidget* candidate : candidates) {
+    const auto rank = [input, &name](const QWidget* candidate) {
         if (candidate->objectName() != name)
-            continue;
-        const int rank = (candidate->window() == input ? 2 : 0) + (candidate->isVisible() ? 1 : 0);
-        if (rank > bestRank) {
-            best = candidate;
-            bestRank = rank;
-        }
-    }
-    return best;
+            return 0;
+        return 1 + (candidate->isVisible() ? 1 : 0) + (candidate->window() == input ? 2 : 0);
+    };
+    const auto best =
+        std::max_element(candidates.cbegin(), candidates.cend(),
+                         [&rank](const QWidget* left, const QWidget* right) { return rank(left) < rank(right); });
+    return best == candidates.cend() || rank(*best) == 0 ? nullptr : *best;
 }
 
 } // namespace
@@ -70,89 +55,68 @@ QWidget* WidgetFinder::inputWindow()
     if (QWidget* active = QApplication::activeWindow())
         return active;
     // Without a window manager none becomes active when the active one closes.
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    const auto found = std::find_if(windows.cbegin(), windows.cend(), [](const QWidget* candidate) {
-        return candidate->isVisible() && candidate->isWindow();
-    });
-    return found == windows.cend() ? nullptr : *found;
+    return openWindows().value(0);
 }
 
 QWidget* WidgetFinder::window(const QString& name)
 {
-    QWidget* input = inputWindow();
-    if (input && hasName(input, name))
-        return input;
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    const auto found = std::find_if(windows.cbegin(), windows.cend(), [&name](const QWidget* candidate) {
-        return candidate->isVisible() && candidate->isWindow() && hasName(candidate, name);
-    });
+    QWidgetList windows = openWindows();
+    if (QWidget* input = inputWindow())
+        windows.prepend(input);
+    const auto found = std::find_if(windows.cbegin(), windows.cend(),
+                                    [&name](const QWidget* candidate) { return hasName(candidate, name); });
     return found == windows.cend() ? nullptr : *found;
 }
 
 QWidget* WidgetFinder::widget(const QString& path)
 {
-    const QStringList names = path.split('/');
-    QWidget* found = nullptr;
-    for (int i = 0; i < names.size(); ++i) {
-        const QString& name = names.at(i);
-        if (found) {
-            QAbstractButton* inBox = button(found, name);
-            found = inBox ? inBox : bestOf(found->findChildren<QWidget*>(), name);
-        } else {
-            found = names.size() > 1 ? window(name) : nullptr;
-            if (!found)
-                found = bestOf(QApplication::allWidgets(), name);
-        }
+    QStringList names = path.split('/');
+    const QString first = names.takeFirst();
+    QWidget* found = window(first);
+    if (!found)
+        found = bestOf(QApplication::allWidgets(), first);
+    for (const QString& name : qAsConst(names)) {
         if (!found)
-            return nullptr;
+            break;
+        QWidget* inBox = button(found, name);
+        found = inBox ? inBox : bestOf(found->findChildren<QWidget*>(), name);
     }
     return found;
 }
 
-QAbstractButton* WidgetFinder::button(QWidget* box, const QString& name)
+QAbstractButton* WidgetFinder::button(QWidget* parent, const QString& name)
 {
-    if (const auto* messageBox = qobject_cast<QMessageBox*>(box)) {
-        QAbstractButton* standard = standardButton(messageBox, name);
-        return standard ? standard : buttonByText(messageBox->buttons(), name);
-    }
-    if (const auto* buttonBox = qobject_cast<QDialogButtonBox*>(box)) {
-        QAbstractButton* standard = standardButton(buttonBox, name);
-        return standard ? standard : buttonByText(buttonBox->buttons(), name);
-    }
-    return nullptr;
+    auto* box = qobject_cast<QDialogButtonBox*>(parent);
+    if (!box)
+        box = parent->findChild<QDialogButtonBox*>();
+    if (!box)
+        return nullptr;
+    const QMetaEnum names = QMetaEnum::fromType<QDialogButtonBox::StandardButtons>();
+    const QList<QAbstractButton*> buttons = box->buttons();
+    const auto found = std::find_if(buttons.cbegin(), buttons.cend(), [&](QAbstractButton* candidate) {
+        return names.valueToKey(box->standardButton(candidate)) == name || candidate->text().remove('&') == name;
+    });
+    return found == buttons.cend() ? nullptr : *found;
 }
 
 QString WidgetFinder::textOf(const QWidget* widget)
 {
-    for (const char* property : {"text", "plainText", "currentText", "title"}) {
-        const QVariant value = widget->property(property);
-        if (value.isValid())
-            return value.toString();
-    }
-    return widget->windowTitle();
-}
-
-bool WidgetFinder::textEquals(const QString& text, const QString& part)
-{
-    return text == part || withoutMarkUp(text) == part;
-}
-
-bool WidgetFinder::textContains(const QString& text, const QString& part)
-{
-    return text.contains(part) || withoutMarkUp(text).contains(part);
+    QString text = widget->windowTitle();
+    for (const char* property : {"title", "currentText", "plainText", "text"})
+        if (const QVariant value = widget->property(property); value.isValid())
+            text = value.toString();
+    return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
 }
 
 QString WidgetFinder::describeWindows()
 {
     QStringList parts;
-    const QWidgetList windows = QApplication::topLevelWidgets();
+    const QWidgetList windows = openWindows();
     for (const QWidget* candidate : windows) {
-        if (!candidate->isVisible() || !candidate->isWindow())
-            continue;
         QString part =
             QString("%1 '%2'").arg(QLatin1String(candidate->metaObject()->className()), candidate->windowTitle());
-        if (const auto* box = qobject_cast<const QMessageBox*>(candidate))
-            part += QString(" with text '%1'").arg(withoutMarkUp(box->text()));
+        if (qobject_cast<const QMessageBox*>(candidate))
+            part += QString(" with text '%1'").arg(textOf(candidate));
         parts.append(part);
     }
     return parts.isEmpty() ? "no window is open" : "open: " + parts.join(", ");

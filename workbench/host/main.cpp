@@ -14,7 +14,6 @@
 namespace {
 
 HostLog* hostLog = nullptr; // set once, before the plug-in is loaded
-QStringList earlyMessages;  // those before that, of this thread alone
 
 /// Qt's own messages go into the host's log: standard error is for what the caller must know. Any thread.
 void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
@@ -22,12 +21,8 @@ void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
     // What the plug-in writes to Qt's log comes to the host's by itself; the rest of the debug output is no news.
     if (type == QtDebugMsg || QByteArray(context.category).startsWith("plugin.") || Platform::isKnownNoise(text))
         return;
-    if (type == QtFatalMsg) {
+    if (type == QtFatalMsg || !hostLog) {
         complain(Failure, text);
-        return;
-    }
-    if (!hostLog) {
-        earlyMessages.append(text);
         return;
     }
     const QString channel = type == QtInfoMsg ? "Info" : "Warning";
@@ -45,7 +40,7 @@ int main(int argc, char** argv)
 
     QString error;
     RobotScript script;
-    if (!options.robot.isEmpty() && !script.load(options.robot, &error))
+    if (!options.robot.isEmpty() && !script.load(options.robot, Robot::forms(), &error))
         return complain(Failure, error);
     if (Platform::isWithoutDisplay()) {
         if (options.robot.isEmpty() && options.report.isEmpty())
@@ -62,8 +57,6 @@ int main(int argc, char** argv)
                               "QLabel[BigSizeFont=\"true\"] { font-size: 16pt; }");
 
     HostApplication host;
-    for (const QString& text : qAsConst(earlyMessages))
-        host.log().write("Qt", "Warning", text);
     if (!options.report.isEmpty()) {
         const bool isSaved = host.saveReport(options, &error);
         if (isSaved)
@@ -77,7 +70,7 @@ int main(int argc, char** argv)
     if (options.robot.isEmpty())
         return QApplication::exec();
 
-    Robot robot(host, script, {options.json, options.pictures});
+    Robot robot(host, script.steps(), options.pictures);
     QTimer::singleShot(0, &robot, &Robot::start);
     QApplication::exec();
     return robot.failure().isEmpty() ? Success : complain(Failure, robot.failure());
