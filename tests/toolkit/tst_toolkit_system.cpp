@@ -183,6 +183,7 @@ private Q_SLOTS:
         // Below a file, on a directory, and where the drive is full.
         for (const char* unwritable : {"a/b/file/x", "a", QFile::exists("/dev/full") ? "/dev/full" : "a"})
             QVERIFY2(!lmWriteBytes(content, unwritable, QIODevice::WriteOnly), unwritable);
+        QVERIFY(!lmWriteBytes(content, "g", QIODevice::ReadOnly));
     }
 
     void documentsAreValidated()

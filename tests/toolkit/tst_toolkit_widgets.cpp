@@ -106,8 +106,7 @@ private Q_SLOTS:
             setLocale(locale);
             LmDoubleSpinBox box;
             box.setSpecialValueText(QStringLiteral("off"));
-            if (QLocale(own) != QLocale())
-                box.setLocale(QLocale(own));
+            box.setLocale(QLocale(own));
             QString text = QString::fromUtf8(typed);
             box.validate(text, position);
             QCOMPARE(text, QString::fromUtf8(repaired));
