@@ -39,10 +39,8 @@ public:
 
     HostLog& log() { return m_log; }
     HostDatabase& database() { return m_database; }
-    HostDeviceAdmin& deviceAdmin() { return m_deviceAdmin; }
     PatientEvents& events() { return m_events; }
     PluginHost& pluginHost() { return m_pluginHost; }
-    ImportHandler& importHandler() { return m_importHandler; }
     HostWindow& window() { return m_window; }
 
 private:

@@ -17,7 +17,7 @@ struct ReportSources
     QString trafficFolder;                     ///< empty: no traffic is kept
     QVector<QPair<QString, QString>> versions; ///< of programs and system
     QVector<QPair<QString, QString>> settings; ///< that the program runs with
-    QStringList personal;                      ///< what is somebody's, wherever it stands
+    QStringList personal;                      ///< what is replaced, wherever it appears
     QString unknown;                           ///< why that isn't all; empty: it is
 };
 
