@@ -416,6 +416,7 @@ private Q_SLOTS:
             delete deleted;
             QTest::mouseClick(menu.get(), Qt::LeftButton, {}, menu->actionGeometry(&print).center());
             QCOMPARE(keysWhenTriggered, keys);
+            QCOMPARE(print.text(), QStringLiteral("Print %1"));
             menu->popup({});
             menu.reset(); // Restores them too.
             QVERIFY(print.text() == QLatin1String("Print %1") && print.shortcuts() == keys);
