@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "e2e/FaultyFiles.h"
 
+#include <QDir>
+#include <QFile>
+
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -12,7 +15,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
-#include <memory>
 #include <mutex>
 
 namespace {
@@ -20,7 +22,6 @@ namespace {
 enum Watch : char { Unwatched, Watched, Full };
 std::array<std::atomic<char>, 4096> watches{}; // by file descriptor
 std::mutex mutex;                              // guards the rest
-std::shared_ptr<const FaultyFiles::OpeningAction> openingAction;
 QByteArray faultyPath;
 FaultyFiles::Failure requested = FaultyFiles::Open;
 int turn = -1;
@@ -56,17 +57,23 @@ bool isFaulty(const char* path)
     return isAffected && turn >= 0 && name.startsWith(faultyPath);
 }
 
-/// Call the result without the mutex: it opens files.
-std::shared_ptr<const FaultyFiles::OpeningAction> currentOpeningAction()
-{
-    const std::lock_guard lock(mutex);
-    return openingAction;
-}
-
 std::atomic<char>& watchOf(int file)
 {
     static std::atomic<char> none{Unwatched};
     return file >= 0 && std::size_t(file) < watches.size() ? watches[std::size_t(file)] : none;
+}
+
+void append(const char* path, const char* bytes)
+{
+    if (QFile file(path); file.open(QIODevice::Append))
+        file.write(bytes);
+}
+
+/// Renames the drive that has the file in its folder MISC.
+void renameDriveOf(const char* path)
+{
+    const QString drive = QString(path).section('/', 0, -3);
+    QDir().rename(drive, drive + ".away");
 }
 
 int failWith(int error)
@@ -97,22 +104,16 @@ void FaultyFiles::fail(Failure failure, int nth, const QByteArray& path)
     const std::lock_guard lock(mutex);
     faultyPath = path;
     requested = failure;
-    turn = path.isEmpty() ? -1 : nth;
+    turn = nth;
     operations = 0;
     failed = 0;
 }
 
-int FaultyFiles::failures()
+int FaultyFiles::stop()
 {
     const std::lock_guard lock(mutex);
+    turn = -1;
     return failed;
-}
-
-void FaultyFiles::onOpening(const OpeningAction& action)
-{
-    auto next = action ? std::make_shared<const OpeningAction>(action) : nullptr;
-    const std::lock_guard lock(mutex);
-    openingAction.swap(next);
 }
 
 extern "C" {
@@ -125,11 +126,13 @@ int open64(const char* path, int flags, ...)
     const bool hasMode = flags & O_CREAT || (flags & O_TMPFILE) == O_TMPFILE;
     const mode_t mode = hasMode ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    if (const auto action = currentOpeningAction())
-        (*action)(path);
     const bool faulty = isFaulty(path);
     if (faulty && fails(FaultyFiles::Open))
         return failWith(EIO);
+    if (faulty && fails(FaultyFiles::Change))
+        append(path, "changed");
+    if (faulty && fails(FaultyFiles::Vanish))
+        renameDriveOf(path);
     const int file = real(path, flags, mode);
     watchOf(file) = faulty ? Watched : Unwatched;
     return file;

@@ -86,6 +86,8 @@ DRIVE_GONE_FOR_A_WHILE = except_at(DRIVE_GONE, ABORT=[DRIVE_GONE, NOT_STARTED])
 UNREADABLE = reader_only(NO_ANSWER, "Error during polling")
 DIARY_GONE = reader_only("diary was closed or changed", "Diary closed or changed")
 DIARY_GONE_BEFORE = before("diary was closed or changed", "Diary closed or changed")
+DIARY_GONE_AND_DECLINED = Outcome("before", "The patient's diary was closed or changed. Nothing was imported.",
+                                  ("Trace <BTPAIRCONFIRM 0> submitted", "Trace Pairing decline finished"))
 OLD_FIRMWARE = before("old software version", "unsupported firmware version")
 ABORTED_FIRST = done("Trace Prepare (abort old running) succeeded.")
 SECOND_RUN_IGNORED = done("Trace execution ignored: another one is under way")
@@ -234,7 +236,9 @@ FAULTS = [
     around("other-diary=P-2@{}", ALL, DIARY_GONE),
     around("close-diary@m_readPumpButton", ("BTREAD",), DIARY_GONE_BEFORE),
     around("other-diary=P-2@m_removePumpButton", ("BTDELETEADDR",), DIARY_GONE_BEFORE),
-    around("other-diary=P-2@Yes", ("BTPUMPREASSIGN", "BTDELETEADDR"), DIARY_GONE_BEFORE),
+    around("other-diary=P-2@m_ConfirmButton", ("BTPAIRCONFIRM",), DIARY_GONE_AND_DECLINED),
+    around("other-diary=P-2@Yes", ("BTPUMPREASSIGN",), DIARY_GONE_BEFORE),
+    around("other-diary=P-2@Yes", ("BTDELETEADDR",), DIARY_GONE_BEFORE),
     around("again@BEGIN", ("BTREAD",), SECOND_RUN_IGNORED),
     around("again@END", ("BTREAD",), SECOND_RUN_IGNORED),
 ]
@@ -249,11 +253,7 @@ class Case:
     reader_faults: tuple
     other_faults: tuple
     stays: bool  # the reader keeps the fault until it is replaced
-    outcomes: list
-
-    def results(self):
-        """The outcomes with what reader and database hold then."""
-        return [(one, getattr(self.command, one.state) or self.command.before) for one in self.outcomes]
+    outcomes: list  # each with what reader and database hold then
 
 
 def cases_of(fault):
@@ -264,9 +264,10 @@ def cases_of(fault):
         others = [part for part in text.split() if part not in readers]
         name = re.sub("[^A-Za-z0-9]+", "-", text if word in text else f"{text}@{word}")
         outcome = outcome[word] if isinstance(outcome, dict) else outcome
+        outcomes = [(one, getattr(command, one.state) or command.before)
+                    for one in (outcome if isinstance(outcome, list) else [outcome])]
         yield Case(name, word, command, (*readers, *command.also), tuple(others),
-                   fault.is_readers and not text.endswith(":once"),
-                   outcome if isinstance(outcome, list) else [outcome])
+                   fault.is_readers and not text.endswith(":once"), outcomes)
 
 
 def all_cases():

@@ -13,7 +13,6 @@
 
 #include <QApplication>
 #include <QDateTime>
-#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -177,7 +176,6 @@ class Station final : public QObject
 public:
     Station(HostApplication& host, const QString& folder)
         : m_host(host)
-        , m_drive(folder + "/drive")
         , m_reader(folder, [this](const QString& error) {
             QTimer::singleShot(0, this, [this, error] { report({{"reader", error}}); });
         })
@@ -204,7 +202,6 @@ private:
     void observe();
 
     HostApplication& m_host;
-    const QString m_drive;
     ReaderThread m_reader;
     QTimer m_observations;
     QTimer m_seconds;
@@ -233,7 +230,8 @@ void Station::report(QJsonObject object)
 
 void Station::obey(const QString& verb, const QString& value)
 {
-    static const QStringList failures{"open", "read", "cut-read", "write", "no-space", "close", "list", "kill"};
+    static const QStringList failures{"open",  "read", "cut-read", "write", "no-space",
+                                      "close", "list", "kill",     "swap",  "slip-away"};
     HostDatabase& database = m_host.database();
     if (const int failure = failures.indexOf(verb); failure >= 0)
         FaultyFiles::fail(FaultyFiles::Failure(failure), value.section(' ', 0, 0).toInt(),
@@ -262,20 +260,6 @@ void Station::obey(const QString& verb, const QString& value)
         m_host.events().closeDiary();
     else if (verb == "diary" && database.findPatient(value))
         m_host.events().openDiary(*database.findPatient(value));
-    else if (verb == "slip-away") // between the plug-in's trigger and its reading of the status
-        FaultyFiles::onOpening([drive = m_drive](const QByteArray& path) {
-            thread_local bool hasTriggered = false;
-            if (path.endsWith("/MISCNoCommand.txt"))
-                hasTriggered = true;
-            else if (hasTriggered && path.endsWith("/STATUS.TXT"))
-                QDir().rename(drive, drive + ".away");
-        });
-    else if (verb == "swap")
-        FaultyFiles::onOpening([nth = value.toInt()](const QByteArray& path) mutable {
-            if (QThread::currentThread() == qApp->thread() && path.contains("/MISC/I") && --nth == 0)
-                if (QFile file(path); file.open(QIODevice::Append))
-                    file.write("changed");
-        });
     else
         qFatal("can't do '%s %s': %s", qPrintable(verb), qPrintable(value), qPrintable(database.errorText()));
 }
@@ -289,9 +273,7 @@ void Station::runPlugin()
         return;
     }
     m_host.pluginHost().run(component, &m_host.window());
-    const int failures = FaultyFiles::failures();
-    FaultyFiles::fail(FaultyFiles::Open, 0, {});
-    FaultyFiles::onOpening({});
+    const int failures = FaultyFiles::stop();
     // The log shows its records a little later.
     QTimer::singleShot(300, this, [this, failures] { report({{"ended", true}, {"failures", failures}}); });
 }

@@ -17,7 +17,6 @@ import shutil
 import sqlite3
 import subprocess
 import tempfile
-import xml.etree.ElementTree
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 TITLE = "Sanvio Merivo Pump Plugin"
@@ -153,12 +152,6 @@ class Station:
     def pairings(self):
         return kept_pairings(self.away if self.away.exists() else self.drive)
 
-    def listed_pairings(self):
-        """The pairings as the reader lists them for the plug-in."""
-        root = xml.etree.ElementTree.parse(self.drive / "MISC/DEVLIST.XML").getroot()
-        serials, patients = ([element.text for element in root.iter(tag)] for tag in ("SERIALNR", "PATIENT_ID"))
-        return {serial: patient for serial, patient in zip(serials, patients) if patient != "0"}
-
     def check_label(self, patient, label):
         """Checks what the main dialog shows, if it does, against what the reader keeps."""
         serials = [serial for serial, owner in self.pairings().items() if owner == patient]
@@ -256,10 +249,6 @@ class Run:
             raise Unexpected(f'expected a box "{TITLE}" with "{text}"\nseen: {self.seen()}')
         return Box(self)
 
-    def pause(self, seconds):
-        end = self.now + seconds
-        self.wait(lambda: self.now >= end, f"{seconds} s")
-
     def leave(self, yes="Yes"):
         """Answers and closes what is open until the run ends. Texts of boxes are kept."""
         while not self.ended:
@@ -293,7 +282,6 @@ class Run:
         """Checks dialog, reader and database against each other."""
         self.wait(lambda: self.label, "the main dialog")
         self.station.check_label(self.patient, self.label)
-        assert self.station.listed_pairings() == self.station.pairings()
         self.station.check_imports()
         return self
 
@@ -372,9 +360,6 @@ class Run:
                 station.drive.rename(station.away)
                 self.undo.callback(self.put_back)
                 self.replace_reader_after(value)
-            case "slip-away":
-                station.order(name)
-                self.undo.callback(self.put_back)
             case "restart":
                 self.replace_reader_after(1200)
             case "stall":  # until the plug-in has given the reader up
@@ -388,21 +373,21 @@ class Run:
                 lock = self.undo.enter_context(contextlib.closing(
                     sqlite3.connect(station.database, isolation_level=None)))
                 lock.execute("BEGIN EXCLUSIVE")
-            case "kill":
-                station.order("kill", value, station.database)
-            case "full-database":
-                station.order("no-space", value, station.database)
             case "again":
                 station.order("run")
             case "delete":
                 station.order("delete", self.patient)
                 self.undo.callback(station.order, "add", self.patient, "Doe Jane")
-            case "change" | "swap":
-                station.order(name, value or self.patient)
+            case "change":
+                station.order("change", self.patient)
             case "close-diary" | "other-diary":
                 station.order("diary", value)
-            case _:  # a failing file operation
-                station.order(name, value, station.drive)
+            case "slip-away":  # after the plug-in has written the trigger, and before it reads the status
+                station.order("slip-away", 1, station.drive / "MISC/STATUS.TXT")
+                self.undo.callback(self.put_back)
+            case _:  # the Nth operation on a file
+                path = {"kill": "db", "full-database": "db", "swap": "drive/MISC/I"}.get(name, "drive")
+                station.order(name.replace("full-database", "no-space"), value, station.folder / path)
 
     def replace_reader_after(self, milliseconds):
         if milliseconds:

@@ -105,8 +105,8 @@ def test_failing_file_operation(failure, way, make_station, request):
 def test_fault(case, make_station):
     station = make_station(case.command.pairs, case.reader_faults)
     run = carry_out(station, WAYS[case.command.way], case.other_faults)
-    matching = [one for one, result in case.results() if matches(one, result, run)]
-    expected = "\n  or ".join(f"{result}, box {one.box}, log {one.log}" for one, result in case.results())
+    matching = [one for one, result in case.outcomes if matches(one, result, run)]
+    expected = "\n  or ".join(f"{result}, box {one.box}, log {one.log}" for one, result in case.outcomes)
     failures = [record for record in run.records if not record.startswith("Trace") or "Trace ---" in record]
     assert matching, f"expected: {expected}\nseen: {station.result()}, boxes {run.boxes}, log {failures}"
     # The session doesn't know what only the reader knows. A cut status is taken for a whole one.
