@@ -234,6 +234,8 @@ private Q_SLOTS:
             host.foundPublisher = &host.publisher;
             host.foundDatabase = &host.database;
             QCOMPARE(nulls(&host), 0);
+            PatientSession::patientIdsOf("p1");
+            QVERIFY(host.journal.contains("patients('" + host.database.guid + "')"));
             host.openDiary("p1");
         }
         QVERIFY(!component);
