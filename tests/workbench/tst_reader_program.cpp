@@ -217,6 +217,7 @@ folder-status =    , 3; list-missing = BTREAD done IMV-1_0001.xml 0, 0; list-dev
             QCOMPARE(reader.log.filter(" running").isEmpty(), fault == "no-running");
             reader.answer("ABORT ", "ABORT done");
             QCOMPARE(reader.status(), QString("ABORT done  0"));
+            QVERIFY(reader.answer("BTREAD \"MV-1\"").startsWith("BTREAD done IMV-1_000"));
             QCOMPARE(reader.devices().count(' '), 3);
         }
         const QTemporaryDir folder;

@@ -112,13 +112,10 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
     }
     for (const QString& name : names) {
         std::optional<QByteArray> bytes;
-        if (!words) {
+        if (!words)
             bytes = endOf(traffic.filePath(name));
-        } else if (recordings.contains(name)) {
-            bytes = QByteArray();
-            for (const TrafficEntry& entry : recordings.take(name))
-                *bytes += trafficLine(anonymiser.anonymised(entry));
-        }
+        else if (recordings.contains(name))
+            bytes = anonymiser.recording(recordings.take(name));
         if (bytes)
             result.append({"traffic/" + name, *bytes});
         else

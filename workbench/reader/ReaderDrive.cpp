@@ -49,16 +49,6 @@ bool takeWrite(const QString& path, FileStamp* seen)
     return isWritten;
 }
 
-QString awayOf(const QString& path)
-{
-    return path + ".away";
-}
-
-QString folderAway(const QString& drivePath)
-{
-    return awayOf(drivePath + "/." + ReaderNames::Folder);
-}
-
 } // namespace
 
 ReaderDrive::ReaderDrive(const QString& path, QObject* parent)
@@ -111,37 +101,37 @@ void ReaderDrive::listen()
     m_timer.start();
 }
 
-void ReaderDrive::setStatus(const QByteArray& bytes, const StatusManner& manner)
+void ReaderDrive::setStatus(const ShownStatus& status)
 {
     // An older one that isn't seen earlier is never seen.
-    while (!m_statuses.isEmpty() && m_statuses.last().manner.triggers >= manner.triggers)
+    while (!m_statuses.isEmpty() && m_statuses.last().triggers >= status.triggers)
         m_statuses.removeLast();
-    m_statuses.append({bytes, manner});
+    m_statuses.append(status);
 }
 
 void ReaderDrive::showStatus()
 {
     if (m_statuses.isEmpty())
         return;
-    const Status newest = m_statuses.takeLast();
+    const ShownStatus newest = m_statuses.takeLast();
     m_statuses.clear();
     show(newest);
 }
 
-void ReaderDrive::show(const Status& status)
+void ReaderDrive::show(const ShownStatus& status)
 {
     const QString path = filePath(ReaderNames::Status);
     m_rest.stop();
-    if (status.manner.isFolder) {
+    if (status.isFolder) {
         QFile::remove(path);
         QDir().mkpath(path);
         return;
     }
     if (QFileInfo(path).isDir())
         QDir().rmdir(path);
-    if (status.manner.firstBytes > 0) {
+    if (status.firstBytes > 0) {
         m_halfStatus = status.bytes;
-        if (writeInPlace(path, status.bytes.left(status.manner.firstBytes)))
+        if (writeInPlace(path, status.bytes.left(status.firstBytes)))
             m_rest.start();
     } else {
         replaceFile(ReaderNames::Status, status.bytes);
@@ -205,16 +195,23 @@ bool ReaderDrive::goAway(bool wholeDrive)
     m_statuses.clear();
     // Its file goes along, where no one could remove it any more.
     m_lock->unlock();
-    const QString from = wholeDrive ? m_path : filePath();
-    const QString trouble = rename(from, wholeDrive ? awayOf(m_path) : folderAway(m_path));
-    return trouble.isEmpty() || fail(QString("%1: can't be taken away: %2").arg(from, trouble));
+    const auto [place, away] = placesOf(wholeDrive);
+    const QString trouble = rename(place, away);
+    return trouble.isEmpty() || fail(QString("%1: can't be taken away: %2").arg(place, trouble));
+}
+
+std::pair<QString, QString> ReaderDrive::placesOf(bool wholeDrive) const
+{
+    if (wholeDrive)
+        return {m_path, m_path + ".away"};
+    return {filePath(), m_path + "/." + ReaderNames::Folder + ".away"};
 }
 
 /// Undoes goAway() and block(), also those of an earlier run.
 bool ReaderDrive::comeBack(QString* error)
 {
-    const std::pair<QString, QString> places[] = {{awayOf(m_path), m_path}, {folderAway(m_path), filePath()}};
-    for (const auto& [away, place] : places) {
+    for (const bool wholeDrive : {true, false}) {
+        const auto [place, away] = placesOf(wholeDrive);
         if (!QFileInfo(away).isDir())
             continue;
         // Someone may have made the folder anew, but then nothing is in it.
@@ -259,10 +256,10 @@ void ReaderDrive::lookAtTrigger()
     if (!takeWrite(triggerPath(), &m_triggerStamp))
         return;
     int ripe = 0;
-    for (Status& status : m_statuses)
-        ripe += --status.manner.triggers <= 0;
+    for (ShownStatus& status : m_statuses)
+        ripe += --status.triggers <= 0;
     if (ripe > 0) {
-        const Status newest = m_statuses.at(ripe - 1);
+        const ShownStatus newest = m_statuses.at(ripe - 1);
         m_statuses.remove(0, ripe);
         show(newest);
     }

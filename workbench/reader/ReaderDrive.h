@@ -15,13 +15,15 @@
 #include <QVector>
 
 #include <memory>
+#include <utility>
 
-/// How a status comes to light. The defaults are those of a sound drive.
-struct StatusManner
+/// A status, and how it becomes visible. The defaults are those of a drive without a fault.
+struct ShownStatus
 {
+    QByteArray bytes;
     /// From which trigger on, counted from when it was set, the status is seen.
     int triggers = 1;
-    /// If above 0, the file is rewritten in place: that many bytes stand there for a moment before the rest follows.
+    /// If above 0, the file is rewritten in place: that many bytes are there for a moment before the rest follows.
     int firstBytes = 0;
     /// A folder takes the file's place.
     bool isFolder = false;
@@ -32,7 +34,7 @@ struct StatusManner
 /// The drive is cached. A status that is set stays with the reader until the trigger file is written the next time, so
 /// whoever reads STATUS.TXT without writing the trigger sees an old one. Every file is replaced in one step.
 ///
-/// What spoils the drive (a manner that isn't the default, block(), goAway()) is made good by open().
+/// What spoils the drive (a status with other values than the defaults, block(), goAway()) is made good by open().
 class ReaderDrive final : public QObject
 {
     Q_OBJECT
@@ -53,8 +55,8 @@ public:
     /// The path of a file in MISC, or of MISC itself.
     QString filePath(const QString& name = {}) const;
 
-    /// Keeps @p bytes as the newest status, to be shown at the next trigger.
-    void setStatus(const QByteArray& bytes, const StatusManner& manner = {});
+    /// Keeps the newest status, to be shown at the next trigger.
+    void setStatus(const ShownStatus& status);
     /// Shows the newest status at once, as a reader does that has just been connected.
     void showStatus();
     /// True if no status waits for its trigger.
@@ -84,14 +86,10 @@ Q_SIGNALS:
     void failed(const QString& error);
 
 private:
-    struct Status
-    {
-        QByteArray bytes;
-        StatusManner manner;
-    };
-
     bool comeBack(QString* error);
-    void show(const Status& status);
+    /// The path of the drive or of MISC, and the one that it has while it is away.
+    std::pair<QString, QString> placesOf(bool wholeDrive) const;
+    void show(const ShownStatus& status);
     bool writeInPlace(const QString& path, const QByteArray& bytes);
     void keepBlocked();
     void look();
@@ -105,7 +103,7 @@ private:
     QTimer m_timer;
 
     /// Those that wait for a trigger, each for a later one than its neighbour in front.
-    QVector<Status> m_statuses;
+    QVector<ShownStatus> m_statuses;
     QByteArray m_halfStatus;
     QTimer m_rest;
     QHash<QString, QDeadlineTimer> m_blocked;

@@ -20,24 +20,17 @@ const std::pair<const char*, QString Pump::*> TextFields[] = {{"serialNumber", &
                                                               {"address", &Pump::address},
                                                               {"patientId", &Pump::patientId}};
 
-void merge(const Pump& kept, QVector<Pump>* pumps)
+} // namespace
+
+void ReaderMemory::pair(const QString& serialNumber, const QString& patientId)
 {
-    // A patient has one pump at most.
-    for (Pump& pump : *pumps) {
-        if (pump.patientId == kept.patientId)
+    for (Pump& pump : pumps) {
+        if (pump.serialNumber == serialNumber)
+            pump.patientId = patientId;
+        else if (pump.patientId == patientId)
             pump.patientId.clear();
     }
-    const auto same = [&kept](const Pump& pump) {
-        return pump.serialNumber == kept.serialNumber;
-    };
-    const auto found = std::find_if(pumps->begin(), pumps->end(), same);
-    if (found != pumps->end())
-        found->patientId = kept.patientId;
-    else if (!kept.patientId.isEmpty())
-        pumps->append(kept);
 }
-
-} // namespace
 
 bool loadMemory(const QString& fileName, const QVector<Pump>& scenarioPumps, ReaderMemory* memory, QString* error)
 {
@@ -59,7 +52,12 @@ bool loadMemory(const QString& fileName, const QVector<Pump>& scenarioPumps, Rea
             kept.require("serialNumber");
             for (const auto& [name, member] : TextFields)
                 kept.text(name, &(pump.*member));
-            merge(pump, &memory->pumps);
+            const bool isKnown = std::any_of(memory->pumps.cbegin(), memory->pumps.cend(), [&pump](const Pump& other) {
+                return other.serialNumber == pump.serialNumber;
+            });
+            if (!isKnown && !pump.patientId.isEmpty())
+                memory->pumps.append(pump);
+            memory->pair(pump.serialNumber, pump.patientId);
         });
     });
     if (!errors.isEmpty())

@@ -16,6 +16,9 @@ struct ReaderMemory
     int readouts = 0;
     /// Every pump that it has ever known, with its pairing.
     QVector<Pump> pumps;
+
+    /// Pairs a pump with a patient, who has one pump at most, so that BTISPAIRED has one answer.
+    void pair(const QString& serialNumber, const QString& patientId);
 };
 
 /// Reads what an earlier run has kept in @p fileName and brings it together with the pumps of the scenario: the kept

@@ -94,7 +94,7 @@ bool ReaderSimulator::start(QString* error)
             *error = QString("there is no pump \"%1\" to pair").arg(it.key());
             return false;
         }
-        tie(it.key(), it.value());
+        pair(it.key(), it.value());
     }
     m_pairedBeforehand.clear();
     m_statusCount = 0;
@@ -156,7 +156,7 @@ void ReaderSimulator::begin(const ReaderCommand& command)
     if (std::exchange(m_isListSpoilt, false))
         writeDeviceList();
     // A code that the user hasn't answered is given up by whatever else comes.
-    if (command.kind != ReaderCommand::Kind::ConfirmPairing)
+    if (command.word != "BTPAIRCONFIRM")
         m_toConfirm.reset();
     m_active = command.word;
     m_activeFaults = m_faults.take(command.word);
@@ -174,7 +174,7 @@ void ReaderSimulator::begin(const ReaderCommand& command)
         return;
     }
 
-    const bool isVerdict = command.kind == ReaderCommand::Kind::ConfirmPairing && m_toConfirm;
+    const bool isVerdict = command.word == "BTPAIRCONFIRM" && m_toConfirm;
     const Pump* pump = find(isVerdict ? m_toConfirm->serialNumber : command.serialNumber);
     m_plan = planFor(command);
     if (pump && m_plan.failCode == 0 && pump->errors.contains(command.word)) {
@@ -302,34 +302,32 @@ ReaderSimulator::Plan ReaderSimulator::overLink(const Pump& pump, const Plan& pl
 
 ReaderSimulator::Plan ReaderSimulator::planFor(const ReaderCommand& command)
 {
-    switch (command.kind) {
-    case ReaderCommand::Kind::Search:
-        return planSearch();
-    case ReaderCommand::Kind::Pair:
-        return planPair(command);
-    case ReaderCommand::Kind::ConfirmPairing:
-        return planConfirm(command.accepted);
-    case ReaderCommand::Kind::Read:
-        return planRead(command);
-    case ReaderCommand::Kind::Reassign:
-        return planReassign(command);
-    case ReaderCommand::Kind::DeleteAddress:
-        return planDelete(command);
-    case ReaderCommand::Kind::IsPaired:
-        return {m_scenario.times.isPaired, 0, [this, patientId = command.patientId] {
-                    const auto found =
-                        std::find_if(m_memory.pumps.cbegin(), m_memory.pumps.cend(), [&](const Pump& pump) {
-                            return !patientId.isEmpty() && pump.patientId == patientId;
-                        });
-                    return found == m_memory.pumps.cend() ? NoPump : found->serialNumber;
-                }};
-    case ReaderCommand::Kind::Abort:
-        break;
-    }
+    static const QHash<QString, Plan (ReaderSimulator::*)(const ReaderCommand&)> plans{
+        {"SEARCH", &ReaderSimulator::planSearch},           {"BTPAIR", &ReaderSimulator::planPair},
+        {"BTPAIRCONFIRM", &ReaderSimulator::planConfirm},   {"BTREAD", &ReaderSimulator::planRead},
+        {"BTISPAIRED", &ReaderSimulator::planIsPaired},     {"BTDELETEADDR", &ReaderSimulator::planDelete},
+        {"BTPUMPREASSIGN", &ReaderSimulator::planReassign}, {"ABORT", &ReaderSimulator::planAbort},
+    };
+    return (this->*plans.value(command.word))(command);
+}
+
+ReaderSimulator::Plan ReaderSimulator::planAbort(const ReaderCommand& /*command*/)
+{
     return {m_scenario.times.abort, 0, {}};
 }
 
-ReaderSimulator::Plan ReaderSimulator::planSearch()
+ReaderSimulator::Plan ReaderSimulator::planIsPaired(const ReaderCommand& command)
+{
+    return {m_scenario.times.isPaired, 0, [this, patientId = command.patientId] {
+                for (const Pump& pump : qAsConst(m_memory.pumps)) {
+                    if (!patientId.isEmpty() && pump.patientId == patientId)
+                        return pump.serialNumber;
+                }
+                return NoPump;
+            }};
+}
+
+ReaderSimulator::Plan ReaderSimulator::planSearch(const ReaderCommand& /*command*/)
 {
     return {m_scenario.times.search, 0, [this] {
                 m_seen.clear();
@@ -363,12 +361,12 @@ ReaderSimulator::Plan ReaderSimulator::planPair(const ReaderCommand& command)
                             }});
 }
 
-ReaderSimulator::Plan ReaderSimulator::planConfirm(bool accepted)
+ReaderSimulator::Plan ReaderSimulator::planConfirm(const ReaderCommand& command)
 {
     const std::optional<ReaderCommand> pairing = std::exchange(m_toConfirm, std::nullopt);
     if (!pairing)
         return {m_scenario.times.confirm, NothingToConfirm, {}};
-    if (!accepted)
+    if (!command.accepted)
         return {m_scenario.times.confirm, 0, {}};
 
     const Pump& pump = *find(pairing->serialNumber);
@@ -380,7 +378,7 @@ ReaderSimulator::Plan ReaderSimulator::planConfirm(bool accepted)
     if (pump.user == PumpUser::WalksAway)
         return overLink(pump, {pump.userTakesMs, LinkLost, {}});
     return overLink(pump, {pump.userTakesMs + m_scenario.times.confirm, 0, [this, pairing] {
-                               tie(pairing->serialNumber, pairing->patientId);
+                               pair(pairing->serialNumber, pairing->patientId);
                                return pairing->serialNumber;
                            }});
 }
@@ -455,7 +453,7 @@ ReaderSimulator::Plan ReaderSimulator::planReassign(const ReaderCommand& command
     if (pump->patientId.isEmpty())
         return {m_scenario.times.reassign, NotPaired, {}};
     return {m_scenario.times.reassign, 0, [this, command] {
-                tie(command.serialNumber, command.patientId);
+                pair(command.serialNumber, command.patientId);
                 return command.serialNumber;
             }};
 }
@@ -465,7 +463,7 @@ ReaderSimulator::Plan ReaderSimulator::planDelete(const ReaderCommand& command)
     if (!find(command.serialNumber))
         return {m_scenario.times.remove, PumpNotFound, {}};
     return {m_scenario.times.remove, 0, [this, serialNumber = command.serialNumber] {
-                tie(serialNumber, {});
+                pair(serialNumber, {});
                 return serialNumber;
             }};
 }
@@ -477,15 +475,9 @@ Pump* ReaderSimulator::find(const QString& serialNumber)
     return found == m_memory.pumps.end() ? nullptr : found;
 }
 
-void ReaderSimulator::tie(const QString& serialNumber, const QString& patientId)
+void ReaderSimulator::pair(const QString& serialNumber, const QString& patientId)
 {
-    // A patient has one pump at most, so BTISPAIRED has one answer.
-    for (Pump& pump : m_memory.pumps) {
-        if (pump.serialNumber == serialNumber)
-            pump.patientId = patientId;
-        else if (pump.patientId == patientId)
-            pump.patientId.clear();
-    }
+    m_memory.pair(serialNumber, patientId);
     if (keepMemory())
         writeDeviceList();
 }
@@ -546,13 +538,13 @@ void ReaderSimulator::setStatus(const QString& command, const QString& word, con
     if (m_activeFaults.contains("empty-status"))
         text.clear();
     if (!m_activeFaults.contains("stale-status")) {
-        StatusManner manner;
-        manner.triggers = m_activeFaults.value("stale-until", "1").toInt();
-        manner.firstBytes = m_activeFaults.value("half-status").toInt();
-        manner.isFolder = m_activeFaults.contains("folder-status");
-        m_isStatusSpoilt = text.isEmpty() || manner.isFolder;
+        ShownStatus status{text};
+        status.triggers = m_activeFaults.value("stale-until", "1").toInt();
+        status.firstBytes = m_activeFaults.value("half-status").toInt();
+        status.isFolder = m_activeFaults.contains("folder-status");
+        m_isStatusSpoilt = text.isEmpty() || status.isFolder;
         m_status = text;
-        m_drive.setStatus(text, manner);
+        m_drive.setStatus(status);
     }
     Q_EMIT logged(QString("%1 %2, result \"%3\", error %4").arg(command, shownWord, result).arg(error));
 }

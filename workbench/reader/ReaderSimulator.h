@@ -31,7 +31,7 @@ public:
     /// listens. False with a sentence for the user if the kept pairings can't be read or written.
     bool start(QString* error);
 
-    /// Ties a pump to a patient before start(), whatever the scenario or an earlier run says.
+    /// Pairs a pump with a patient at start(), whatever the scenario or an earlier run says.
     void pairBeforehand(const QString& serialNumber, const QString& patientId);
 
 Q_SIGNALS:
@@ -64,18 +64,20 @@ private:
 
     static Plan overLink(const Pump& pump, const Plan& plan);
     Plan planFor(const ReaderCommand& command);
-    Plan planSearch();
+    Plan planSearch(const ReaderCommand& command);
     Plan planPair(const ReaderCommand& command);
-    Plan planConfirm(bool accepted);
+    Plan planConfirm(const ReaderCommand& command);
     Plan planRead(const ReaderCommand& command);
-    Plan planReassign(const ReaderCommand& command);
+    Plan planIsPaired(const ReaderCommand& command);
     Plan planDelete(const ReaderCommand& command);
+    Plan planReassign(const ReaderCommand& command);
+    Plan planAbort(const ReaderCommand& command);
     QString publishExchangeFile(const Pump& pump);
     void growExchangeFile();
     bool keepMemory();
 
     Pump* find(const QString& serialNumber);
-    void tie(const QString& serialNumber, const QString& patientId);
+    void pair(const QString& serialNumber, const QString& patientId);
     void writeDeviceList();
     void writeFirmwareLogs(const QString& version);
     void showFirstStatus();

@@ -80,7 +80,7 @@ void TrafficReplay::playNext()
         return;
     const std::optional<QByteArray> content = entry.content();
     if (entry.isStatus() && content)
-        m_drive.setStatus(*content);
+        m_drive.setStatus({*content});
     else if (content)
         m_drive.replaceFile(entry.name(), *content);
     else

@@ -13,8 +13,6 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QDir>
-#include <QFile>
 #include <QTextStream>
 
 #include <limits>
@@ -75,14 +73,6 @@ int scenarioFor(const CommandLine& line, Scenario* scenario)
     return Success;
 }
 
-/// Writes a line of what happens, with the time. Reports it if the log can't be written any more.
-void writeLog(LogFile& log, const QString& text)
-{
-    const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
-    if (!log.write(QString("%1 %2\n").arg(time, text).toUtf8()))
-        complain(Failure, log.errorText());
-}
-
 /// Returns a status if options contradict each other.
 std::optional<int> checkCall(const CommandLine& line)
 {
@@ -109,14 +99,18 @@ int serve(const QString& announcement)
     return QCoreApplication::exec();
 }
 
-/// Logs what the simulator or the replay does, and ends the program with the first failure.
+/// Logs with the time what the simulator or the replay does, and ends the program with the first failure.
 template <class Reader>
 void observe(const Reader& reader, LogFile& log)
 {
+    QObject::connect(&reader, &Reader::logged, qApp, [&log](const QString& text) {
+        const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
+        if (!log.write(QString("%1 %2\n").arg(time, text).toUtf8()))
+            complain(Failure, log.errorText());
+    });
     const auto giveUp = [](const QString& error) {
         QCoreApplication::exit(complain(Failure, error));
     };
-    QObject::connect(&reader, &Reader::logged, qApp, [&log](const QString& text) { writeLog(log, text); });
     QObject::connect(&reader, &Reader::failed, qApp, giveUp, Qt::QueuedConnection);
 }
 

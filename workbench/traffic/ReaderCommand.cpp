@@ -13,21 +13,20 @@ const QString Begin = "QD17-C RemoteControl File\nCommand=";
 
 struct CommandForm
 {
-    ReaderCommand::Kind kind;
     const char* word;
     const char* arguments; ///< follow the name and one blank; words in capitals stand for values
 };
 
 const CommandForm Forms[] = {
-    {ReaderCommand::Kind::Search, "SEARCH", "00100"},
-    {ReaderCommand::Kind::Pair, "BTPAIR", "ADDRESS \"SERIAL\" PATIENT"},
-    {ReaderCommand::Kind::ConfirmPairing, "BTPAIRCONFIRM", "0|1"},
-    {ReaderCommand::Kind::Read, "BTREAD", "\"SERIAL\""},
-    {ReaderCommand::Kind::IsPaired, "BTISPAIRED", "PATIENT"},
+    {"SEARCH", "00100"},
+    {"BTPAIR", "ADDRESS \"SERIAL\" PATIENT"},
+    {"BTPAIRCONFIRM", "0|1"},
+    {"BTREAD", "\"SERIAL\""},
+    {"BTISPAIRED", "PATIENT"},
     // The one command with a blank of its own in front of the quote, two in all.
-    {ReaderCommand::Kind::DeleteAddress, "BTDELETEADDR", " \"SERIAL\""},
-    {ReaderCommand::Kind::Reassign, "BTPUMPREASSIGN", "\"SERIAL\" PATIENT"},
-    {ReaderCommand::Kind::Abort, "ABORT", ""},
+    {"BTDELETEADDR", " \"SERIAL\""},
+    {"BTPUMPREASSIGN", "\"SERIAL\" PATIENT"},
+    {"ABORT", ""},
 };
 
 const CommandForm* formOf(const QString& word)
@@ -69,7 +68,6 @@ std::optional<ReaderCommand> parseCommandFile(const QByteArray& bytes, QString* 
     if (!form)
         return refuse(QString("unknown command \"%1\"").arg(command.word));
     const auto match = patternOf(form->arguments).match(given.mid(command.word.size() + 1));
-    command.kind = form->kind;
     command.serialNumber = match.captured("SERIAL");
     command.address = match.captured("ADDRESS");
     command.patientId = match.captured("PATIENT");

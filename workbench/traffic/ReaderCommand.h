@@ -10,18 +10,6 @@
 /// One command as the reader understood it. Values that the command doesn't carry are empty.
 struct ReaderCommand
 {
-    enum class Kind {
-        Search,
-        Pair,
-        ConfirmPairing,
-        Read,
-        IsPaired,
-        DeleteAddress,
-        Reassign,
-        Abort,
-    };
-
-    Kind kind = Kind::Abort;
     QString word;
     QString serialNumber;
     QString address;

@@ -3,7 +3,6 @@
 #include "workbench/traffic/Traffic.h"
 
 #include "workbench/support/JsonFields.h"
-#include "workbench/traffic/ReaderNames.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -58,24 +57,9 @@ QByteArray TrafficFiller::bytes() const
     return line.repeated(size / line.size() + 1).left(size);
 }
 
-std::optional<QByteArray> TrafficEntry::content() const
-{
-    return filler ? std::make_optional(filler->bytes()) : bytes;
-}
-
 QString TrafficEntry::name() const
 {
     return file.startsWith(InFolder) ? file.mid(InFolder.size()) : QString();
-}
-
-bool TrafficEntry::isCommand() const
-{
-    return name() == ReaderNames::Command;
-}
-
-bool TrafficEntry::isStatus() const
-{
-    return name() == ReaderNames::Status;
 }
 
 bool isExchangeName(const QString& name)

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "workbench/traffic/ReaderNames.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -30,10 +32,10 @@ struct TrafficEntry
     std::optional<TrafficFiller> filler;
 
     /// The content, or what stands in its place.
-    std::optional<QByteArray> content() const;
+    std::optional<QByteArray> content() const { return filler ? filler->bytes() : bytes; }
 
-    bool isCommand() const;
-    bool isStatus() const;
+    bool isCommand() const { return name() == ReaderNames::Command; }
+    bool isStatus() const { return name() == ReaderNames::Status; }
     /// The name within MISC.
     QString name() const;
 };

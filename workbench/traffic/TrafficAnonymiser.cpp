@@ -3,7 +3,6 @@
 #include "workbench/traffic/TrafficAnonymiser.h"
 
 #include "workbench/traffic/ReaderCommand.h"
-#include "workbench/traffic/ReaderNames.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -112,8 +111,7 @@ QString TrafficAnonymiser::command(const QString& text)
         return m_words.scrub(text, Numbers::Hide);
     for (const QString& value : {given->serialNumber, given->address, given->patientId})
         hide(value);
-    const bool isConstant =
-        given->kind == ReaderCommand::Kind::Search || given->kind == ReaderCommand::Kind::ConfirmPairing;
+    const bool isConstant = given->word == "SEARCH" || given->word == "BTPAIRCONFIRM";
     const int at = text.indexOf(' ', text.indexOf('='));
     return isConstant ? text : text.left(at) + m_words.hide(text.mid(at));
 }
@@ -186,6 +184,14 @@ QString TrafficAnonymiser::firmwareLog(const QString& text)
     return lines.join('\n');
 }
 
+QByteArray TrafficAnonymiser::recording(const QVector<TrafficEntry>& entries)
+{
+    QByteArray lines;
+    for (const TrafficEntry& entry : entries)
+        lines += trafficLine(anonymised(entry));
+    return lines;
+}
+
 bool anonymiseRecording(const QString& from, const QString& to, QStringList* errors)
 {
     const std::optional<QVector<TrafficEntry>> entries = loadTraffic(from, errors);
@@ -193,14 +199,10 @@ bool anonymiseRecording(const QString& from, const QString& to, QStringList* err
         return false;
     TrafficAnonymiser anonymiser;
     anonymiser.learn(*entries);
+    const QByteArray lines = anonymiser.recording(*entries);
     QFile file(to);
-    bool isWhole = file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
-    const bool isOurs = isWhole;
-    for (auto entry = entries->cbegin(); isWhole && entry != entries->cend(); ++entry) {
-        const QByteArray line = trafficLine(anonymiser.anonymised(*entry));
-        isWhole = file.write(line) == line.size();
-    }
-    if (isWhole && file.flush())
+    const bool isOurs = file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+    if (isOurs && file.write(lines) == lines.size() && file.flush())
         return true;
     errors->append(to + ": " + file.errorString());
     if (isOurs)

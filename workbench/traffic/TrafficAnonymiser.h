@@ -16,11 +16,13 @@ class TrafficAnonymiser final
 public:
     /// Makes the anonymiser know what commands, statuses, device lists and file names identify. All recordings first.
     void learn(const QVector<TrafficEntry>& entries);
-    TrafficEntry anonymised(const TrafficEntry& entry);
+    /// Returns the lines of a recording.
+    QByteArray recording(const QVector<TrafficEntry>& entries);
 
     Anonymiser& words() { return m_words; }
 
 private:
+    TrafficEntry anonymised(const TrafficEntry& entry);
     QString hide(const QString& value);
     QString form(const QString& text);
     QString nameOf(const QString& name);
