@@ -98,7 +98,7 @@ private Q_SLOTS:
         const std::tuple<const char*, const char*, const char*, const char*> rows[] = {
             {"de_DE", "de_DE", "1*5*5", "1,5*5"}, {"de_DE", "de_DE", "#5", ",5"},
             {"en_GB", "fr_CH", "1.5*5", "1.5,5"}, {"fr_CH", "fr_CH", "1.5\u202f", "1.5,"},
-            {"de_DE", "en_GB", "1.5,", "1.5."},   {"ar_EG", "ar_EG", "1٬5", "1٫5"},
+            {"de_DE", "en_GB", "1.5,", "1.5."},   {"fa_IR", "de_DE", "1٫5", "1,5"},
             {"de_DE", "de_DE", "Off1", "Off1"},   {"de_DE", "de_DE", "off1.off5", "1,5"},
         };
         int position = 0;
