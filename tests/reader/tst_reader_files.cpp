@@ -6,7 +6,7 @@
 #include "reader/ErrorHandler.h"
 #include "reader/StatusFileParser.h"
 #include "reader/UsbDeviceAdapter.h"
-#include "support/BoxAnswerer.h"
+#include "support/ModalUser.h"
 #include "support/MessageCapture.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"

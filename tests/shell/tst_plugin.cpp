@@ -9,7 +9,7 @@
 #include "reader/CommandFileWriter.h"
 #include "reader/CommandStatus.h"
 #include "reader/StatusFileParser.h"
-#include "support/BoxAnswerer.h"
+#include "support/ModalUser.h"
 #include "support/MessageCapture.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"

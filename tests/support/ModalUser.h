@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QMap>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
 
@@ -35,3 +36,41 @@ QMap<QString, QPushButton*> pressableButtons(const QWidget& window);
 /// Clicks one of the pressableButtons(), if there is one of that name, and returns whether there is. The click is
 /// queued, so that it doesn't block the caller while a window that it opens is shown.
 bool pressButton(const QWidget& window, const QString& name);
+
+/// Answers the message boxes that are opened while it exists, and records what they showed.
+class BoxAnswerer final
+{
+public:
+    struct Box
+    {
+        QMessageBox::Icon icon;
+        QString title;
+        QString text;
+        QMessageBox::StandardButtons buttons;
+        QWidget* parent;
+        QSize size;
+    };
+
+    /// Each message box gets a line "box|title|text" in @p journal, if given, at the moment when it is seen.
+    explicit BoxAnswerer(QStringList* journal = nullptr)
+        : m_user([this, journal](QWidget& modal) {
+            auto* box = qobject_cast<QMessageBox*>(&modal);
+            if (!box)
+                return;
+            seen.append({box->icon(), box->windowTitle(), box->text(), box->standardButtons(), box->parentWidget(),
+                         box->size()});
+            if (journal)
+                journal->append("box|" + box->windowTitle() + '|' + box->text());
+            const auto given = std::exchange(answer, QMessageBox::NoButton);
+            QAbstractButton* button = box->button(given);
+            (button ? button : box->buttons().constFirst())->click();
+        })
+    {}
+
+    /// The button to press in the next message box; without it the first one.
+    QMessageBox::StandardButton answer = QMessageBox::NoButton;
+    QList<Box> seen;
+
+private:
+    ModalUser m_user;
+};
