@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "reader/CommandWord.h"
+#include "reader/AtomicString.h"
 
 #include <QObject>
 
@@ -42,7 +42,7 @@ public:
     const QString m_path;
     /// The word of the last submission, set before its file is opened; empty before the first one and after one whose
     /// file couldn't be opened. The polling thread reads it.
-    CommandWord m_lastCommand;
+    AtomicString m_lastCommand;
 
 private:
     explicit CommandFileWriter(const QString& drivePath);
