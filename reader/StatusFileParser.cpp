@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "reader/StatusFileParser.h"
 
-#include "plugin/session/HandOver.h"
 #include "plugin/session/LogChannels.h"
+#include "plugin/session/QueuedCall.h"
 #include "reader/CommandFileWriter.h"
 
 #include <QCoreApplication>
@@ -51,7 +51,7 @@ StatusFileParser::StatusFileParser(const QString& drivePath)
 {
     logTrace(QStringLiteral("Status file parser initialized."), m_path);
     moveToThread(&m_thread);
-    startWorker(m_thread, QThread::InheritPriority);
+    startThread(m_thread, QThread::InheritPriority);
     connect(this, &StatusFileParser::pollingRequested, this, &StatusFileParser::prepareRun, Qt::QueuedConnection);
 
     // A diagnostic alone: drives don't reliably tell of changes, so nothing hangs on it.
@@ -68,7 +68,7 @@ StatusFileParser::~StatusFileParser()
 {
     logTrace(QStringLiteral("Status file parser finishing."), m_path);
     s_instance = nullptr;
-    joinWorker(m_thread);
+    quitAndWait(m_thread);
     logTrace(QStringLiteral("Status file parser finished."), m_path);
 
     // On Linux the kernel blocks for up to 25 ms if a watcher is deleted right after its paths are removed. The slot is
@@ -91,7 +91,7 @@ void StatusFileParser::start(int timeoutSec, int startingSec, int delayMs)
     logTrace(QStringLiteral("=== Observer start requested (in %1 msec).").arg(delayMs));
 
     // Directly ahead of the request, and so in place when the run begins.
-    handOver(this, [this, snapshot] { m_snapshot = snapshot; });
+    invokeQueued(this, [this, snapshot] { m_snapshot = snapshot; });
     Q_EMIT pollingRequested(timeoutSec, startingSec, delayMs);
 }
 
@@ -254,7 +254,7 @@ void StatusFileParser::setLatest(const StatusRecord& record)
     if (record == m_latest)
         return;
     m_latest = record;
-    handOver(&m_guiSide, [this, record] { m_lastStatus = record; });
+    invokeQueued(&m_guiSide, [this, record] { m_lastStatus = record; });
 }
 
 /// Whether the latest status is new and speaks of the command that was submitted last, in any letter case.

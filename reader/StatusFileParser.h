@@ -19,8 +19,8 @@
 /// submitted last. The time base is the wall clock: setting the clock moves the limits.
 ///
 /// The object is made, used and deleted on the GUI thread; its signals come from the worker thread and reach objects of
-/// the GUI thread queued. No lock exists: values cross between the two by handOver(), as an atomic, or as a signal's
-/// own number.
+/// the GUI thread queued. No lock exists: values cross between the two by invokeQueued(), as an atomic, or as a
+/// signal's own number.
 class StatusFileParser final : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,7 @@
 #include "plugin/session/Logger.h"
 
 #include "host/IServices.h"
-#include "plugin/session/HandOver.h"
+#include "plugin/session/QueuedCall.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -86,7 +86,7 @@ void Logger::write(const QString& message, const QString& channel, const QString
         return;
 
     if (QThread::currentThread() != thread()) {
-        handOver(this, [this, message, channel, detail1, detail2] {
+        invokeQueued(this, [this, message, channel, detail1, detail2] {
             m_services->logLine(m_plugin, channel, message, detail1, detail2);
         });
         return;
