@@ -16,7 +16,7 @@
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
 #include "reader/MessageBoxes.h"
-#include "reader/RunEnd.h"
+#include "reader/PollingResult.h"
 #include "toolkit/LmIcons.h"
 #include "toolkit/LmWidgets.h"
 
@@ -119,13 +119,13 @@ void MainDialog::prepareReader()
     }
 
     CommandFileWriter::instance()->abort();
-    awaitRunEnd(this, &MainDialog::onPrepareFinished);
+    connectFinished(this, &MainDialog::onPrepareFinished);
     parser->start(QueryTimeoutSec, 0, 0);
 }
 
 void MainDialog::onPrepareFinished(bool success)
 {
-    const CommandStatus status = takeRunEnd(this, &MainDialog::onPrepareFinished).status;
+    const CommandStatus status = takeResult(this, &MainDialog::onPrepareFinished).status;
 
     if (!success)
         logFailure(QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: not executed."));
@@ -143,7 +143,7 @@ void MainDialog::queryPairedPump()
 {
     if (rejectIfDiaryChanged())
         return;
-    awaitRunEnd(this, &MainDialog::onPairedPumpQueryFinished);
+    connectFinished(this, &MainDialog::onPairedPumpQueryFinished);
     PatientSession::instance()->setPump({}, {});
     CommandFileWriter::instance()->isPaired(PatientSession::instance()->patientId());
     ++m_queryCount;
@@ -155,7 +155,7 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
 {
     // From the first answer on a silent reader is the business of the pump dialogs.
     disconnect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout);
-    const StatusRecord record = takeRunEnd(this, &MainDialog::onPairedPumpQueryFinished);
+    const StatusRecord record = takeResult(this, &MainDialog::onPairedPumpQueryFinished);
     if (rejectIfDiaryChanged())
         return;
 

@@ -10,7 +10,7 @@
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/MessageBoxes.h"
-#include "reader/RunEnd.h"
+#include "reader/PollingResult.h"
 #include "workflows/AddPumpControl.h"
 
 #include <QPushButton>
@@ -216,7 +216,7 @@ void PumpAddDialog::stopSearch()
     StatusFileParser::instance()->cancel();
     CommandFileWriter::instance()->abort();
     callLater(PauseAfterAbortMs, this, [this] {
-        awaitRunEnd(this, &PumpAddDialog::onAbortFinished);
+        connectFinished(this, &PumpAddDialog::onAbortFinished);
         StatusFileParser::instance()->start(20, 10, 5);
     });
 }
@@ -224,7 +224,7 @@ void PumpAddDialog::stopSearch()
 void PumpAddDialog::onAbortFinished(bool success)
 {
     m_busyMovie.stop();
-    takeRunEnd(this, &PumpAddDialog::onAbortFinished);
+    takeResult(this, &PumpAddDialog::onAbortFinished);
     connect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
     if (!success)
         warnUser(tr("Something is wrong with the devicereader. Please reconnect it to the PC."));

@@ -8,7 +8,7 @@
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
-#include "reader/RunEnd.h"
+#include "reader/PollingResult.h"
 
 #include <QSet>
 
@@ -38,7 +38,7 @@ AddPumpControl::AddPumpControl(IServices* services, IDatabase* database, QObject
 void AddPumpControl::startPairingSearch()
 {
     StatusFileParser* parser = StatusFileParser::instance();
-    awaitRunEnd(this, &AddPumpControl::onPairingSearchFinished);
+    connectFinished(this, &AddPumpControl::onPairingSearchFinished);
     connect(parser, &StatusFileParser::progress, this, &AddPumpControl::onPairingSearchProgress, Qt::QueuedConnection);
     onPairingSearchProgress(0);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing search."));
@@ -55,7 +55,7 @@ void AddPumpControl::onPairingSearchFinished(bool success)
 {
     disconnect(StatusFileParser::instance(), &StatusFileParser::progress, this,
                &AddPumpControl::onPairingSearchProgress);
-    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onPairingSearchFinished);
+    const StatusRecord record = takeResult(this, &AddPumpControl::onPairingSearchFinished);
 
     if (!success) {
         logFailure(QStringLiteral("=!= [Add Controller] Pairing search failed."));
@@ -126,7 +126,7 @@ void AddPumpControl::startPairing(int row)
         return;
     const DeviceInfo& device = m_devices.at(row);
     m_serialNumber = device.serialNumber;
-    awaitRunEnd(this, &AddPumpControl::onPairingProcessFinished);
+    connectFinished(this, &AddPumpControl::onPairingProcessFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing process: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->pair(device.btAddress, m_serialNumber, PatientSession::instance()->patientId());
     StatusFileParser::instance()->start(120, 0, 0);
@@ -134,7 +134,7 @@ void AddPumpControl::startPairing(int row)
 
 void AddPumpControl::onPairingProcessFinished(bool success)
 {
-    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onPairingProcessFinished);
+    const StatusRecord record = takeResult(this, &AddPumpControl::onPairingProcessFinished);
     const int status = int(record.status);
 
     if (!success) {
@@ -154,7 +154,8 @@ void AddPumpControl::onPairingProcessFinished(bool success)
 
 void AddPumpControl::startPairingConfirm(bool confirm)
 {
-    awaitRunEnd(this, confirm ? &AddPumpControl::onPairingConfirmFinished : &AddPumpControl::onPairingDeclineFinished);
+    connectFinished(this,
+                    confirm ? &AddPumpControl::onPairingConfirmFinished : &AddPumpControl::onPairingDeclineFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing confirm: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->confirmPairing(confirm);
     StatusFileParser::instance()->start(60, 0, 0);
@@ -162,7 +163,7 @@ void AddPumpControl::startPairingConfirm(bool confirm)
 
 void AddPumpControl::onPairingConfirmFinished(bool success)
 {
-    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onPairingConfirmFinished);
+    const StatusRecord record = takeResult(this, &AddPumpControl::onPairingConfirmFinished);
     const int status = int(record.status);
 
     if (!success) {
@@ -186,7 +187,7 @@ void AddPumpControl::onPairingConfirmFinished(bool success)
 
 void AddPumpControl::onPairingDeclineFinished(bool success)
 {
-    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onPairingDeclineFinished);
+    const StatusRecord record = takeResult(this, &AddPumpControl::onPairingDeclineFinished);
 
     if (!success) {
         logFailure(QStringLiteral("=!= [Add Controller] Pairing decline failed."));
@@ -203,7 +204,7 @@ void AddPumpControl::startReassign(int row)
     if (row < 0 || row >= m_devices.size())
         return;
     m_serialNumber = m_devices.at(row).serialNumber;
-    awaitRunEnd(this, &AddPumpControl::onReassignFinished);
+    connectFinished(this, &AddPumpControl::onReassignFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start Reassign process: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->reassign(m_serialNumber, PatientSession::instance()->patientId());
     StatusFileParser::instance()->start(30, 0, 0);
@@ -211,7 +212,7 @@ void AddPumpControl::startReassign(int row)
 
 void AddPumpControl::onReassignFinished(bool success)
 {
-    const StatusRecord record = takeRunEnd(this, &AddPumpControl::onReassignFinished);
+    const StatusRecord record = takeResult(this, &AddPumpControl::onReassignFinished);
     const int status = int(record.status);
 
     if (!success) {

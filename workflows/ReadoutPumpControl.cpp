@@ -8,7 +8,7 @@
 #include "reader/DeviceList.h"
 #include "reader/ErrorHandler.h"
 #include "reader/MessageBoxes.h"
-#include "reader/RunEnd.h"
+#include "reader/PollingResult.h"
 
 #include <QDir>
 
@@ -20,7 +20,7 @@ ReadoutPumpControl::ReadoutPumpControl(QObject* parent)
 
 void ReadoutPumpControl::startSearching(const QString& serialNumber)
 {
-    awaitRunEnd(this, &ReadoutPumpControl::onSearchingFinished);
+    connectFinished(this, &ReadoutPumpControl::onSearchingFinished);
     m_serialNumber = serialNumber;
     logTrace(QStringLiteral("<== [Read Controller] Start searching: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->search();
@@ -29,7 +29,7 @@ void ReadoutPumpControl::startSearching(const QString& serialNumber)
 
 void ReadoutPumpControl::onSearchingFinished(bool success)
 {
-    const StatusRecord record = takeRunEnd(this, &ReadoutPumpControl::onSearchingFinished);
+    const StatusRecord record = takeResult(this, &ReadoutPumpControl::onSearchingFinished);
 
     // A cancelled search is told as such, whatever the run's outcome.
     if (record.status == CommandStatus::Canceled) {
@@ -70,7 +70,7 @@ void ReadoutPumpControl::onSearchingFinished(bool success)
 void ReadoutPumpControl::startReadout(const QString& serialNumber)
 {
     StatusFileParser* parser = StatusFileParser::instance();
-    awaitRunEnd(this, &ReadoutPumpControl::onReadoutFinished);
+    connectFinished(this, &ReadoutPumpControl::onReadoutFinished);
     connect(parser, &StatusFileParser::progress, this, &ReadoutPumpControl::onReadoutProgress, Qt::QueuedConnection);
     // Ahead of the new serial number: the opening report still carries the earlier one.
     onReadoutProgress(0);
@@ -88,7 +88,7 @@ void ReadoutPumpControl::onReadoutProgress(int percentage)
 void ReadoutPumpControl::onReadoutFinished(bool success)
 {
     disconnect(StatusFileParser::instance(), &StatusFileParser::progress, this, &ReadoutPumpControl::onReadoutProgress);
-    const StatusRecord record = takeRunEnd(this, &ReadoutPumpControl::onReadoutFinished);
+    const StatusRecord record = takeResult(this, &ReadoutPumpControl::onReadoutFinished);
 
     if (record.status == CommandStatus::Canceled) {
         logFailure(QStringLiteral("=!= [Read Controller] Readout canceled: error='%1'.").arg(record.error));

@@ -6,7 +6,7 @@
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
-#include "reader/RunEnd.h"
+#include "reader/PollingResult.h"
 
 RemovePumpControl::RemovePumpControl(QObject* parent)
     : QObject(parent)
@@ -14,7 +14,7 @@ RemovePumpControl::RemovePumpControl(QObject* parent)
 
 void RemovePumpControl::startRemoving()
 {
-    awaitRunEnd(this, &RemovePumpControl::onRemovingFinished);
+    connectFinished(this, &RemovePumpControl::onRemovingFinished);
     const QString serialNumber = PatientSession::instance()->pumpSerialNumber();
     logTrace(QStringLiteral("<== [Remove Controller] Start removing: snr='%1'.").arg(serialNumber));
     CommandFileWriter::instance()->deleteAddress(serialNumber);
@@ -23,7 +23,7 @@ void RemovePumpControl::startRemoving()
 
 void RemovePumpControl::onRemovingFinished(bool success)
 {
-    const StatusRecord record = takeRunEnd(this, &RemovePumpControl::onRemovingFinished);
+    const StatusRecord record = takeResult(this, &RemovePumpControl::onRemovingFinished);
 
     if (!success) {
         logFailure(QStringLiteral("=!= [Remove Controller] Removing failed."));
