@@ -11,7 +11,7 @@
 #include "dialogs/PumpRemoveDialog.h"
 #include "host/IDatabase.h"
 #include "host/IServices.h"
-#include "plugin/session/LogChannels.h"
+#include "plugin/session/Logger.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"

@@ -5,7 +5,7 @@
 #include "commands/CommandController.h"
 #include "dialogs/MainDialog.h"
 #include "plugin/MerivoConnectionsPlugin.h"
-#include "plugin/session/LogChannels.h"
+#include "plugin/session/Logger.h"
 #include "plugin/session/PatientSession.h"
 #include "plugin/session/SessionWatch.h"
 #include "reader/CommandFileWriter.h"

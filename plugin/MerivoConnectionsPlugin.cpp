@@ -9,7 +9,7 @@
 #include "host/IExtensionRegistry.h"
 #include "host/IServices.h"
 #include "plugin/MerivoConnectionsComponent.h"
-#include "plugin/session/LogChannels.h"
+#include "plugin/session/Logger.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandStatus.h"
 #include "toolkit/LmTranslator.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/DeviceList.h"
 
-#include "plugin/session/LogChannels.h"
+#include "plugin/session/Logger.h"
 #include "plugin/session/PatientSession.h"
 
 #include <QBuffer>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/ErrorHandler.h"
 
-#include "plugin/session/LogChannels.h"
+#include "plugin/session/Logger.h"
 #include "reader/MessageBoxes.h"
 
 #include <algorithm>

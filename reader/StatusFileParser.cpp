@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/StatusFileParser.h"
 
-#include "plugin/session/LogChannels.h"
+#include "plugin/session/Logger.h"
 #include "plugin/session/QueuedCall.h"
 #include "reader/CommandFileWriter.h"
 

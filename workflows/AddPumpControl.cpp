@@ -4,7 +4,7 @@
 
 #include "host/IDatabase.h"
 #include "host/IServices.h"
-#include "plugin/session/LogChannels.h"
+#include "plugin/session/Logger.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"

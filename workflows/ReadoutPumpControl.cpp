@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "workflows/ReadoutPumpControl.h"
 
-#include "plugin/session/LogChannels.h"
+#include "plugin/session/Logger.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/DeviceList.h"

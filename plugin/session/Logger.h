@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 
 class IPlugin;
 class IServices;
@@ -41,3 +42,15 @@ private:
     IPlugin* m_plugin;
     IServices* m_services;
 };
+
+/// Writes a record of normal operation on the channel "mcp". See Logger::write().
+inline void logTrace(const QString& message, const QString& detail2 = {})
+{
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("mcp"), {}, detail2);
+}
+
+/// Writes a record of a failure on the channel "err". See Logger::write().
+inline void logFailure(const QString& message, const QString& detail2 = {})
+{
+    Logger::instance(nullptr, nullptr)->write(message, QStringLiteral("err"), {}, detail2);
+}
