@@ -41,7 +41,7 @@ void checkStatus(const Pump& pump)
     const QByteArray bytes = statusText(status);
     QTextStream stream(bytes);
     stream.setCodec("UTF-8");
-    require(StatusRecord::fromText(stream).result == pump.confirmationCode, "the status has the code");
+    require(StatusRecord::parse(stream).result == pump.confirmationCode, "the status has the code");
 }
 
 void checkPump(const Pump& pump)

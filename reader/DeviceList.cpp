@@ -16,16 +16,20 @@
 namespace {
 
 /// No reader knows as many pumps: 10,000 take 3 MiB. The rest isn't read.
-constexpr qint64 MaxListSize = 8LL * 1024 * 1024;
+constexpr qint64 MaxListBytes = 8LL * 1024 * 1024;
+
+bool hasTextAt(const QByteArray& list, int position, const char* text)
+{
+    return qstrncmp(list.constData() + position, text, qstrlen(text)) == 0;
+}
 
 /// Returns the end of the comment, CDATA section or processing instruction that begins at @p begin; 0 if none does.
 int endOfPlainSection(const QByteArray& list, int begin)
 {
     static constexpr const char* Sections[][2] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
     for (const auto& [first, last] : Sections) {
-        const int length = static_cast<int>(qstrlen(first));
-        if (qstrncmp(list.constData() + begin, first, qstrlen(first)) == 0) {
-            const int end = list.indexOf(last, begin + length);
+        if (hasTextAt(list, begin, first)) {
+            const int end = list.indexOf(last, begin + static_cast<int>(qstrlen(first)));
             return end < 0 ? list.size() : end;
         }
     }
@@ -35,7 +39,7 @@ int endOfPlainSection(const QByteArray& list, int begin)
 /// Returns how many bytes of a list the XML reader can read in linear time. It compares the attributes of an element
 /// with each other, searches all open name spaces for each name, and can expand a few declarations to a very long text.
 /// The list of a reader has no such markup, so that a list with much of it is damaged and is only read up to there.
-int readableSize(const QByteArray& list)
+int safePrefixLength(const QByteArray& list)
 {
     constexpr int MaxAttributes = 100;
     constexpr int MaxNamespaces = 256;
@@ -46,8 +50,7 @@ int readableSize(const QByteArray& list)
             continue;
         }
         const int tag = i;
-        if (qstrncmp(list.constData() + tag, "<!ENTITY", 8) == 0 ||
-            qstrncmp(list.constData() + tag, "<!ATTLIST", 9) == 0)
+        if (hasTextAt(list, tag, "<!ENTITY") || hasTextAt(list, tag, "<!ATTLIST"))
             return tag;
         int attributes = 0;
         for (++i; i < list.size() && list.at(i) != '<' && list.at(i) != '>'; ++i) {
@@ -58,7 +61,7 @@ int readableSize(const QByteArray& list)
                 i = list.indexOf(c, i + 1);
                 if (i < 0)
                     return list.size();
-            } else if (c == 'x' && qstrncmp(list.constData() + i, "xmlns", 5) == 0 && ++namespaces > MaxNamespaces) {
+            } else if (c == 'x' && hasTextAt(list, i, "xmlns") && ++namespaces > MaxNamespaces) {
                 return tag;
             }
         }
@@ -108,8 +111,8 @@ QList<DeviceInfo> parseDeviceList(const QString& path)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     const qint64 fileSize = file.size();
-    QByteArray list = file.read(std::min(fileSize, MaxListSize));
-    list.truncate(readableSize(list));
+    QByteArray list = file.read(std::min(fileSize, MaxListBytes));
+    list.truncate(safePrefixLength(list));
     const bool isCut = list.size() < fileSize;
     // By a buffer: bytes that are no text, given all at once, would cost the whole list.
     QBuffer buffer(&list);

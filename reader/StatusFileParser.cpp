@@ -24,7 +24,7 @@ constexpr int WatcherReleaseMs = 200;
 StatusFileParser* s_instance = nullptr;
 
 /// The category of plain debug lines, named so that a line costs nothing while they are off.
-const QLoggingCategory& plainDebug()
+const QLoggingCategory& defaultCategory()
 {
     return *QLoggingCategory::defaultCategory();
 }
@@ -52,14 +52,14 @@ StatusFileParser::StatusFileParser(const QString& drivePath)
     logTrace(QStringLiteral("Status file parser initialized."), m_path);
     moveToThread(&m_thread);
     startThread(m_thread, QThread::InheritPriority);
-    connect(this, &StatusFileParser::pollingRequested, this, &StatusFileParser::prepareRun, Qt::QueuedConnection);
+    connect(this, &StatusFileParser::pollingRequested, this, &StatusFileParser::preparePolling, Qt::QueuedConnection);
 
     // A diagnostic alone: drives don't reliably tell of changes, so nothing hangs on it.
-    connect(m_watcher.get(), &QFileSystemWatcher::fileChanged, &m_guiSide, [](const QString& path) {
-        qCDebug(plainDebug).noquote() << QStringLiteral("File '%1' has changed.").arg(path);
+    connect(m_watcher.get(), &QFileSystemWatcher::fileChanged, &m_guiContext, [](const QString& path) {
+        qCDebug(defaultCategory).noquote() << QStringLiteral("File '%1' has changed.").arg(path);
     });
-    connect(m_watcher.get(), &QFileSystemWatcher::directoryChanged, &m_guiSide, [](const QString& path) {
-        qCDebug(plainDebug).noquote() << QStringLiteral("Directory '%1' has changed.").arg(path);
+    connect(m_watcher.get(), &QFileSystemWatcher::directoryChanged, &m_guiContext, [](const QString& path) {
+        qCDebug(defaultCategory).noquote() << QStringLiteral("Directory '%1' has changed.").arg(path);
     });
     m_watcher->addPaths({m_statusFile, m_path});
 }
@@ -107,7 +107,8 @@ bool StatusFileParser::triggerFileSystemUpdate() const
 {
     QFile file(m_triggerFile);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        qCDebug(plainDebug).noquote().nospace() << "Could not write NoCommand.txt to device reader within " << m_path;
+        qCDebug(defaultCategory).noquote().nospace()
+            << "Could not write NoCommand.txt to device reader within " << m_path;
         return false;
     }
     file.close();
@@ -129,8 +130,8 @@ StatusRecord StatusFileParser::readStatus() const
         return {};
     }
     QTextStream stream(&file);
-    const StatusRecord record = StatusRecord::fromText(stream);
-    qCDebug(plainDebug).noquote().nospace()
+    const StatusRecord record = StatusRecord::parse(stream);
+    qCDebug(defaultCategory).noquote().nospace()
         << "StatusFile: '" << record.header << "' # " << record.command
         << ", Status: " << static_cast<int>(record.status) << ", Error: " << record.error;
     file.close();
@@ -139,14 +140,14 @@ StatusRecord StatusFileParser::readStatus() const
 
 // From here on: the worker thread.
 
-void StatusFileParser::prepareRun(int timeoutSec, int startingSec, int delayMs)
+void StatusFileParser::preparePolling(int timeoutSec, int startingSec, int delayMs)
 {
     m_stopTimeoutMs = timeoutSec * 1000;
     m_startTimeoutMs = startingSec > 0 ? startingSec * 1000 : m_stopTimeoutMs;
-    QTimer::singleShot(delayMs, this, &StatusFileParser::beginRun);
+    QTimer::singleShot(delayMs, this, &StatusFileParser::beginPolling);
 }
 
-void StatusFileParser::beginRun()
+void StatusFileParser::beginPolling()
 {
     m_startTime = QDateTime::currentMSecsSinceEpoch();
     m_startDeadline = m_startTime + m_startTimeoutMs;
@@ -170,12 +171,12 @@ void StatusFileParser::continuePolling()
     const qint64 percentageOfTime = total > 0 ? 100 * elapsed / total : 100;
     const QString linear =
         QStringLiteral("linear progress: %1 of %2 = %3%").arg(elapsed).arg(total).arg(percentageOfTime);
-    const auto logEnd = [this, &linear](auto* log, const QString& pattern) {
-        log(pattern.arg(linear, QString::number(isChanged() ? 1 : 0)), QString());
+    const auto endText = [this, &linear](const QString& pattern) {
+        return pattern.arg(linear, QString::number(isChanged() ? 1 : 0));
     };
 
     if (!updateStatus()) {
-        logEnd(logFailure, QStringLiteral("--- Error during polling (%1) detected/notified [changed=%2]."));
+        logFailure(endText(QStringLiteral("--- Error during polling (%1) detected/notified [changed=%2].")));
         Q_EMIT timeout();
         return;
     }
@@ -183,31 +184,31 @@ void StatusFileParser::continuePolling()
         StatusRecord canceled = m_latest;
         canceled.status = CommandStatus::Canceled;
         setLatest(canceled);
-        logEnd(logFailure, QStringLiteral("--- Cancel during polling (%1) detected/notified [changed=%2]."));
+        logFailure(endText(QStringLiteral("--- Cancel during polling (%1) detected/notified [changed=%2].")));
         Q_EMIT finished(true);
         return;
     }
     if (m_state == Ended) {
-        logEnd(logTrace, QStringLiteral("--- Stop during polling (%1) detected/notified [changed=%2]."));
+        logTrace(endText(QStringLiteral("--- Stop during polling (%1) detected/notified [changed=%2].")));
         Q_EMIT finished(isChanged());
         return;
     }
     // Ahead of the start limit: a run that is past both reports this one.
     if (now > m_stopDeadline) {
-        logEnd(logFailure,
-               QStringLiteral("--- 'Unfinished command' timeout during polling (%1) detected/notified [changed=%2]."));
+        logFailure(endText(
+            QStringLiteral("--- 'Unfinished command' timeout during polling (%1) detected/notified [changed=%2].")));
         Q_EMIT timeout();
         return;
     }
     if (now > m_startDeadline && m_state == Waiting) {
-        logEnd(logFailure,
-               QStringLiteral("--- 'Unstarted command' timeout during polling (%1) detected/notified [changed=%2]."));
+        logFailure(endText(
+            QStringLiteral("--- 'Unstarted command' timeout during polling (%1) detected/notified [changed=%2].")));
         Q_EMIT timeout();
         return;
     }
 
-    qCDebug(plainDebug).noquote() << "void StatusFileParser::continuePolling()"
-                                  << QStringLiteral("Polling continued (%1)").arg(linear);
+    qCDebug(defaultCategory).noquote() << "void StatusFileParser::continuePolling()"
+                                       << QStringLiteral("Polling continued (%1)").arg(linear);
     // A tenth of the limit shows 52, half of it 90. At the limit, or after the clock was set back, the curve can reach
     // 100 or more, but 100 is reserved for a command that has ended.
     const double weight = 9.0 * static_cast<double>(elapsed);
@@ -254,7 +255,7 @@ void StatusFileParser::setLatest(const StatusRecord& record)
     if (record == m_latest)
         return;
     m_latest = record;
-    invokeQueued(&m_guiSide, [this, record] { m_lastStatus = record; });
+    invokeQueued(&m_guiContext, [this, record] { m_lastStatus = record; });
 }
 
 /// Whether the latest status is new and speaks of the command that was submitted last, in any letter case.

@@ -85,13 +85,13 @@ Q_SIGNALS:
     void timeout();
 
 private Q_SLOTS:
-    void prepareRun(int timeoutSec, int startingSec, int delayMs);
+    void preparePolling(int timeoutSec, int startingSec, int delayMs);
     void continuePolling();
 
 private:
     explicit StatusFileParser(const QString& drivePath);
 
-    void beginRun();
+    void beginPolling();
     bool updateStatus();
     void setLatest(const StatusRecord& record);
     bool isChanged() const;
@@ -111,6 +111,6 @@ private:
     StatusRecord m_snapshot; ///< The status just before the run.
     StatusRecord m_latest;   ///< What m_lastStatus has, or is about to have.
 
-    QObject m_guiSide; ///< Stays on the GUI thread: takes what the worker thread hands over.
+    QObject m_guiContext; ///< Stays on the GUI thread: takes what the worker thread hands over.
     std::unique_ptr<QFileSystemWatcher> m_watcher{std::make_unique<QFileSystemWatcher>()};
 };

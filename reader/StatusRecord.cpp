@@ -13,7 +13,7 @@ constexpr int ResultLabelLength = 10;
 /// No line of a reader is nearly as long; a file of garbage without line ends must not fill the memory.
 constexpr int MaxLineLength = 65536;
 
-CommandStatus statusOf(const QString& word)
+CommandStatus parseStatus(const QString& word)
 {
     // Exact words: another letter case or a trailing blank is none of them.
     static const QMap<QString, CommandStatus> words{{QStringLiteral("running"), CommandStatus::Running},
@@ -23,7 +23,7 @@ CommandStatus statusOf(const QString& word)
 }
 
 /// The number between the last hyphen and the last character, which the firmware adds and which means nothing here.
-int errorOf(QString line)
+int parseErrorCode(QString line)
 {
     line.remove(0, line.lastIndexOf(QLatin1Char('-')) + 1);
     line.chop(1);
@@ -32,14 +32,14 @@ int errorOf(QString line)
 
 } // namespace
 
-StatusRecord StatusRecord::fromText(QTextStream& text)
+StatusRecord StatusRecord::parse(QTextStream& text)
 {
     StatusRecord record;
     record.header = text.readLine(MaxLineLength);
     record.command = text.readLine(MaxLineLength).remove(0, CommandLabelLength);
-    record.status = statusOf(text.readLine(MaxLineLength).remove(0, StatusLabelLength));
+    record.status = parseStatus(text.readLine(MaxLineLength).remove(0, StatusLabelLength));
     record.result = text.readLine(MaxLineLength).remove(0, ResultLabelLength);
-    record.error = errorOf(text.readLine(MaxLineLength));
+    record.error = parseErrorCode(text.readLine(MaxLineLength));
     return record;
 }
 

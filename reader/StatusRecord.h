@@ -20,7 +20,7 @@ struct StatusRecord
 
     /// Reads the five lines of a status file. Labels are skipped by their length alone and never compared. A missing
     /// line counts as an empty one.
-    static StatusRecord fromText(QTextStream& text);
+    static StatusRecord parse(QTextStream& text);
     /// The record as log lines show it: "[header]: command, status, error, result".
     QString toLogText() const;
 };

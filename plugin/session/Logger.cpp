@@ -28,7 +28,7 @@ const QLoggingCategory& category()
     return instance;
 }
 
-QtMsgType levelOf(const QString& channel)
+QtMsgType messageTypeForChannel(const QString& channel)
 {
     if (channel == QLatin1String("Info") || channel == QLatin1String("txt"))
         return QtInfoMsg;
@@ -39,10 +39,10 @@ QtMsgType levelOf(const QString& channel)
     return QtDebugMsg;
 }
 
-QDebug streamFor(QtMsgType level)
+QDebug streamFor(QtMsgType type)
 {
     const QMessageLogger logger(nullptr, 0, nullptr, category().categoryName());
-    switch (level) {
+    switch (type) {
     case QtInfoMsg:
         return logger.info();
     case QtWarningMsg:
@@ -75,11 +75,11 @@ Logger::~Logger()
 
 void Logger::write(const QString& message, const QString& channel, const QString& detail1, const QString& detail2)
 {
-    const QtMsgType level = levelOf(channel);
-    if (category().isEnabled(level)) {
+    const QtMsgType type = messageTypeForChannel(channel);
+    if (category().isEnabled(type)) {
         // Empty details are joined too: a record without details ends in "; ; ", and readers of the log rely on it.
         const QString text = QStringList{message, detail1, detail2}.join(QStringLiteral("; "));
-        streamFor(level).noquote() << "[MC]" << text;
+        streamFor(type).noquote() << "[MC]" << text;
     }
 
     if (!m_services)
