@@ -36,7 +36,7 @@ enum Cost { MacTime, MacMemory, ImportTime, ImportMemory, CostCount };
 /// The minimum of a MAC: Qt's code over the bytes of the file.
 QString bareMac(const QString& path)
 {
-    const QByteArray shared(reinterpret_cast<const char*>(SharedKey.data()), static_cast<int>(SharedKey.size()));
+    const QByteArray shared(reinterpret_cast<const char*>(SharedMacKey.data()), static_cast<int>(SharedMacKey.size()));
     QMessageAuthenticationCode mac(QCryptographicHash::Sha256, shared.toHex() + DatabaseGuid.toUtf8());
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))

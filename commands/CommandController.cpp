@@ -23,22 +23,22 @@ void CommandController::importData(const QString& dbGuid)
     command->m_diaryName = session->diaryName();
 
     // The first word is no option, so nothing of this line stays with the command: the host reads the object itself.
-    QStringList words = importWords(*command, session->exchangeFilePath());
-    command->setArguments(words);
+    QStringList arguments = importArguments(*command, session->exchangeFilePath());
+    command->setArguments(arguments);
     m_commandHandler->execute(command.release()); // The host owns the command from here on.
 }
 
-QStringList CommandController::importWords(const ImportDataCommand& command, const QString& path)
+QStringList CommandController::importArguments(const ImportDataCommand& command, const QString& path)
 {
     const QString quoted = QStringLiteral("'%1'");
-    QStringList words{QStringLiteral("import")};
+    QStringList arguments{QStringLiteral("import")};
     for (int i = 1; i <= command.m_pids.size(); ++i) {
         // An empty pid keeps its number free.
         const QString pid = command.m_pids.at(i - 1);
         if (!pid.isEmpty())
-            words << QStringLiteral("-pid%1").arg(i) << quoted.arg(pid);
+            arguments << QStringLiteral("-pid%1").arg(i) << quoted.arg(pid);
     }
-    words << QStringLiteral("-filepath") << quoted.arg(path);
-    words << QStringLiteral("-filemac") << quoted.arg(command.fileMac());
-    return words;
+    arguments << QStringLiteral("-filepath") << quoted.arg(path);
+    arguments << QStringLiteral("-filemac") << quoted.arg(command.fileMac());
+    return arguments;
 }

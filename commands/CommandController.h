@@ -24,7 +24,7 @@ public:
 
     /// The import as a command line: the command's word, the pids that aren't empty by their numbers from 1, then
     /// @p path and the command's fileMac(), each value in single quotes.
-    static QStringList importWords(const ImportDataCommand& command, const QString& path);
+    static QStringList importArguments(const ImportDataCommand& command, const QString& path);
 
     /// The host's command handler, not owned; null until the plug-in has its extension points.
     ICommandHandler* m_commandHandler = nullptr;

@@ -25,7 +25,7 @@ QString ImportDataCommand::importTag() const
 
 QString ImportDataCommand::fileMac() const
 {
-    const QByteArray shared(reinterpret_cast<const char*>(SharedKey.data()), static_cast<int>(SharedKey.size()));
+    const QByteArray shared(reinterpret_cast<const char*>(SharedMacKey.data()), static_cast<int>(SharedMacKey.size()));
     const QString key = QString::fromLatin1(shared.toHex()) + m_databaseGuid;
     QMessageAuthenticationCode mac(QCryptographicHash::Sha256, key.toUtf8());
 

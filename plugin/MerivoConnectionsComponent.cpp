@@ -26,12 +26,12 @@ namespace {
 
 using Version = std::array<int, 3>; // major, minor, patch
 
-constexpr Version LowestFirmware{3, 2, 23};
+constexpr Version MinFirmware{3, 2, 23};
 /// No line of a log is nearly as long; a file of garbage without line ends must not fill the memory.
 constexpr int MaxLineLength = 65536;
 
 /// The version at the end of a firmware log's fifth line. A missing line is an empty one.
-Version firmwareVersion(QFile& log)
+Version parseFirmwareVersion(QFile& log)
 {
     QTextStream stream(&log);
     QString line;
@@ -146,7 +146,7 @@ bool MerivoConnectionsComponent::checkFirmware(const QString& drivePath)
         if (!entry.startsWith(QLatin1Char('V')) || !entry.contains(QLatin1String(".log"), Qt::CaseInsensitive))
             continue;
         QFile log(folder + QLatin1Char('/') + entry);
-        if (log.open(QIODevice::ReadOnly) && firmwareVersion(log) < LowestFirmware)
+        if (log.open(QIODevice::ReadOnly) && parseFirmwareVersion(log) < MinFirmware)
             return false;
     }
     return true;

@@ -188,7 +188,7 @@ private Q_SLOTS:
         command.m_databaseGuid = "{g}";
         for (const QStringList& row : rows) {
             command.m_pids = row.at(0).split(',');
-            QCOMPARE(CommandController::importWords(command, "E:/MISC/I 1.xml").join('|'),
+            QCOMPARE(CommandController::importArguments(command, "E:/MISC/I 1.xml").join('|'),
                      "import|" + row.at(1) + "-filepath|'E:/MISC/I 1.xml'|-filemac|'" + MacOfNothing + "'");
         }
     }

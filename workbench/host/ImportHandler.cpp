@@ -41,8 +41,8 @@ QString channelOf(ImportOutcome::Kind kind)
 /// Returns the MAC that the import of a file with these bytes must have, as lower-case hexadecimal text.
 QString macOf(const QByteArray& bytes, const QString& databaseGuid)
 {
-    const auto* shared = reinterpret_cast<const char*>(SharedKey.data());
-    const QByteArray key = QByteArray(shared, static_cast<int>(SharedKey.size())).toHex() + databaseGuid.toUtf8();
+    const auto* shared = reinterpret_cast<const char*>(SharedMacKey.data());
+    const QByteArray key = QByteArray(shared, static_cast<int>(SharedMacKey.size())).toHex() + databaseGuid.toUtf8();
     return QString::fromLatin1(QMessageAuthenticationCode::hash(bytes, key, QCryptographicHash::Sha256).toHex());
 }
 
