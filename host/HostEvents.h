@@ -6,8 +6,8 @@
 
 #include <QSharedPointer>
 
-/// What IEventPublisher's signals carry. The events that bring a patient have IPatientData as a virtual base and are
-/// read through it; of all others only their kind is known here. Events are shared and never changed once published.
+/// Base of the events of IEventPublisher, except those of a patient, which have IPatientData as a virtual base. Events
+/// are shared and don't change after they are published.
 class IHostEvent
 {
 public:

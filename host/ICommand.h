@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// Base of the commands that go to ICommandHandler::execute().
+/// Base of the commands for ICommandHandler::execute().
 ///
-/// The host's order of virtual operations has no destructor here, so a command is never deleted through this class:
-/// its owner goes by type() to the class that it stands for, and IImportDataCmd has a virtual destructor through its
-/// data records.
+/// The binary contract with the host has no virtual destructor here. To delete a command, cast it to the class that
+/// type() names; IImportDataCmd inherits a virtual destructor from its data records.
 class ICommand
 {
 public:
@@ -17,9 +16,9 @@ public:
 
     explicit ICommand(int type);
 
-    /// True for the type codes 0 to 12.
+    /// Returns true if type() is in the range 0 to 12.
     virtual bool isValid() const;
-    /// A new bare ICommand of the same type, which the caller owns; a class that can do better overrides it.
+    /// Returns a new ICommand of the same type, owned by the caller. Derived classes may return a complete copy.
     virtual ICommand* clone() const;
 
     int type() const { return m_type; }

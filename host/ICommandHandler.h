@@ -6,14 +6,14 @@
 
 class ICommand;
 
-/// The host's command processor: "CommandHandlerExtensionPoint". GUI thread only.
+/// The host's command processor, "CommandHandlerExtensionPoint". GUI thread only.
 class ICommandHandler : public IExtensionPoint
 {
 public:
     ICommandHandler() = default;
     ~ICommandHandler() override;
 
-    /// Takes the command and its ownership, and carries it out. The result is the host's own affair. The command's code
-    /// lies in the plug-in: a host that keeps it frees it before it unloads the library.
+    /// Takes ownership of @p command and executes it. The plug-in ignores the result. The plug-in contains the
+    /// command's code: the host must delete the command before it unloads the library.
     virtual bool execute(ICommand* command) = 0;
 };

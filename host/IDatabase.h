@@ -17,7 +17,7 @@ struct PatientRecord
     QStringList ids; ///< two name parts, birthday as yyyy-MM-dd, extension text; any may be empty or missing
 };
 
-/// The host's patient databases: "DatabaseExtensionPoint". GUI thread only.
+/// The host's patient databases, "DatabaseExtensionPoint". GUI thread only.
 class IDatabase : public QObject, public IExtensionPoint
 {
     Q_OBJECT
@@ -30,11 +30,11 @@ public Q_SLOTS:
     virtual void import(QString cache, IPlugin* pPlugin) = 0;
 
 public:
-    /// The GUID text of the database at that path, which IServices::path(2) gives.
+    /// Returns the GUID text of the database at @p path; see IServices::DatabasePath.
     virtual QString databaseGuid(const QString& path) = 0;
     virtual void reserved2() = 0;
     virtual void reserved3() = 0;
-    /// All patients of the database with that GUID, by a key of the host's choice.
+    /// Returns all patients of the database with that GUID. The host chooses the keys of the map.
     virtual QMap<QString, PatientRecord> patients(const QString& databaseGuid) = 0;
 
 Q_SIGNALS:

@@ -10,8 +10,8 @@
 
 class IDeviceValues;
 
-/// A device that the host administers. Only drivePath() is called here; what stands ahead of it keeps the order of the
-/// virtual operations and has neutral names.
+/// A device that the host administers. The plug-in calls drivePath() only; the reserved operations keep the order of
+/// the virtual table.
 class IDevice : public QObject
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ public:
     virtual void reserved16() = 0;
     virtual QPair<QDateTime, QDateTime> reserved17();
 
-    /// The root path of the drive by which the device shows up; empty if it has none.
+    /// Returns the root path of the device's drive; empty if it has none.
     virtual QString drivePath();
 
 Q_SIGNALS:

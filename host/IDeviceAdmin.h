@@ -7,17 +7,17 @@
 class IDevice;
 class QString;
 
-/// The host's administration of devices: "DeviceAdminExtensionPoint". GUI thread only.
+/// The host's device administration, "DeviceAdminExtensionPoint". GUI thread only.
 class IDeviceAdmin : public IExtensionPoint
 {
 public:
     IDeviceAdmin() = default;
     ~IDeviceAdmin() override;
 
-    /// The device of that type, or null if there is none. The caller owns it and deletes it. The reader is asked for
-    /// with type 1 and an empty name.
+    /// Returns the device of that type, owned by the caller, or null if there is none. The reader has type 1 and an
+    /// empty name.
     virtual IDevice* acquireDevice(int type, const QString& name) = 0;
-    /// Switches a mode of the administration in which the device is left to the caller on or off, and tells whether
-    /// the call changed it. Changes nothing here.
+    /// Switches on or off a mode in which the host leaves the device to the caller. Returns true if the mode changed.
+    /// Does nothing and returns false by default.
     virtual bool setDeviceHold(bool hold);
 };

@@ -7,8 +7,8 @@
 class IPlugin;
 class QWidget;
 
-/// A part of a plug-in. Of the texts that an extension shows, an element answers those of its plug-in, or an empty
-/// text and false where it has none; title() and icon() are its own.
+/// A part of a plug-in. It has a title and an icon of its own; by default the other properties are those of its
+/// plug-in, or empty and false without a plug-in.
 class IElement : public IExtension
 {
 public:
@@ -21,13 +21,13 @@ public:
     QString version() const override;
     bool isFlagged() const override;
 
-    /// The plug-in that the element belongs to, or null. Not owned.
+    /// Returns the plug-in that the element belongs to, or null. Not owned.
     virtual IPlugin* plugin() const = 0;
     virtual bool isEnabled() const;
-    /// The text of the menu entry: the element's title().
+    /// Returns the text of the menu entry; title() by default.
     virtual QString menuText() const;
-    /// Carries the element out, modally; @p parent is the host's window. Tells whether it ran.
+    /// Executes the element modally and returns true if it ran. @p parent is the host's window.
     virtual bool execute(QWidget* parent) = 0;
-    /// The plug-in's name, or title() where there is no plug-in.
+    /// Returns the name of the plug-in, or title() without a plug-in.
     virtual QString elementKey() const;
 };

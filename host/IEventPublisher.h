@@ -7,9 +7,8 @@
 
 #include <QObject>
 
-/// The host's events: "EventPublisherExtensionPoint". They are emitted on the GUI thread, also in the middle of a run.
-/// Host and plug-in each have a meta-object of this class of their own, so the order of the signals is part of the
-/// binary contract.
+/// The host's events, "EventPublisherExtensionPoint". They are emitted on the GUI thread, also during a run. Host and
+/// plug-in each compile a meta-object of this class, so the order of the signals is part of the binary contract.
 class IEventPublisher : public QObject, public IExtensionPoint
 {
     Q_OBJECT

@@ -4,7 +4,7 @@
 
 #include <QtGlobal>
 
-/// Base of what the host's registry finds. A plug-in never owns an extension point.
+/// Base of the interfaces that IExtensionRegistry returns. Extension points are owned by the host.
 class IExtensionPoint
 {
 public:

@@ -5,14 +5,14 @@
 class IExtensionPoint;
 class QString;
 
-/// Where the host's extension points are found by name: "ServicesExtensionPoint", "DeviceAdminExtensionPoint",
+/// Finds the host's extension points by name: "ServicesExtensionPoint", "DeviceAdminExtensionPoint",
 /// "CommandHandlerExtensionPoint", "EventPublisherExtensionPoint", "DatabaseExtensionPoint".
 class IExtensionRegistry
 {
 public:
-    /// Holds the first place in the order of operations; never called by a plug-in.
+    /// Keeps the first place in the virtual table; never called by a plug-in.
     virtual void* reserved0() = 0;
-    /// The extension point of that name, or null. It stays the host's.
+    /// Returns the extension point of that name, or null. Not owned.
     virtual IExtensionPoint* extensionPoint(const QString& name) = 0;
 
 protected:

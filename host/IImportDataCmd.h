@@ -12,15 +12,15 @@ class IImportDataCmd : public ICommand, public virtual IModeData, public virtual
 public:
     IImportDataCmd();
 
-    /// Absolute path of the exchange file.
+    /// Returns the absolute path of the exchange file.
     virtual QString filePath() const = 0;
     virtual QString importTag() const = 0;
-    /// The keyed MAC over the file's bytes as they lie there at the moment of the call: HMAC with SHA-256, 64
-    /// lower-case hexadecimal characters. The key is the text of SharedKey.h followed by the GUID of the open database.
+    /// Returns the MAC of the file's current content: HMAC with SHA-256 as 64 lower-case hexadecimal characters. The
+    /// key is described at SharedMacKey.
     virtual QString fileMac() const = 0;
     virtual bool isImportFlagged() const = 0;
     virtual QString importNote() const = 0;
 
-    // Declared last: it takes two places of its own in the order of virtual operations, behind the others.
+    // Declared last: it takes two places in the virtual table, after the others.
     ~IImportDataCmd() override;
 };

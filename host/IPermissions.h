@@ -6,7 +6,7 @@
 
 #include <QObject>
 
-/// The host's permissions: declared beside the others, looked up by nothing here.
+/// The host's permissions. The plug-in doesn't use them.
 class IPermissions : public QObject, public IExtensionPoint
 {
     Q_OBJECT

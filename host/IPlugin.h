@@ -15,42 +15,42 @@ class IExtensionPoint;
 class IExtensionRegistry;
 class QSettings;
 
-/// A plug-in as the host drives it, on the host's GUI thread and in this order:
+/// A plug-in. The host calls it on the GUI thread, in this order:
 ///
-/// 1. The host reads the library's metadata, compares the interface id and takes the instance.
-/// 2. setExtensionRegistry(): the plug-in looks up the host's extension points. From here on events can arrive.
-/// 3. initialize(): the plug-in's settings and directory. The log needs the services of step 2.
-/// 4. installTranslator(): the plug-in's language. May be repeated, as after a change of language.
+/// 1. It reads the library's metadata, compares the interface id and gets the instance.
+/// 2. setExtensionRegistry(): the plug-in looks up the host's extension points. Events can arrive from now on.
+/// 3. initialize(): the plug-in's settings and directory. The log requires IServices from step 2.
+/// 4. installTranslator(): the plug-in's translation. May be repeated, for example after a change of language.
 /// 5. components(): the menu entries, shown with icon() and title().
-/// 6. IComponent::execute() each time that the user picks an entry. The open patient has come before, through
-///    IEventPublisher::diarySessionOpened().
-/// 7. The instance is deleted at unload.
+/// 6. IComponent::execute() each time the user selects an entry. IEventPublisher::diarySessionOpened() has reported the
+///    patient before.
+/// 7. The instance is deleted when the library is unloaded.
 ///
-/// The plug-in never owns what it gets of the host, but for what IDeviceAdmin and EventsObserver tell.
+/// The plug-in does not own the objects that the host passes in; IDeviceAdmin and EventsObserver document the
+/// exceptions.
 class IPlugin : public IExtension
 {
 public:
     IPlugin() = default;
     ~IPlugin() override;
 
-    /// Answers the flag that the plug-in object carries.
     bool isFlagged() const override;
 
-    /// The plug-in's key, equal to the entry of the metadata's "keys".
+    /// Returns the plug-in's key, which is the entry of the metadata's "keys".
     virtual QString pluginName() const = 0;
-    /// The host's way in. @p registry stays the host's; null is allowed.
+    /// Provides the host's registry. @p registry is not owned and may be null.
     virtual void setExtensionRegistry(IExtensionRegistry* registry);
-    /// @p settings are the plug-in's own and are read during the call alone; @p directory is where the plug-in lies.
+    /// Provides the plug-in's @p settings, for use during the call only, and the @p directory of the plug-in.
     virtual void initialize(QSettings& settings, const QDir& directory);
-    /// A notice of the host, with one opaque argument. Does nothing.
+    /// Receives a notice with an opaque argument. Does nothing by default.
     virtual void onHostNotice(void* notice);
-    /// Loads the plug-in's language. Does nothing here.
+    /// Loads the plug-in's translation. Does nothing by default.
     virtual void installTranslator();
-    /// Extension points that the plug-in itself would give: none.
+    /// Returns the extension points that the plug-in itself provides; none by default.
     virtual QList<IExtensionPoint*> extensionPoints() const;
-    /// The menu entries; they stay the plug-in's.
+    /// Returns the menu entries, which the plug-in owns.
     virtual QList<IComponent*> components() const;
-    /// Further elements: none.
+    /// Returns further elements; none by default.
     virtual QList<IElement*> elements() const;
 
 protected:

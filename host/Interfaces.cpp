@@ -11,7 +11,7 @@
 #include "host/IQueryDiaryCmd.h"
 #include "host/IServices.h"
 
-// The destructors are defined here, so that each virtual table is emitted once.
+// A destructor that is defined here is a key function: the virtual table of its class is emitted in this file only.
 
 IExtensionPoint::~IExtensionPoint() = default;
 
