@@ -21,7 +21,7 @@ const QLoggingCategory& category()
     return instance;
 }
 
-/// Stands beside category() for measurements; nothing writes to it.
+/// For measurements; nothing writes to it.
 [[maybe_unused]] const QLoggingCategory& profileCategory()
 {
     static const QLoggingCategory instance("plugin.merivoconnections.profile");
@@ -77,7 +77,7 @@ void Logger::write(const QString& message, const QString& channel, const QString
 {
     const QtMsgType type = messageTypeForChannel(channel);
     if (category().isEnabled(type)) {
-        // Empty details are joined too: a record without details ends in "; ; ", and readers of the log rely on it.
+        // Empty details are joined too: programs that read the log rely on the "; ; " after a record without details.
         const QString text = QStringList{message, detail1, detail2}.join(QStringLiteral("; "));
         streamFor(type).noquote() << "[MC]" << text;
     }
@@ -91,7 +91,7 @@ void Logger::write(const QString& message, const QString& channel, const QString
         });
         return;
     }
-    // What another thread wrote before must reach the host before.
+    // Records that another thread has written before must reach the host first.
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
     m_services->logLine(m_plugin, channel, message, detail1, detail2);
 }

@@ -16,7 +16,7 @@ namespace {
 
 const QString DefaultDeviceType = QStringLiteral("Cygnara");
 
-QPointer<PatientSession> s_instance; // null also when its parent took it along
+QPointer<PatientSession> s_instance; // also null if its parent has deleted it
 IServices* s_services = nullptr;
 IDatabase* s_database = nullptr;
 int s_diaries = 0;
@@ -109,7 +109,7 @@ QString PatientSession::patientIdExt(const QStringList& pids)
         birthday = s_services->formatDate(date);
     traceBirthday("<< birthday = '%1'", birthday);
 
-    // The last entry, not the second: a list that ends in the birthday shows it once more as it came.
+    // The last part, not the second one: a list that ends with the birthday shows it again, unformatted.
     if (parts.last().isEmpty())
         return birthday;
     return tr("%1, %2", "Pattern to display patient line 2 (birthday and extension)").arg(birthday, parts.last());
