@@ -37,8 +37,8 @@ CommandFileWriter::~CommandFileWriter()
     s_instance = nullptr;
 }
 
-// The blanks and quotes below are the reader's wire format, uneven as they are: serial numbers are quoted, addresses
-// and patient ids never, and BTDELETEADDR has a second blank of its own.
+// Blanks and quotes are as the reader's wire format requires: serial numbers are quoted, addresses and patient ids are
+// not, and the argument of BTDELETEADDR begins with a blank.
 
 bool CommandFileWriter::search()
 {
@@ -91,7 +91,7 @@ bool CommandFileWriter::submit(const QString& command, const QString& arguments)
         return false;
     }
 
-    // No line end behind the arguments, and the blank stands also where there are none.
+    // No line end after the arguments. The blank is written even if there are none.
     QTextStream stream(&file);
     stream << "QD17-C RemoteControl File\n"
            << "Command=" << command << ' ' << arguments;

@@ -6,26 +6,26 @@
 
 #include <QObject>
 
-/// Commands the device reader: each operation replaces the command file on the reader's drive by its command. Whether
-/// the reader took the command is told by the status file alone, see StatusFileParser.
+/// Sends commands to the device reader by replacing the command file on its drive. StatusFileParser reports whether the
+/// reader has executed a command.
 ///
-/// Every operation returns true if the file could be opened for writing; a failure stands in the log, and the polling
-/// that follows ends in a time-out. Values are inserted as they stand, without any escaping.
+/// Each command returns true if the file could be opened for writing. A failure is logged, and the polling that follows
+/// times out. Values are inserted without escaping.
 ///
-/// The text is encoded by QTextStream's default codec, which is the locale's: UTF-8 in a UTF-8 locale, and there is
-/// never a byte order mark. All of a command is ASCII but the values given to it.
+/// QTextStream's default codec encodes the text: that of the locale, without a byte order mark. Everything except the
+/// inserted values is ASCII.
 ///
-/// GUI thread only, but for the reading of m_lastCommand.
+/// GUI thread only, except for reading m_lastCommand.
 class CommandFileWriter final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(CommandFileWriter)
 
 public:
-    /// Destroys the writer that there is and makes the one for the reader's working directory "MISC" on that drive. The
-    /// caller deletes it at the end of the run, behind the status file parser, whose polling reads m_lastCommand.
+    /// Replaces the current writer, if any, by one for the folder "MISC" of that drive. The caller deletes it at the
+    /// end of the run, after the StatusFileParser, whose polling reads m_lastCommand.
     static CommandFileWriter* create(const QString& drivePath);
-    /// The writer that create() made, from then until its destruction; null outside of that.
+    /// Returns the current writer, or null.
     static CommandFileWriter* instance();
     ~CommandFileWriter() override;
 
@@ -38,10 +38,10 @@ public:
     bool reassign(const QString& serialNumber, const QString& patientId);
     bool abort();
 
-    /// The reader's working directory: the drive's path with "/MISC" appended.
+    /// The reader's working directory: the drive path followed by "/MISC".
     const QString m_path;
-    /// The word of the last submission, set before its file is opened; empty before the first one and after one whose
-    /// file couldn't be opened. The polling thread reads it.
+    /// The command name of the last submission, set before the file is opened. Empty before the first submission and
+    /// after one whose file couldn't be opened. Read by the polling thread.
     AtomicString m_lastCommand;
 
 private:

@@ -4,12 +4,12 @@
 
 #include <QMetaType>
 
-/// The outcome of a reader command, from the status file up to the dialogs. Failed, Done and Canceled are final.
+/// The outcome of a reader command. Failed, Done and Canceled are final.
 enum class CommandStatus : qint32 {
-    Running = 0,  ///< "running": the command is under way.
-    Failed = 1,   ///< "failed": the reader ended it with an error; the record's error holds the code.
-    Done = 2,     ///< "done": the reader ended it with success; the record's result holds the answer.
-    Canceled = 3, ///< The user stopped it. Never read from the file: set when the polling sees a cancel.
-    Unknown = 4   ///< Any other status word, an empty record, or nothing usable seen: not executed.
+    Running = 0,  ///< "running": the reader executes the command.
+    Failed = 1,   ///< "failed": StatusRecord::error is the error code.
+    Done = 2,     ///< "done": StatusRecord::result is the answer.
+    Canceled = 3, ///< Cancelled by the user. Never read from the file; set by the polling.
+    Unknown = 4   ///< Any other status, an empty record, or no usable status: not executed.
 };
 Q_DECLARE_METATYPE(CommandStatus)

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// No reader knows as many pumps: 10,000 take 3 MiB. The rest isn't read.
+/// Enough for more than 20,000 pumps. The rest of a longer file isn't read.
 constexpr qint64 MaxListBytes = 8LL * 1024 * 1024;
 
 bool hasTextAt(const QByteArray& list, int position, const char* text)
@@ -23,7 +23,7 @@ bool hasTextAt(const QByteArray& list, int position, const char* text)
     return qstrncmp(list.constData() + position, text, qstrlen(text)) == 0;
 }
 
-/// Returns the end of the comment, CDATA section or processing instruction that begins at @p begin; 0 if none does.
+/// Returns the end of the comment, CDATA section or processing instruction at @p begin; 0 if there is none.
 int endOfPlainSection(const QByteArray& list, int begin)
 {
     static constexpr const char* Sections[][2] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
@@ -36,9 +36,9 @@ int endOfPlainSection(const QByteArray& list, int begin)
     return 0;
 }
 
-/// Returns how many bytes of a list the XML reader can read in linear time. It compares the attributes of an element
-/// with each other, searches all open name spaces for each name, and can expand a few declarations to a very long text.
-/// The list of a reader has no such markup, so that a list with much of it is damaged and is only read up to there.
+/// Returns the length of the prefix that QXmlStreamReader parses in linear time. It compares the attributes of an
+/// element with each other, searches all open namespaces for each name, and can expand a few declarations to a very
+/// long text. A valid list has hardly any of these; a list with many is damaged and is cut there.
 int safePrefixLength(const QByteArray& list)
 {
     constexpr int MaxAttributes = 100;
@@ -69,7 +69,7 @@ int safePrefixLength(const QByteArray& list)
     return list.size();
 }
 
-/// Reads an INTERFACE element. @p isCut: the list was read only in part.
+/// Parses an INTERFACE element. @p isCut is true if only a prefix of the file is parsed.
 void parseInterface(QXmlStreamReader& xml, bool isCut, DeviceInfo& device)
 {
     while (xml.readNextStartElement()) {
@@ -77,10 +77,10 @@ void parseInterface(QXmlStreamReader& xml, bool isCut, DeviceInfo& device)
             device.btAddress = xml.readElementText();
         } else if (xml.name() == QLatin1String("PATIENT_ID")) {
             const QString id = xml.readElementText();
-            // A part of an id could be the id of another patient, or of none, and the pairing would then be removed.
+            // A partial id could be that of another patient, or of none, and the pairing would then be removed.
             const bool isDamaged =
                 xml.hasError() && (isCut || xml.error() != QXmlStreamReader::PrematureEndOfDocumentError);
-            // The reader writes exactly one zero for no patient.
+            // The reader writes "0" for no patient.
             device.patientId = isDamaged || id == QLatin1String("0") ? QString() : id;
             device.paired = isDamaged || !device.patientId.isEmpty();
         } else {
@@ -99,7 +99,7 @@ DeviceInfo parseDevice(QXmlStreamReader& xml, bool isCut)
             device.serialNumber = xml.readElementText();
         else if (xml.name() == QLatin1String("INTERFACE"))
             parseInterface(xml, isCut, device);
-        else // CLASS, MODELNR, and what a later firmware may add
+        else // CLASS, MODELNR and elements of later firmware
             xml.skipCurrentElement();
     }
     return device;
@@ -114,7 +114,7 @@ QList<DeviceInfo> parseDeviceList(const QString& path)
     QByteArray list = file.read(std::min(fileSize, MaxListBytes));
     list.truncate(safePrefixLength(list));
     const bool isCut = list.size() < fileSize;
-    // By a buffer: bytes that are no text, given all at once, would cost the whole list.
+    // Through a device: an array is decoded as a whole, and one invalid byte would discard all of it.
     QBuffer buffer(&list);
     if (!buffer.open(QIODevice::ReadOnly))
         return {};
@@ -122,7 +122,7 @@ QList<DeviceInfo> parseDeviceList(const QString& path)
     if (!xml.readNextStartElement() || xml.name() != QLatin1String("DEVICELIST"))
         return {};
 
-    // An XML error ends the loops like the end of the file: what stood ahead of it counts.
+    // An XML error ends the loops like the end of the file: the records before it are kept.
     QList<DeviceInfo> devices;
     while (xml.readNextStartElement()) {
         if (xml.name() == QLatin1String("DEVICE"))
@@ -139,7 +139,7 @@ QList<DeviceInfo> readDeviceList(const QString& directory, const QString& fileNa
 {
     const QString path = QFileInfo(QDir(directory), fileName).absoluteFilePath();
     const QList<DeviceInfo> devices = parseDeviceList(path);
-    // The one placeholder is %2, and takes the first argument.
+    // arg() replaces the lowest placeholder, here %2.
     logTrace(QStringLiteral("==> Number of pumps within device reader DB: %2").arg(devices.size()), path);
     return devices;
 }

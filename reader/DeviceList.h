@@ -9,16 +9,16 @@
 /// One pump of the reader's device list.
 struct DeviceInfo
 {
-    QString btAddress;    ///< Bluetooth address, for the pairing.
-    QString serialNumber; ///< What identifies the pump in every other command.
-    QString deviceName;   ///< The name as it is displayed.
-    QString patientId;    ///< The patient that the pump is assigned to; empty without one or if the id is damaged.
-    bool paired = false;  ///< Whether the pump is assigned to a patient, known or not.
+    QString btAddress;    ///< Bluetooth address, used for pairing.
+    QString serialNumber; ///< Identifies the pump in all other commands.
+    QString deviceName;   ///< Display name.
+    QString patientId;    ///< The patient that the pump is assigned to; empty if there is none or the id is damaged.
+    bool paired = false;  ///< True if the pump is assigned to a patient, even if the id is damaged.
 };
 Q_DECLARE_METATYPE(DeviceInfo)
 
-/// Reads the reader's list of pumps, all of them and in the file's order. Returns an empty list for a missing file or
-/// another root, and for a broken file the records before the fault, the last of them with what was read of it. A fault
-/// within a patient's id, other than the end of the file, leaves the pump paired with an unknown patient. Writes the
-/// number of records to the log. GUI thread only, after a SEARCH has ended.
+/// Returns the pumps of the reader's list, in the order of the file, and logs their number. Returns an empty list if
+/// the file is missing or has another root element. A damaged file yields the records before the damage, the last of
+/// them incomplete. If a patient id is damaged, other than by the end of the file, the pump is paired and its patient
+/// id is empty. GUI thread only, after a SEARCH has ended.
 QList<DeviceInfo> readDeviceList(const QString& directory, const QString& fileName);

@@ -21,7 +21,7 @@ struct ErrorText
     const char* text;
 };
 
-// Equal titles have comments of their own, so that a translation can tell them apart.
+// Equal titles have different comments, so that they can have different translations.
 constexpr ErrorText KnownErrors[] = {
     {31, QT_TRANSLATE_NOOP3("ErrorHandler", "<b>Connection Error</b>", "Title when the pump was not found."),
      QT_TRANSLATE_NOOP("ErrorHandler", "Maybe the battery is weak, or the pump is too far away. Please move it closer "

@@ -4,7 +4,7 @@
 
 #include <QObject>
 
-/// Tells the user about an error that the reader reported. An object only for its translations; none is ever made.
+/// Reports reader errors to the user. A QObject only for its translation context; never instantiated.
 class ErrorHandler final : public QObject
 {
     Q_OBJECT
@@ -12,7 +12,7 @@ class ErrorHandler final : public QObject
 public:
     ErrorHandler() = delete;
 
-    /// Writes the code to the log, shows it in words in a modal box, and returns when the user has closed the box. Any
-    /// number is taken; those without words of their own get a general message. GUI thread.
+    /// Logs the error code and shows a modal message box that describes it. Unknown codes have a general text. GUI
+    /// thread only.
     static void showError(int errorCode);
 };

@@ -23,7 +23,7 @@ constexpr int WatcherReleaseMs = 200;
 
 StatusFileParser* s_instance = nullptr;
 
-/// The category of plain debug lines, named so that a line costs nothing while they are off.
+/// The category of qDebug(). Unlike qDebug(), qCDebug() costs nothing if it is disabled.
 const QLoggingCategory& defaultCategory()
 {
     return *QLoggingCategory::defaultCategory();
@@ -46,7 +46,7 @@ StatusFileParser* StatusFileParser::instance()
 StatusFileParser::StatusFileParser(const QString& drivePath)
     : m_path(drivePath + QStringLiteral("/MISC"))
     , m_statusFile(m_path + QStringLiteral("/STATUS.TXT"))
-    // No separator: the file lies beside the folder, in the drive's root, under the name MISCNoCommand.txt.
+    // No separator: the file is MISCNoCommand.txt in the root of the drive, next to the folder.
     , m_triggerFile(m_path + QStringLiteral("NoCommand.txt"))
 {
     logTrace(QStringLiteral("Status file parser initialized."), m_path);
@@ -54,7 +54,7 @@ StatusFileParser::StatusFileParser(const QString& drivePath)
     startThread(m_thread, QThread::InheritPriority);
     connect(this, &StatusFileParser::pollingRequested, this, &StatusFileParser::preparePolling, Qt::QueuedConnection);
 
-    // A diagnostic alone: drives don't reliably tell of changes, so nothing hangs on it.
+    // Diagnostic only: change notifications from drives are unreliable, so nothing depends on them.
     connect(m_watcher.get(), &QFileSystemWatcher::fileChanged, &m_guiContext, [](const QString& path) {
         qCDebug(defaultCategory).noquote() << QStringLiteral("File '%1' has changed.").arg(path);
     });
@@ -71,11 +71,11 @@ StatusFileParser::~StatusFileParser()
     quitAndWait(m_thread);
     logTrace(QStringLiteral("Status file parser finished."), m_path);
 
-    // On Linux the kernel blocks for up to 25 ms if a watcher is deleted right after its paths are removed. The slot is
-    // named by text because the plug-in may be unloaded before the call: a member pointer would call code of the
+    // On Linux, the kernel blocks for up to 25 ms if a watcher is deleted right after its paths were removed. The slot
+    // is named by text because the plug-in may be unloaded before the call, and a member pointer would call code of the
     // plug-in.
     m_watcher->removePaths({m_statusFile, m_path});
-    m_watcher->setParent(QCoreApplication::instance()); // deletes it if the application ends before
+    m_watcher->setParent(QCoreApplication::instance()); // deletes it if the application ends first
     QTimer::singleShot(WatcherReleaseMs, m_watcher.release(), SLOT(deleteLater()));
 }
 
@@ -84,13 +84,13 @@ void StatusFileParser::start(int timeoutSec, int startingSec, int delayMs)
     if (delayMs == 0)
         delayMs = 5 * m_pollIntervalMs;
 
-    // As a rule this still is the status of the previous command: what makes a new one recognisable.
+    // Usually still the status of the previous command; a new status is one that differs from it.
     const StatusRecord snapshot = readStatus();
     if (!snapshot.header.isEmpty())
         logTrace(QStringLiteral("=?= <%1> status snapshot.").arg(snapshot.toLogText()));
     logTrace(QStringLiteral("=== Observer start requested (in %1 msec).").arg(delayMs));
 
-    // Directly ahead of the request, and so in place when the run begins.
+    // Queued before the request, so that the snapshot is set when the polling begins.
     invokeQueued(this, [this, snapshot] { m_snapshot = snapshot; });
     Q_EMIT pollingRequested(timeoutSec, startingSec, delayMs);
 }
@@ -98,7 +98,7 @@ void StatusFileParser::start(int timeoutSec, int startingSec, int delayMs)
 void StatusFileParser::cancel()
 {
     logTrace(QStringLiteral("=== Observer canceling."));
-    // No run clears an older request: one that came too late for its run ends the next.
+    // Starting a polling doesn't clear the request: one that came too late cancels the next polling.
     if (m_state != Ended)
         m_cancelRequested = true;
 }
@@ -117,12 +117,12 @@ bool StatusFileParser::triggerFileSystemUpdate() const
 
 StatusRecord StatusFileParser::readStatus() const
 {
-    // The trigger comes first, always: the drive is cached, and without it an old status may stand there for ever.
+    // The drive is cached: without the trigger it may show an old status forever.
     if (!triggerFileSystemUpdate()) {
         logFailure(QStringLiteral("=!= Trigger file system update failed on device reader."), m_path);
         return {};
     }
-    QFileInfo(m_path).refresh(); // drops what Qt has cached
+    QFileInfo(m_path).refresh(); // discards what Qt has cached
 
     QFile file(m_statusFile);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -138,7 +138,7 @@ StatusRecord StatusFileParser::readStatus() const
     return record;
 }
 
-// From here on: the worker thread.
+// The functions from here on run on the worker thread.
 
 void StatusFileParser::preparePolling(int timeoutSec, int startingSec, int delayMs)
 {
@@ -193,7 +193,7 @@ void StatusFileParser::continuePolling()
         Q_EMIT finished(isChanged());
         return;
     }
-    // Ahead of the start limit: a run that is past both reports this one.
+    // Checked before the start limit, so that this one is reported if both are exceeded.
     if (now > m_stopDeadline) {
         logFailure(endText(
             QStringLiteral("--- 'Unfinished command' timeout during polling (%1) detected/notified [changed=%2].")));
@@ -209,8 +209,8 @@ void StatusFileParser::continuePolling()
 
     qCDebug(defaultCategory).noquote() << "void StatusFileParser::continuePolling()"
                                        << QStringLiteral("Polling continued (%1)").arg(linear);
-    // A tenth of the limit shows 52, half of it 90. At the limit, or after the clock was set back, the curve can reach
-    // 100 or more, but 100 is reserved for a command that has ended.
+    // The curve is at 52 at a tenth of the limit, and at 90 at half of it. At the limit, or after the clock was set
+    // back, it can reach 100 or more, but 100 is reserved for a command that has ended.
     const double weight = 9.0 * static_cast<double>(elapsed);
     const double curve = std::abs(100.0 * (static_cast<double>(elapsed) + weight) /
                                   (static_cast<double>(std::max<qint64>(total, 1)) + weight));
@@ -218,7 +218,7 @@ void StatusFileParser::continuePolling()
     QTimer::singleShot(m_pollIntervalMs, this, &StatusFileParser::continuePolling);
 }
 
-/// False if the read failed. A status left from an earlier command never moves the run.
+/// Returns false if the read failed. A status of an earlier command never changes m_state.
 bool StatusFileParser::updateStatus()
 {
     const StatusRecord record = readStatus();
@@ -258,14 +258,14 @@ void StatusFileParser::setLatest(const StatusRecord& record)
     invokeQueued(&m_guiContext, [this, record] { m_lastStatus = record; });
 }
 
-/// Whether the latest status is new and speaks of the command that was submitted last, in any letter case.
+/// Returns true if the latest status is new and belongs to the command that was submitted last, ignoring case.
 bool StatusFileParser::isChanged() const
 {
     const QString submitted = CommandFileWriter::instance()->m_lastCommand;
     return m_latest != m_snapshot && m_latest.command.toUpper() == submitted.toUpper();
 }
 
-/// Whether the latest status is a new one of an ABORT that is done, which ends any run.
+/// Returns true if the latest status is new and reports a completed ABORT, which ends any polling.
 bool StatusFileParser::isAborted() const
 {
     return m_latest != m_snapshot && m_latest.command.toUpper() == QLatin1String("ABORT") &&

@@ -11,77 +11,78 @@
 #include <atomic>
 #include <memory>
 
-/// Reads the reader's status file, and follows one command at a time to its end.
+/// Reads the reader's status file, and polls it until a command has ended.
 ///
-/// A polling run begins with start() and ends with exactly one of finished() and timeout(). In between, a worker thread
-/// of its own makes a tick about every 100 ms: it forces the drive to show its newest state, reads the status file, and
-/// compares. A status counts only if it differs from the one that start() saw and speaks of the command that was
-/// submitted last. The time base is the wall clock: setting the clock moves the limits.
+/// A polling begins with start() and ends with exactly one of finished() and timeout(). About every 100 ms, a tick on a
+/// worker thread forces the drive to show its current state, reads the status file and compares. A status counts only
+/// if it differs from the one that start() has read and belongs to the command that was submitted last. Limits use the
+/// wall clock: setting the clock moves them.
 ///
-/// The object is made, used and deleted on the GUI thread; its signals come from the worker thread and reach objects of
-/// the GUI thread queued. No lock exists: values cross between the two by invokeQueued(), as an atomic, or as a
-/// signal's own number.
+/// Create, use and delete the object on the GUI thread. The signals are emitted on the worker thread; objects of the
+/// GUI thread receive them queued. There are no locks: values cross between the threads by invokeQueued(), as atomics
+/// or as arguments of signals.
 class StatusFileParser final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(StatusFileParser)
 
-    QThread m_thread; // declared first, and so destroyed last
+    QThread m_thread; // declared first, so that it is destroyed last
 
 public:
-    /// The values of m_state.
     enum State {
-        Waiting = 0, ///< The reader hasn't been seen working on the command.
-        Started = 1, ///< The status file showed the command as running.
-        Ended = 2    ///< The status file showed the command as ended.
+        Waiting = 0, ///< The status file hasn't shown the command as running.
+        Started = 1, ///< The status file has shown the command as running.
+        Ended = 2    ///< The status file has shown the command as ended.
     };
 
-    /// Destroys the parser that there is and makes the one for the reader's working directory "MISC" on that drive. The
-    /// caller deletes it at the end of the run of the plug-in.
+    /// Replaces the current parser, if any, by one for the folder "MISC" of that drive. The caller deletes it at the
+    /// end of the run.
     static StatusFileParser* create(const QString& drivePath);
-    /// The parser that create() made, from then until its destruction; null outside of that.
+    /// Returns the current parser, or null.
     static StatusFileParser* instance();
-    /// Joins the worker thread. A tick that is still to come is dropped, and nothing is emitted for it. A tick under
-    /// way ends first, and its signals may still arrive: destroy their receivers before the event loop turns again.
+    /// Ends the worker thread. Drops a pending tick without a signal. Completes a tick under way, whose signals may
+    /// still be queued: destroy their receivers before control returns to the event loop.
     ~StatusFileParser() override;
 
-    /// Begins a polling run for the command that CommandFileWriter just submitted. Reads the status once, on the
-    /// calling thread; the rest happens on the worker thread. Not to be called during a run.
+    /// Starts a polling for the command that CommandFileWriter has just submitted. Reads the status once, on the
+    /// calling thread; the rest happens on the worker thread. Must not be called during a polling.
     ///
-    /// @param timeoutSec  the limit of the whole run, in seconds
-    /// @param startingSec the limit for the reader to show the command as begun, in seconds; 0: the whole run's
-    /// @param delayMs     the pause before the first tick, in milliseconds; 0: five ticks' pause, 500 ms
+    ///
+    /// @param timeoutSec  limit of the whole polling, in seconds
+    /// @param startingSec limit for the reader to start the command, in seconds; 0: @p timeoutSec
+    /// @param delayMs     pause before the first tick, in milliseconds; 0: 500 ms
     void start(int timeoutSec, int startingSec, int delayMs);
-    /// Asks the run to end, which its next tick does with finished(true) and a record of status Canceled. After a run
-    /// that didn't end by a status, the request waits for the first tick of the next one. Without effect in state
-    /// Ended. Between start() and the begin of the run the state is still that of the run before: behind one that ended
-    /// by a status, a cancel within the pause ahead of the first tick is lost.
+    /// Requests the end of the polling: the next tick emits finished(true) with the status Canceled. A request that
+    /// comes after a time-out stays pending and cancels the next polling. In state Ended requests are ignored; a new
+    /// polling keeps the state of the previous one until its first tick, so that a request before that tick may be
+    /// lost.
     void cancel();
 
-    /// One forced read: rewrites the trigger file, then reads the status file. A failure stands in the log and gives
-    /// the default record, whose header is empty. Any thread.
+    /// Rewrites the trigger file, then reads the status file. Logs a failure and returns the default record, whose
+    /// header is empty. Thread-safe.
     StatusRecord readStatus() const;
-    /// Rewrites the trigger file, by which the reader's drive shows its newest state. False if it can't be opened. Any
-    /// thread.
+    /// Rewrites the trigger file, which forces the drive to show its current state. Returns false if the file can't be
+    /// opened. Thread-safe.
     bool triggerFileSystemUpdate() const;
 
-    /// The reader's working directory: the drive's path with "/MISC" appended.
+    /// The reader's working directory: the drive path followed by "/MISC".
     const QString m_path;
-    /// A State. Keeps its last value when a run ends, until the next one begins. Written by the worker thread.
+    /// A State, written by the worker thread. Keeps its value after a polling until the next one begins.
     std::atomic<int> m_state{Waiting};
-    /// The latest record of a run: what a handler of finished() reads. Belongs to the GUI thread, where each new value
-    /// arrives before the signal that follows it.
+    /// The latest record of a polling, for handlers of finished(). GUI thread only; updated before the signal that
+    /// follows the record arrives.
     StatusRecord m_lastStatus;
 
 Q_SIGNALS:
-    /// From start() to the worker thread, and of no use to others.
+    /// Internal: passes the arguments of start() to the worker thread.
     void pollingRequested(int timeoutSec, int startingSec, int delayMs);
-    /// The run ended by a status. True: the status is new and about the submitted command, or the user cancelled; see
-    /// m_lastStatus for what happened. False: it is about another command.
+    /// Emitted when a status ends the polling. @p success is true if the status is new and belongs to the submitted
+    /// command, or if the user has cancelled; m_lastStatus has the details. It is false if the status belongs to
+    /// another command.
     void finished(bool success);
-    /// Emitted after each tick that doesn't end the run: 0 to 99, on a curve that is steep at first.
+    /// Emitted after each tick that doesn't end the polling: 0 to 99, on a curve that is steep at first.
     void progress(int percentage);
-    /// The run ended without a status: a limit was passed, or a read failed.
+    /// Emitted when an exceeded limit or a failed read ends the polling.
     void timeout();
 
 private Q_SLOTS:
@@ -101,16 +102,16 @@ private:
     const QString m_triggerFile;
     std::atomic<bool> m_cancelRequested{false};
 
-    // The worker thread's own.
+    // Worker thread only.
     int m_startTimeoutMs = 0;
     int m_stopTimeoutMs = 0;
-    qint64 m_startDeadline = 0; // this and the next two: milliseconds since the epoch
+    qint64 m_startDeadline = 0; // deadlines and start time: milliseconds since the epoch
     qint64 m_stopDeadline = 0;
     qint64 m_startTime = 0;
     const int m_pollIntervalMs = 100;
-    StatusRecord m_snapshot; ///< The status just before the run.
-    StatusRecord m_latest;   ///< What m_lastStatus has, or is about to have.
+    StatusRecord m_snapshot; ///< The status before the polling.
+    StatusRecord m_latest;   ///< The worker thread's copy of m_lastStatus.
 
-    QObject m_guiContext; ///< Stays on the GUI thread: takes what the worker thread hands over.
+    QObject m_guiContext; ///< Lives on the GUI thread: target of the worker thread's queued calls.
     std::unique_ptr<QFileSystemWatcher> m_watcher{std::make_unique<QFileSystemWatcher>()};
 };

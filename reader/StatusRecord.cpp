@@ -10,19 +10,19 @@ namespace {
 constexpr int CommandLabelLength = 4;
 constexpr int StatusLabelLength = 10;
 constexpr int ResultLabelLength = 10;
-/// No line of a reader is nearly as long; a file of garbage without line ends must not fill the memory.
+/// Far above the length of any real line; limits the memory for a damaged file without line ends.
 constexpr int MaxLineLength = 65536;
 
 CommandStatus parseStatus(const QString& word)
 {
-    // Exact words: another letter case or a trailing blank is none of them.
+    // Exact match: a different case or a trailing blank yields Unknown.
     static const QMap<QString, CommandStatus> words{{QStringLiteral("running"), CommandStatus::Running},
                                                     {QStringLiteral("failed"), CommandStatus::Failed},
                                                     {QStringLiteral("done"), CommandStatus::Done}};
     return words.value(word, CommandStatus::Unknown);
 }
 
-/// The number between the last hyphen and the last character, which the firmware adds and which means nothing here.
+/// Parses the number between the last hyphen and the last character, which the firmware adds and which has no meaning.
 int parseErrorCode(QString line)
 {
     line.remove(0, line.lastIndexOf(QLatin1Char('-')) + 1);
@@ -45,7 +45,7 @@ StatusRecord StatusRecord::parse(QTextStream& text)
 
 QString StatusRecord::toLogText() const
 {
-    // The error stands before the result here, unlike in the file.
+    // The error comes before the result, unlike in the file.
     return QStringLiteral("[%0]: %1, %2, %3, %4")
         .arg(header, command, QString::number(static_cast<int>(status)), QString::number(error), result);
 }

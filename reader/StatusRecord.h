@@ -8,20 +8,20 @@
 
 class QTextStream;
 
-/// The value of one read of the status file. The file has no sequence number: a change in any field, the header
-/// included, is what tells a new status from the old one.
+/// The content of the status file at one time. The file has no sequence number: a status is new if any field differs,
+/// the header included.
 struct StatusRecord
 {
-    QString header;  ///< Line 1, not interpreted. Empty: the read failed.
-    QString command; ///< The word of the command that the status speaks of, in any letter case.
+    QString header;  ///< Line 1, not interpreted. Empty if the read failed.
+    QString command; ///< Name of the command that the status belongs to, in any letter case.
     CommandStatus status = CommandStatus::Unknown;
-    QString result; ///< The command's answer: a confirmation code, a serial number.
-    int error = -1; ///< The reader's error code; 0 where its line has no number.
+    QString result; ///< The command's answer, such as a confirmation code or a serial number.
+    int error = -1; ///< The reader's error code; 0 if its line has no number.
 
-    /// Reads the five lines of a status file. Labels are skipped by their length alone and never compared. A missing
-    /// line counts as an empty one.
+    /// Reads the five lines of a status file. Labels are skipped by their length and not compared. A missing line
+    /// counts as empty.
     static StatusRecord parse(QTextStream& text);
-    /// The record as log lines show it: "[header]: command, status, error, result".
+    /// Returns the text for log lines: "[header]: command, status, error, result".
     QString toLogText() const;
 };
 

@@ -48,7 +48,7 @@ UsbDeviceAdapter::~UsbDeviceAdapter()
     if (!m_device)
         return;
     m_deviceAdmin->setDeviceHold(m_restoreHold);
-    // Whatever the host answered: the reader needs the pause before its device may go.
+    // The reader needs the pause before its device is deleted, whatever the host has returned.
     wait(ReleasePauseMs);
     m_device.reset();
 }
@@ -59,7 +59,7 @@ bool UsbDeviceAdapter::wait(int milliseconds)
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     for (int remaining = milliseconds; remaining > 0; remaining -= StepMs) {
         QCoreApplication::processEvents(QEventLoop::AllEvents);
-        // Goes on with what is left if a signal interrupts it.
+        // Continues after an interruption by a signal.
         std::this_thread::sleep_for(std::chrono::milliseconds(StepMs));
     }
     QGuiApplication::restoreOverrideCursor();

@@ -10,23 +10,22 @@
 
 class IDeviceAdmin;
 
-/// Holds the device reader as a device of the host for as long as it lives, and knows the drive by which it is reached.
+/// Holds the device reader as a device of the host during the adapter's lifetime, and provides the path of its drive.
 ///
-/// Constructor and destructor take real time, since host and reader need pauses to settle: 1200 ms on the way in if the
-/// host's state changed, 2700 ms on the way out if there is a device. Events are processed meanwhile. GUI thread only.
+/// Host and reader need pauses: the constructor waits 1200 ms if the host's state has changed, the destructor 2700 ms
+/// if there is a device. Both process events meanwhile. GUI thread only.
 class UsbDeviceAdapter
 {
     Q_DISABLE_COPY_MOVE(UsbDeviceAdapter)
 
 public:
-    /// @p deviceAdmin stays the host's and may be null. Any failure shows as an empty m_drivePath.
+    /// @p deviceAdmin is not owned and may be null. On any failure m_drivePath is empty.
     explicit UsbDeviceAdapter(IDeviceAdmin* deviceAdmin);
-    /// Gives the host's state back.
+    /// Restores the host's state.
     virtual ~UsbDeviceAdapter();
 
-    /// Blocks the caller under the wait cursor, but keeps the event loop turning in steps of 20 ms: signals and queued
-    /// calls can arrive. The steps are counted, not the clock, so the real time is longer by what the events take.
-    /// Returns true, also for 0 and less, which don't sleep.
+    /// Blocks the caller with a wait cursor, but processes events every 20 ms. Counts steps instead of time, so that it
+    /// takes longer by the time spent on events. Always returns true; 0 and negative values don't sleep.
     static bool wait(int milliseconds);
 
     /// The root of the reader's drive, without "/MISC"; empty if no reader is connected.
@@ -35,5 +34,5 @@ public:
 private:
     IDeviceAdmin* m_deviceAdmin;
     std::unique_ptr<IDevice> m_device;
-    bool m_restoreHold = true; ///< What the host gets back at the end.
+    bool m_restoreHold = true; ///< What the destructor passes to the host.
 };
