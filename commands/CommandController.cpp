@@ -22,10 +22,10 @@ void CommandController::importData(const QString& dbGuid)
     command->m_puid = session->patientId();
     command->m_diaryName = session->diaryName();
 
-    // The first word is no option, so nothing of this line stays with the command: the host reads the object itself.
+    // The first argument is not an option, so the command's own command line stays empty: the host reads the object.
     QStringList arguments = importArguments(*command, session->exchangeFilePath());
     command->setArguments(arguments);
-    m_commandHandler->execute(command.release()); // The host owns the command from here on.
+    m_commandHandler->execute(command.release()); // The host takes ownership.
 }
 
 QStringList CommandController::importArguments(const ImportDataCommand& command, const QString& path)
@@ -33,7 +33,7 @@ QStringList CommandController::importArguments(const ImportDataCommand& command,
     const QString quoted = QStringLiteral("'%1'");
     QStringList arguments{QStringLiteral("import")};
     for (int i = 1; i <= command.m_pids.size(); ++i) {
-        // An empty pid keeps its number free.
+        // An empty pid is omitted, but keeps its number.
         const QString pid = command.m_pids.at(i - 1);
         if (!pid.isEmpty())
             arguments << QStringLiteral("-pid%1").arg(i) << quoted.arg(pid);

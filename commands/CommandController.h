@@ -8,7 +8,7 @@
 class ICommandHandler;
 class ImportDataCommand;
 
-/// The plug-in's command front towards the host. GUI thread only.
+/// Sends the plug-in's commands to the host. GUI thread only.
 class CommandController final : public QObject
 {
     Q_OBJECT
@@ -17,15 +17,14 @@ class CommandController final : public QObject
 public:
     explicit CommandController(QObject* parent = nullptr);
 
-    /// Hands the exchange file that the session names to the host, for the session's patient. @p dbGuid is the GUID
-    /// text of the open database. Runs the host's handler before it returns; the outcome isn't followed. Needs
-    /// m_commandHandler.
+    /// Passes the session's exchange file to the host, for the session's patient. @p dbGuid is the GUID text of the
+    /// open database. Runs the host's handler before it returns and ignores the result. Requires m_commandHandler.
     void importData(const QString& dbGuid);
 
-    /// The import as a command line: the command's word, the pids that aren't empty by their numbers from 1, then
-    /// @p path and the command's fileMac(), each value in single quotes.
+    /// Returns the import as command-line arguments: the command name, the non-empty pids with their numbers from 1, @p
+    /// path and the MAC. Each value is in single quotes.
     static QStringList importArguments(const ImportDataCommand& command, const QString& path);
 
-    /// The host's command handler, not owned; null until the plug-in has its extension points.
+    /// The host's command handler. Not owned; null until the plug-in has looked it up.
     ICommandHandler* m_commandHandler = nullptr;
 };

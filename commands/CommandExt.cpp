@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/CommandExt.h"
 
-// Nothing reads the vocabulary; it is included here so that it comes into being with the library, once.
+// Nothing uses the vocabulary; it is included so that it is created once, when the library is loaded.
 #include "commands/CommandKeys.h"
 
 #include <QDateTime>
@@ -71,7 +71,7 @@ void CommandExt::adjustCommandLine(QStringList& words)
         qDebug().noquote().nospace() << "### " << word;
 
     if (words.size() == 1) {
-        // A bare diary file means: import it.
+        // A diary file as the only argument is imported.
         const QFileInfo file(words.first());
         if (file.isFile()) {
             qDebug().noquote() << "### suffix:" << file.suffix();

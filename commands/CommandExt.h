@@ -8,43 +8,41 @@
 class ICommand;
 class QObject;
 
-/// The second base of every command, beside the ICommand branch: its maker, its job id and its command-line form.
+/// The second base of every command, next to ICommand: its owner, its job id and its command line.
 ///
-/// A command line is a list of words: the options of the command line itself, then the command's word, then what
-/// belongs to the command. A word that starts with "-" is an option and takes the next word as its value. Values may be
-/// written in single quotes, and "%20" stands for a blank.
+/// A command line consists of options of its own, the command name and the command's arguments. An argument that begins
+/// with "-" is an option, and the next one is its value. Values may be in single quotes, and "%20" represents a blank.
 class CommandExt
 {
 public:
-    /// @p owner is the object that makes the command; it owns nothing of it.
+    /// @p owner is the object that creates the command; it doesn't own the command.
     explicit CommandExt(QObject* owner);
     virtual ~CommandExt();
 
-    /// The same object seen as a command.
+    /// Returns this object as an ICommand.
     virtual ICommand* command() = 0;
-    /// The command's word.
     virtual QString commandName() const = 0;
     virtual bool isExecutable() const;
-    /// Called before setArguments() reads its words.
+    /// Called at the beginning of setArguments().
     virtual void prepare();
-    /// May take an option from the front of @p args, which holds a word at least; true if it did.
+    /// May remove an option from the front of @p args, which is not empty. Returns true if it did.
     virtual bool parseOption(QStringList& args);
     virtual quintptr extraResult() const;
 
-    /// Reads the options at the front of @p args up to the first word that is none, and leaves the rest there. False
-    /// for an unknown option or a "-jobid" without a value, which is then taken out as well. commandLine() holds in
-    /// every case what was taken.
+    /// Removes the options at the front of @p args, up to the first argument that is not an option. Returns false for
+    /// an unknown option or a "-jobid" without a value, which is then removed too. Always sets commandLine() to what
+    /// was removed.
     bool setArguments(QStringList& args);
 
     QObject* owner() const { return m_owner; }
     bool flagA() const { return m_flagA; }
     bool flagB() const { return m_flagB; }
     QString commandLine() const { return m_commandLine; }
-    /// The local time of construction as yyyyMMdd.hhmmss.zzz, or what an option "-jobid" said.
+    /// Returns the local time of construction as yyyyMMdd.hhmmss.zzz, or the value of the option "-jobid".
     QString jobId() const { return m_jobId; }
 
 protected:
-    // Only whole commands are copied.
+    // Copied only as a base of a command.
     CommandExt(const CommandExt&) = default;
     CommandExt& operator=(const CommandExt&) = default;
 

@@ -6,17 +6,17 @@
 #include <QString>
 #include <QStringList>
 
-/// The vocabulary of the host's command data, common to all commands. It comes into being when the library loads.
+/// The vocabulary of the host's command data, common to all commands. It is created when the library is loaded.
 namespace CommandKeys {
 
-/// A report's name and its variants.
+/// Report names and their variants.
 inline const QMap<QString, QStringList> ReportVariants{
     {QStringLiteral("measurement"), {QStringLiteral("cgm"), QStringLiteral("smbg")}},
     {QStringLiteral("graph"), {QStringLiteral("combined"), QStringLiteral("staggered")}},
     {QStringLiteral("logbook"), {QStringLiteral("meals"), QStringLiteral("hours")}},
 };
 
-/// The formats in which the host writes a report.
+/// The host's report formats.
 inline const QStringList OutputFormats{QStringLiteral("pdf"), QStringLiteral("png"),  QStringLiteral("txt"),
                                        QStringLiteral("csv"), QStringLiteral("html"), QStringLiteral("xml")};
 
@@ -70,7 +70,7 @@ inline const QString PatientGuid = QStringLiteral("patient-guid");
 inline const QString Vtlpid = QStringLiteral("vtlpid");
 inline const QString DiaryDiffs = QStringLiteral("diarydiffs");
 
-/// Every key, in the host's order.
+/// All keys, in the host's order.
 // clang-format off
 inline const QStringList All{
     JobCommand, JobId, MessageId, MessageText, Puid, Pid1, Pid2, Pid3, Pid4, PidO1, PidO2, PidO3, PidO4,

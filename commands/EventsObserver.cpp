@@ -50,7 +50,7 @@ void EventsObserver::onDiarySessionClosed(IDiarySessionClosedEvtPtr evt)
 void EventsObserver::onPatientChanged(IPatientChangedEvtPtr evt)
 {
     PatientSession* session = PatientSession::instance();
-    // With no session open there is nothing to change, whatever key the event brings.
+    // Without an open patient there is nothing to change, even if the event's key is empty too.
     if (!session->patientId().isEmpty() && evt->puid() == session->patientId())
         session->setPids(evt->pids());
 }

@@ -11,8 +11,7 @@
 class IDatabase;
 class IEventPublisher;
 
-/// Listens to the host's events and keeps PatientSession at the patient that is open. GUI thread only; the events also
-/// come in the middle of a run.
+/// Updates PatientSession according to the host's events, also during a run. GUI thread only.
 class EventsObserver final : public QObject
 {
     Q_OBJECT
@@ -21,23 +20,23 @@ class EventsObserver final : public QObject
 public:
     explicit EventsObserver(QObject* parent = nullptr);
 
-    /// Follows @p publisher from now on; null leaves the observer without events. Replacing a publisher or a database
-    /// that an earlier call brought deletes it, the one case in which the plug-in disposes of an extension point; those
-    /// in place at the end stay the host's. The same publisher once more is connected once more.
+    /// Observes @p publisher, which may be null. A publisher or database of an earlier call is deleted if another one
+    /// replaces it, the only case in which the plug-in deletes an extension point. Attaching a publisher again connects
+    /// it again.
     void attach(IEventPublisher* publisher, IDatabase* database);
 
 public Q_SLOTS:
     void onDiarySessionOpened(IDiarySessionOpenedEvtPtr evt);
     void onDiarySessionClosed(IDiarySessionClosedEvtPtr evt);
-    /// Takes over the changed ids if the event speaks of the open patient; nothing else changes.
+    /// Updates the ids if the event is about the open patient; nothing else changes.
     void onPatientChanged(IPatientChangedEvtPtr evt);
 
 Q_SIGNALS:
-    /// Part of the observer's face towards the host's command events; nothing emits it.
+    /// Part of the interface; never emitted.
     void commandsReceived(QStringList cmdList);
 
 private:
-    // Guarded: a host that has deleted its own extension point must not have it deleted again.
+    // QPointer: an extension point that the host has deleted must not be deleted again.
     QPointer<IEventPublisher> m_publisher;
     QPointer<IDatabase> m_database;
 };

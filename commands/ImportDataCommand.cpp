@@ -29,7 +29,7 @@ QString ImportDataCommand::fileMac() const
     const QString key = QString::fromLatin1(shared.toHex()) + m_databaseGuid;
     QMessageAuthenticationCode mac(QCryptographicHash::Sha256, key.toUtf8());
 
-    // Not tested: a file that can't be opened feeds no data, and the host refuses the code of the empty message.
+    // Not checked: a file that can't be opened yields the MAC of no data, which the host rejects.
     QFile file(filePath());
     file.open(QIODevice::ReadOnly);
     mac.addData(&file);

@@ -7,11 +7,11 @@
 #include "commands/PatientData.h"
 #include "host/IImportDataCmd.h"
 
-/// The import of the exchange file of the last read-out into the open database.
+/// Imports the exchange file of the last read-out into the open database.
 ///
-/// The file is named by the session, not by the command: filePath() and fileMac() ask PatientSession at each call, so a
-/// later read-out changes what an older command answers. clone() is the base's and gives a bare command that has lost
-/// everything but the type. GUI thread only.
+/// The session determines the file: filePath() and fileMac() ask PatientSession at each call, so a later read-out
+/// changes the results of an older command. clone() is inherited and returns an ICommand that only has the type. GUI
+/// thread only.
 class ImportDataCommand final : public IImportDataCmd, public CommandExt, public ModeData, public PatientData
 {
 public:
@@ -22,8 +22,7 @@ public:
 
     QString filePath() const override;
     QString importTag() const override;
-    /// Streams the whole file at each call, in memory that doesn't grow with it. A file that can't be opened gives the
-    /// code of no data.
+    /// Reads the whole file in blocks at each call. A file that can't be opened yields the MAC of no data.
     QString fileMac() const override;
     bool isImportFlagged() const override;
     QString importNote() const override;
@@ -31,6 +30,6 @@ public:
     ICommand* command() override;
     QString commandName() const override;
 
-    /// GUID text of the open database: the second part of the MAC's key.
+    /// GUID text of the open database, the second part of the MAC key.
     QString m_databaseGuid;
 };

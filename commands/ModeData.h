@@ -18,11 +18,11 @@ public:
     QString control() const override { return m_control; }
     QString mode() const override { return m_mode; }
 
-    /// Copies from any other implementation of the interface; false, and nothing copied, for null.
+    /// Copies @p other. Returns false and copies nothing if it is null.
     bool assign(const IModeData* other);
 
-    /// Takes "-mode" or "-control" with its value from the front of @p args, which holds a word at least. False, and
-    /// @p args as it was, for any other word and for a missing value.
+    /// Removes "-mode" or "-control" and its value from the front of @p args, which must not be empty. Returns false
+    /// and leaves @p args unchanged for any other argument, or without a value.
     bool parseModeOption(QStringList& args);
 
     QString m_mode;

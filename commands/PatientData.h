@@ -16,12 +16,11 @@ public:
     QString patientText1() const override { return m_text1; }
     QString patientText2() const override { return m_text2; }
 
-    /// Copies from any other implementation of the interface, patientText0() aside; false, and nothing copied, for
-    /// null.
+    /// Copies @p other except for patientText0(). Returns false and copies nothing if it is null.
     bool assign(const IPatientData* other);
 
-    /// Takes "-puid" or "-diaryname" with its value from the front of @p args, which holds a word at least. False, and
-    /// @p args as it was, for any other word and for a missing value.
+    /// Removes "-puid" or "-diaryname" and its value from the front of @p args, which must not be empty. Returns false
+    /// and leaves @p args unchanged for any other argument, or without a value.
     bool parsePatientOption(QStringList& args);
 
     QString m_puid = QStringLiteral("-");

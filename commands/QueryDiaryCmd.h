@@ -5,13 +5,13 @@
 #include "commands/CommandExt.h"
 #include "host/IQueryDiaryCmd.h"
 
-/// The query of a diary, which the family carries and nothing sends.
+/// A query of a diary. The plug-in never sends it.
 class QueryDiaryCmd final : public IQueryDiaryCmd, public CommandExt
 {
 public:
     explicit QueryDiaryCmd(QObject* owner);
 
-    /// A real copy, unlike that of the import command; the caller owns it.
+    /// Returns a complete copy, unlike the import command. The caller owns it.
     ICommand* clone() const override;
 
     ICommand* command() override;
