@@ -27,10 +27,10 @@ namespace {
 using Version = std::array<int, 3>; // major, minor, patch
 
 constexpr Version MinFirmware{3, 2, 23};
-/// No line of a log is nearly as long; a file of garbage without line ends must not fill the memory.
+/// Far above the length of any real line; limits the memory for a damaged file without line ends.
 constexpr int MaxLineLength = 65536;
 
-/// The version at the end of a firmware log's fifth line. A missing line is an empty one.
+/// Parses the version at the end of a firmware log's fifth line. A missing line counts as empty.
 Version parseFirmwareVersion(QFile& log)
 {
     QTextStream stream(&log);
@@ -84,8 +84,8 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
     logTrace(QStringLiteral("--> Plugin component execution started"));
     if (!m_plugin)
         return false;
-    // The event loop turns while the adapter waits, and a host's menu can begin a run inside this one. It would take
-    // the writer and the parser away from it, and give the reader back too early.
+    // Events are processed while the adapter waits, so the host's menu can start a run within this one. It would
+    // replace the writer and the parser, and release the reader too early.
     if (m_isRunning) {
         logTrace(QStringLiteral("--- Plugin component execution ignored: another one is under way"));
         return false;
@@ -99,7 +99,7 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
     }
     const SessionWatch sessionWatch;
 
-    std::shared_ptr<UsbDeviceAdapter> adapter; // Holds the reader for the whole run; a simulation has none.
+    std::shared_ptr<UsbDeviceAdapter> adapter; // Holds the reader during the run; null in a simulation.
     QString drivePath = m_simulationPath;
     if (m_simulationPath.isEmpty()) {
         adapter = std::make_shared<UsbDeviceAdapter>(m_plugin->m_deviceAdmin);
@@ -115,7 +115,7 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
                         QStringLiteral("-!- Plugin component execution failed: unsupported firmware version"));
         }
     }
-    // Diary events come in while the adapter waits.
+    // The diary may have changed while the adapter waited.
     if (sessionWatch.hasDiaryChanged()) {
         return fail(parent, MainDialog::diaryChangedText(),
                     QStringLiteral("-!- Plugin component execution failed: diary closed or changed"));
@@ -129,7 +129,8 @@ bool MerivoConnectionsComponent::execute(QWidget* parent)
         dialog.exec();
 
         logTrace(QStringLiteral("--- Plugin component execution finishing"));
-        // The parser first: its thread reads the writer. Both before the dialog, which hears of nothing more.
+        // The parser first, because its thread reads the writer. Both before the dialog, which then receives no more
+        // signals.
         delete StatusFileParser::instance();
         delete CommandFileWriter::instance();
     }
@@ -152,7 +153,7 @@ bool MerivoConnectionsComponent::checkFirmware(const QString& drivePath)
     return true;
 }
 
-/// Ends a run that can't reach the dialog: the user first, then the log.
+/// Ends a run before the main dialog: shows the message box first, then writes the log.
 bool MerivoConnectionsComponent::fail(QWidget* parent, const QString& text, const QString& logLine) const
 {
     warn(title(), text, parent);

@@ -19,7 +19,7 @@
 
 namespace {
 
-/// The host's extension point of that name as the class that stands behind the name; null stays null.
+/// Returns the host's extension point of that name, cast to its class, or null.
 template <typename ExtensionPoint>
 ExtensionPoint* find(IExtensionRegistry* registry, const QString& name)
 {
@@ -32,7 +32,7 @@ MerivoConnectionsPlugin::MerivoConnectionsPlugin()
 {
     qRegisterMetaType<CommandStatus>("CommandStatus");
     m_component = std::make_unique<MerivoConnectionsComponent>(&m_commandController, this);
-    m_icon = m_component->icon(); // One picture for both, so that it is loaded once.
+    m_icon = m_component->icon(); // Shared, so that the picture is loaded once.
 }
 
 MerivoConnectionsPlugin::~MerivoConnectionsPlugin()
@@ -87,7 +87,7 @@ void MerivoConnectionsPlugin::setExtensionRegistry(IExtensionRegistry* registry)
     PatientSession::instance(nullptr);
     PatientSession::setHost(m_services, m_database);
     m_eventsObserver.attach(publisher, m_database);
-    // The main dialog needs an open diary, so that its pictures aren't needed before one is opened.
+    // The main dialog requires an open diary, so its pictures aren't needed before.
     if (publisher) {
         connect(publisher, &IEventPublisher::diarySessionOpened, m_component.get(),
                 &MerivoConnectionsComponent::loadPictures, Qt::UniqueConnection);
@@ -99,7 +99,7 @@ void MerivoConnectionsPlugin::initialize(QSettings& settings, const QDir& direct
     IPlugin::initialize(settings, directory);
 
     if (m_services) {
-        // The call that fixes the logger's host: every other one passes nulls.
+        // This first call sets the logger's host; all others pass null.
         Logger::instance(this, m_services);
         const QString rule(56, QLatin1Char('-'));
         logTrace(rule);
@@ -111,7 +111,7 @@ void MerivoConnectionsPlugin::initialize(QSettings& settings, const QDir& direct
     if (enabled.toUpper() != QLatin1String("TRUE"))
         return;
 
-    // An empty path stands for the current folder and passes, but stays empty: the runs then go against the reader.
+    // An empty path is accepted as the current folder, but m_simulationPath is then empty: the runs use the reader.
     const QString path = settings.value(QStringLiteral("SimulationPath")).toString();
     if (!QDir(path).exists()) {
         logFailure(QStringLiteral("SIMULATION disabled due to missing path."), path);

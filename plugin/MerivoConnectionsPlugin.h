@@ -16,9 +16,9 @@ class IDeviceAdmin;
 class IServices;
 class MerivoConnectionsComponent;
 
-/// The object that the host loads, once per process; IPlugin tells the order of its calls. It finds the host's
-/// extension points, makes the log, decides whether the runs go against a reader or a simulation folder, and owns what
-/// lives longer than a run. GUI thread only.
+/// The object that the host loads, once per process; IPlugin documents the order of its calls. It looks up the host's
+/// extension points, creates the log, selects a reader or a simulation folder for the runs, and owns what lives longer
+/// than a run. GUI thread only.
 class MerivoConnectionsPlugin final : public QObject, public IPlugin
 {
     Q_OBJECT
@@ -27,7 +27,7 @@ class MerivoConnectionsPlugin final : public QObject, public IPlugin
     Q_DISABLE_COPY_MOVE(MerivoConnectionsPlugin)
 
 public:
-    /// Runs before any host interface is known and writes no log line: the first one fixes the logger's host for good.
+    /// Doesn't write to the log: the first record would create a logger without the host.
     MerivoConnectionsPlugin();
     ~MerivoConnectionsPlugin() override;
 
@@ -38,29 +38,29 @@ public:
     QIcon icon() const override;
 
     QString pluginName() const override;
-    /// Looks up the five extension points and hands them on. A null registry, or one that doesn't know a name, leaves
-    /// null pointers and a working object.
+    /// Looks up the five extension points and passes them on. They are null if the registry is null or doesn't know
+    /// them.
     void setExtensionRegistry(IExtensionRegistry* registry) override;
-    /// Reads "EnableSimulation", which is on for "true" in any letter case, and "SimulationPath". A simulation folder
-    /// that doesn't exist is logged and leaves the plug-in with the reader.
+    /// Reads "EnableSimulation", which is on for "true" in any letter case, and "SimulationPath". If the simulation
+    /// folder doesn't exist, logs a failure and uses the reader.
     void initialize(QSettings& settings, const QDir& directory) override;
-    /// Takes the user's language before British English, and the host's folder before the compiled-in files. Without
-    /// services, or without any such file, the user reads the source texts.
+    /// Prefers the user's language to British English, and the host's folder to the compiled-in files. Without
+    /// services, or if no file is found, the user sees the source texts.
     void installTranslator() override;
-    /// The one component, the same at each call.
+    /// Returns the only component.
     QList<IComponent*> components() const override;
 
-    /// What the component's imports go through.
+    /// Returns the controller that the imports use.
     const CommandController& commandController() const { return m_commandController; }
 
 private:
-    // In this order: the members go away in the reverse one, behind the component.
+    // Declaration order matters: destroyed in reverse, after the component.
     CommandController m_commandController;
     EventsObserver m_eventsObserver;
     std::unique_ptr<MerivoConnectionsComponent> m_component;
 
 public:
-    /// The host's extension points, not owned, as the component reads them; null until the host has given them.
+    /// The host's extension points. Not owned; null until setExtensionRegistry().
     IServices* m_services = nullptr;
     IDeviceAdmin* m_deviceAdmin = nullptr;
     IDatabase* m_database = nullptr;
