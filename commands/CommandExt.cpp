@@ -28,9 +28,8 @@ bool CommandExt::isExecutable() const
 
 void CommandExt::prepare() {}
 
-bool CommandExt::parseOption(QStringList& args)
+bool CommandExt::parseOption(QStringList&)
 {
-    Q_UNUSED(args)
     return false;
 }
 

@@ -41,9 +41,8 @@ void EventsObserver::onDiarySessionOpened(IDiarySessionOpenedEvtPtr evt)
     session->setDiaryName(evt->diaryName());
 }
 
-void EventsObserver::onDiarySessionClosed(IDiarySessionClosedEvtPtr evt)
+void EventsObserver::onDiarySessionClosed(IDiarySessionClosedEvtPtr)
 {
-    Q_UNUSED(evt)
     PatientSession::create(nullptr);
 }
 

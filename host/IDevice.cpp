@@ -18,9 +18,8 @@ bool IDevice::reserved1()
     return false;
 }
 
-bool IDevice::reserved2(void* argument)
+bool IDevice::reserved2(void*)
 {
-    Q_UNUSED(argument)
     return false;
 }
 
@@ -29,15 +28,13 @@ bool IDevice::reserved3()
     return false;
 }
 
-bool IDevice::reserved4(void* argument)
+bool IDevice::reserved4(void*)
 {
-    Q_UNUSED(argument)
     return false;
 }
 
-bool IDevice::reserved5(void* argument)
+bool IDevice::reserved5(void*)
 {
-    Q_UNUSED(argument)
     return false;
 }
 
@@ -56,22 +53,18 @@ QStringList IDevice::reserved8()
     return {};
 }
 
-QVariant IDevice::reserved9(void* argument)
+QVariant IDevice::reserved9(void*)
 {
-    Q_UNUSED(argument)
     return {};
 }
 
-int IDevice::reserved10(void* argument1, void* argument2)
+int IDevice::reserved10(void*, void*)
 {
-    Q_UNUSED(argument1)
-    Q_UNUSED(argument2)
     return 0;
 }
 
-bool IDevice::reserved11(void* argument)
+bool IDevice::reserved11(void*)
 {
-    Q_UNUSED(argument)
     return false;
 }
 

@@ -14,16 +14,12 @@ void IPlugin::setExtensionRegistry(IExtensionRegistry* registry)
     m_registry = registry;
 }
 
-void IPlugin::initialize(QSettings& settings, const QDir& directory)
+void IPlugin::initialize(QSettings&, const QDir& directory)
 {
-    Q_UNUSED(settings)
     m_dir = directory;
 }
 
-void IPlugin::onHostNotice(void* notice)
-{
-    Q_UNUSED(notice)
-}
+void IPlugin::onHostNotice(void*) {}
 
 void IPlugin::installTranslator() {}
 

@@ -19,9 +19,8 @@ IServices::~IServices() = default;
 
 IDeviceAdmin::~IDeviceAdmin() = default;
 
-bool IDeviceAdmin::setDeviceHold(bool hold)
+bool IDeviceAdmin::setDeviceHold(bool)
 {
-    Q_UNUSED(hold)
     return false;
 }
 
