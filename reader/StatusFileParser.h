@@ -47,7 +47,6 @@ public:
     /// Starts a polling for the command that CommandFileWriter has just submitted. Reads the status once, on the
     /// calling thread; the rest happens on the worker thread. Must not be called during a polling.
     ///
-    ///
     /// @param timeoutSec  limit of the whole polling, in seconds
     /// @param startingSec limit for the reader to start the command, in seconds; 0: @p timeoutSec
     /// @param delayMs     pause before the first tick, in milliseconds; 0: 500 ms

@@ -41,7 +41,6 @@ public:
     QString pumpSerialNumber() const { return m_pumpSerialNumber; }
     void setPumpSerialNumber(const QString& serialNumber) { m_pumpSerialNumber = serialNumber; }
 
-    /// Returns the display name of the pump.
     QString deviceName() const { return m_deviceName; }
     void setDeviceName(const QString& deviceName) { m_deviceName = deviceName; }
 

@@ -21,9 +21,8 @@
 #endif
 
 // Communication between the GUI thread and the polling thread. Values are posted with invokeQueued(), except atomics
-// and the arguments of queued signals, which are numbers. The locks of Qt's event queue and threads order the two
-// sides. ThreadSanitizer doesn't see them, because Qt isn't instrumented; the annotations in this file stand in for
-// them.
+// and the arguments of queued signals, which are numbers. Qt's internal locks order the two sides; the annotations
+// describe that order to ThreadSanitizer, which doesn't see the locks because Qt isn't instrumented.
 
 /// Everything before this call happens before whatever follows annotateHappensAfter() for the same address.
 inline void annotateHappensBefore([[maybe_unused]] void* address)
