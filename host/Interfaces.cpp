@@ -11,7 +11,7 @@
 #include "host/IQueryDiaryCmd.h"
 #include "host/IServices.h"
 
-// A destructor that is defined here is a key function: the virtual table of its class is emitted in this file only.
+// Destructors are out of line, so that not every file that uses an interface emits its virtual table.
 
 IExtensionPoint::~IExtensionPoint() = default;
 
