@@ -21,8 +21,8 @@ public:
     /// open database. Runs the host's handler before it returns and ignores the result. Requires m_commandHandler.
     void importData(const QString& dbGuid);
 
-    /// Returns the import as command-line arguments: the command name, the non-empty pids with their numbers from 1, @p
-    /// path and the MAC. Each value is in single quotes.
+    /// Returns the import as command-line arguments: the command name, the non-empty pids with their numbers from 1,
+    /// @p path and the MAC. Each value is in single quotes.
     static QStringList importArguments(const ImportDataCommand& command, const QString& path);
 
     /// The host's command handler. Not owned; null until the plug-in has looked it up.

@@ -21,8 +21,8 @@ public:
     explicit EventsObserver(QObject* parent = nullptr);
 
     /// Observes @p publisher, which may be null. A publisher or database of an earlier call is deleted if another one
-    /// replaces it, the only case in which the plug-in deletes an extension point. Attaching a publisher again connects
-    /// it again.
+    /// or null replaces it, the only case in which the plug-in deletes an extension point. Attaching a publisher again
+    /// connects it again.
     void attach(IEventPublisher* publisher, IDatabase* database);
 
 public Q_SLOTS:

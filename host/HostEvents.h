@@ -6,8 +6,8 @@
 
 #include <QSharedPointer>
 
-/// Base of the events of IEventPublisher, except those of a patient, which have IPatientData as a virtual base. Events
-/// are shared and don't change after they are published.
+/// Base of the events of IEventPublisher, except IPatientChangedEvt and IDiarySessionOpenedEvt, which have
+/// IPatientData as a virtual base. Events are shared and don't change after they are published.
 class IHostEvent
 {
 public:

@@ -11,7 +11,7 @@
 #include "host/IQueryDiaryCmd.h"
 #include "host/IServices.h"
 
-// Destructors are out of line, so that not every file that uses an interface emits its virtual table.
+// Constructors and destructors are out of line, so that not every file that uses an interface emits its virtual table.
 
 IExtensionPoint::~IExtensionPoint() = default;
 

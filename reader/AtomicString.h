@@ -7,8 +7,8 @@
 #include <atomic>
 #include <forward_list>
 
-/// A text that the GUI thread sets and that any thread reads without a lock. Keeps every text that it was set to, so
-/// that a text can't be destroyed while it is read.
+/// A text that the GUI thread sets and that any thread reads without a lock. Keeps every text that it was set to
+/// until it is destroyed itself, so that no text is destroyed while it is read; no thread may read it then.
 class AtomicString final
 {
     Q_DISABLE_COPY_MOVE(AtomicString)

@@ -38,7 +38,7 @@ int endOfPlainSection(const QByteArray& list, int begin)
 
 /// Returns the length of the prefix that QXmlStreamReader parses in linear time. It compares the attributes of an
 /// element with each other, searches all open namespaces for each name, and can expand a few declarations to a very
-/// long text. A valid list has hardly any of these; a list with many is damaged and is cut there.
+/// long text. A valid list has no declarations and few of the others; any other is damaged and is cut there.
 int safePrefixLength(const QByteArray& list)
 {
     constexpr int MaxAttributes = 100;

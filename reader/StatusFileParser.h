@@ -51,10 +51,10 @@ public:
     /// @param startingSec limit for the reader to start the command, in seconds; 0: @p timeoutSec
     /// @param delayMs     pause before the first tick, in milliseconds; 0: 500 ms
     void start(int timeoutSec, int startingSec, int delayMs);
-    /// Requests the end of the polling: the next tick emits finished(true) with the status Canceled. A request that
-    /// comes after a time-out stays pending and cancels the next polling. In state Ended requests are ignored; a new
-    /// polling keeps the state of the previous one until its first tick, so that a request before that tick may be
-    /// lost.
+    /// Requests the end of the polling: the next tick emits finished(true) with the status Canceled. A request
+    /// outside a polling stays pending and cancels the next polling if none has run yet, or if the last one ended by a
+    /// time-out or a cancel. In state Ended requests are ignored; a new polling keeps the state of the previous one
+    /// until its first tick, so that a request before that tick may be lost.
     void cancel();
 
     /// Rewrites the trigger file, then reads the status file. Logs a failure and returns the default record, whose

@@ -26,7 +26,7 @@ public:
     /// Replaces the session by one for the patient whose diary the host has opened. If a run for that patient is under
     /// way (see SessionWatch), the new session takes over pump, device name and exchange file.
     static PatientSession* open(const QString& patientId);
-    /// Sets the host interfaces for patientIdExt() with a valid birthday and patientIdsOf(). Not owned.
+    /// Sets the host interfaces that patientIdExt() with a valid birthday and patientIdsOf() need. Not owned.
     static void setHost(IServices* services, IDatabase* database);
 
     /// Returns the patient's key in the host ("puid"); empty if no patient is open.

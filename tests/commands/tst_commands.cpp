@@ -180,7 +180,7 @@ private Q_SLOTS:
         }
     }
 
-    void importWords()
+    void importArguments()
     {
         const QStringList rows[] = {
             {"Doe,,1970-02-03", "-pid1|'Doe'|-pid3|'1970-02-03'|"}, {",,,O'Hara %1", "-pid4|'O'Hara %1'|"}, {",", ""}};
