@@ -3,8 +3,7 @@
 #include "dialogs/MainDialog.h"
 
 #include "dialogs/CallLater.h"
-#include "dialogs/DialogEnd.h"
-#include "dialogs/DialogHeader.h"
+#include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
 #include "dialogs/PumpAddDialog.h"
 #include "dialogs/PumpReadDialog.h"

@@ -4,8 +4,7 @@
 
 #include "dialogs/CallLater.h"
 #include "dialogs/DevicesModel.h"
-#include "dialogs/DialogEnd.h"
-#include "dialogs/DialogHeader.h"
+#include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
@@ -54,12 +53,12 @@ void PumpAddDialog::setFonts()
 /// A picture, a movie and the table say to a screen reader what is written beside them.
 void PumpAddDialog::setAccessibleNames()
 {
-    m_StartBusyLabel->setAccessibleName(plainText(m_StartMessage2->text()));
-    m_PumpsOverview->setAccessibleName(plainText(m_OverviewMessage2->text()));
+    m_StartBusyLabel->setAccessibleName(htmlToPlainText(m_StartMessage2->text()));
+    m_PumpsOverview->setAccessibleName(htmlToPlainText(m_OverviewMessage2->text()));
     m_AssignGraphicLabel->setAccessibleName(m_AssignMessage2->text());
-    m_AssignBusyLabel->setAccessibleName(plainText(m_AssignBusyMessage->text()));
+    m_AssignBusyLabel->setAccessibleName(htmlToPlainText(m_AssignBusyMessage->text()));
     m_ConfirmGraphicLabel->setAccessibleName(m_ConfirmMessage->text());
-    m_ConfirmBusyLabel->setAccessibleName(plainText(m_ConfirmBusyMessage->text()));
+    m_ConfirmBusyLabel->setAccessibleName(htmlToPlainText(m_ConfirmBusyMessage->text()));
     m_ReassignGraphicLabel->setAccessibleName(m_ReassignMessage->text());
 }
 
@@ -384,8 +383,8 @@ QString PumpAddDialog::reassignQuestion(const DeviceInfo& device) const
     const QString oldPatient = PatientSession::patientName(PatientSession::patientIdsOf(device.patientId));
     const QString question =
         tr("Are you sure to reassign the pump <b>%1</b> from patient <b>'%2'</b> to patient <b>'%3'</b>?")
-            .arg(inQuestion(device.serialNumber), inQuestion(oldPatient),
-                 inQuestion(PatientSession::instance()->patientName()));
+            .arg(escapedForPrompt(device.serialNumber), escapedForPrompt(oldPatient),
+                 escapedForPrompt(PatientSession::instance()->patientName()));
     return question + QStringLiteral("<br/>") +
            tr("<b>Note:</b><br/><i>The data that was downloaded from the pump remains in the patient record.</b>");
 }

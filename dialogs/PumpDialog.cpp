@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/PumpDialog.h"
 
-#include "dialogs/DialogEnd.h"
-#include "dialogs/DialogHeader.h"
+#include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
 #include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"

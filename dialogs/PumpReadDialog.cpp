@@ -3,7 +3,7 @@
 #include "dialogs/PumpReadDialog.h"
 
 #include "dialogs/CallLater.h"
-#include "dialogs/DialogHeader.h"
+#include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/MessageBoxes.h"

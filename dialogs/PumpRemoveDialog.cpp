@@ -3,7 +3,7 @@
 #include "dialogs/PumpRemoveDialog.h"
 
 #include "dialogs/DevicesModel.h"
-#include "dialogs/DialogHeader.h"
+#include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/MessageBoxes.h"
@@ -19,7 +19,7 @@ PumpRemoveDialog::PumpRemoveDialog(IServices* services, IDatabase* database, con
 {
     setupUi(this);
     fillHeader(m_TitleLabel, m_SimulationLabel, m_PatientLine1, m_PatientLine2, simulationPath);
-    m_PumpsOverview->setAccessibleName(plainText(m_PumpsListLabel->text()));
+    m_PumpsOverview->setAccessibleName(htmlToPlainText(m_PumpsListLabel->text()));
 
     m_DialogButtonBox->button(QDialogButtonBox::Ok)->setText(tr("Remove", "Description on the dialog accept button"));
 
@@ -62,8 +62,9 @@ void PumpRemoveDialog::askAndRemove()
     if (rejectIfDiaryChanged())
         return;
     const PatientSession* session = PatientSession::instance();
-    const QString question = tr("Are you sure to remove the pump <b>%1</b> from patient <b>%2</b>?")
-                                 .arg(inQuestion(session->pumpSerialNumber()), inQuestion(session->patientName()));
+    const QString question =
+        tr("Are you sure to remove the pump <b>%1</b> from patient <b>%2</b>?")
+            .arg(escapedForPrompt(session->pumpSerialNumber()), escapedForPrompt(session->patientName()));
     const QMessageBox::StandardButton answer =
         ask(tr("Merivo Connections", "Default message box title used within plugin questions."),
             question + QStringLiteral("<br/>") + m_NoteLabel->text());

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 #include "dialogs/DevicesModel.h"
-#include "dialogs/DialogHeader.h"
 #include "dialogs/DialogRun.h"
+#include "dialogs/DialogUtils.h"
 #include "plugin/session/PatientSession.h"
 
 #include <QAbstractEventDispatcher>
@@ -344,7 +344,7 @@ private Q_SLOTS:
             run.click("Assign");
             run.readerEnds(CommandStatus::Done, text);
             auto* code = run.dialog->findChild<QLabel*>("m_AssignPairingCode");
-            QCOMPARE((code->text() == text ? text : plainText(code->toolTip())).simplified(), text.simplified());
+            QCOMPARE((code->text() == text ? text : htmlToPlainText(code->toolTip())).simplified(), text.simplified());
         } else {
             run.answerNextBox(QMessageBox::No);
             boxes = run.click("Remove").filter("box");

@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "dialogs/DialogHeader.h"
+#include "dialogs/DialogUtils.h"
 
 #include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "toolkit/LmIcons.h"
 
+#include <QDialog>
 #include <QLabel>
 #include <QPixmap>
 #include <QTextDocumentFragment>
@@ -49,13 +50,13 @@ void showPatient(QLabel* line1, QLabel* line2)
     showIfAny(line2, session->patientIdExt(), 2);
 }
 
-QString inQuestion(const QString& text)
+QString escapedForPrompt(const QString& text)
 {
     constexpr int MaxLength = 200;
     return (text.size() <= MaxLength ? text : elided(text, MaxLength)).toHtmlEscaped();
 }
 
-QString plainText(const QString& text)
+QString htmlToPlainText(const QString& text)
 {
     return QTextDocumentFragment::fromHtml(text).toPlainText().simplified();
 }
@@ -67,4 +68,9 @@ void showScaledToWidth(QLabel* label, const QString& path, int width)
     const QPixmap current = label->pixmap(Qt::ReturnByValue);
     const QSize size = current.scaledToWidth(qRound(width * formScale(label)), Qt::FastTransformation).size();
     label->setPixmap(lmIcon(path).pixmap(size));
+}
+
+void closeAsRejected(QDialog* dialog)
+{
+    dialog->done(QDialog::Rejected);
 }
