@@ -6,22 +6,6 @@
 
 class QDialog;
 class QLabel;
-class QWidget;
-
-// What the headers of all dialogs share. The fonts themselves are the application's: its style sheet selects on the
-// dynamic properties that are set here.
-
-/// Marks @p widget for the style sheet's big font.
-void markBigSizeFont(QWidget* widget);
-
-/// Marks @p widget for the style sheet's highlighted font.
-void markHighlightFont(QWidget* widget);
-
-/// Shows the folder that stands for the reader's drive, or hides the label if the path is empty.
-void showSimulationPath(QLabel* label, const QString& path);
-
-/// Fills the two lines with name and further data of the open patient and hides a line that has none.
-void showPatient(QLabel* line1, QLabel* line2);
 
 /// A number or name as it goes into a question with markup: shown as it stands, so that one with "<" in it doesn't
 /// change what is asked, and cut where it is longer than any real one, so that the box fits on the screen.

@@ -42,14 +42,11 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
     setupUi(this);
     lmRemoveHelpButton(this);
 
-    markBigSizeFont(m_TitleLabel);
-    markHighlightFont(m_TitleLabel);
-    m_TitleLabel->hide();
-    showSimulationPath(m_SimulationLabel, m_simulationPath);
+    m_Header->hideTitle();
     // Nothing failed, but a log that shows no real reader must stand out.
     if (!m_simulationPath.isEmpty())
         logFailure(QStringLiteral("Device reader simulation used."), m_simulationPath);
-    showPatient(m_PatientLine1, m_PatientLine2);
+    m_Header->fill(m_simulationPath);
 
     showScaledToWidth(m_GraphicLabel1, PumpPicture, PictureWidth);
     showScaledToWidth(m_GraphicLabel3, ReaderPicture, PictureWidth);

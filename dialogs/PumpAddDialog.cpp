@@ -25,8 +25,7 @@ PumpAddDialog::PumpAddDialog(IServices* services, IDatabase* database, const QSt
     , m_control(new AddPumpControl(services, database, this))
 {
     setupUi(this);
-    fillHeader(m_TitleLabel, m_SimulationLabel, m_PatientLine1, m_PatientLine2, simulationPath);
-    setFonts();
+    m_Header->fill(simulationPath);
     setAccessibleNames();
 
     for (QLabel* label : {m_StartBusyLabel, m_AssignBusyLabel, m_ConfirmBusyLabel})
@@ -41,13 +40,6 @@ PumpAddDialog::PumpAddDialog(IServices* services, IDatabase* database, const QSt
     connectAll();
     setPage(StartPage);
     scaleForm(this);
-}
-
-void PumpAddDialog::setFonts()
-{
-    markBigSizeFont(m_AssignPairingCode);
-    for (QLabel* label : {m_AssignPairingCode, m_AssignSubTitle, m_ConfirmSubTitle, m_ReassignSubTitle})
-        markHighlightFont(label);
 }
 
 /// A picture, a movie and the table say to a screen reader what is written beside them.

@@ -29,7 +29,6 @@ public:
 private:
     enum Page { StartPage, OverviewPage, AssignPage, ConfirmPage, ReassignPage };
 
-    void setFonts();
     void setAccessibleNames();
     void connectAll();
 

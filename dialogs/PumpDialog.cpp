@@ -58,15 +58,6 @@ bool PumpDialog::rejectIfDiaryChanged()
     return true;
 }
 
-void PumpDialog::fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
-                            const QString& simulationPath)
-{
-    markBigSizeFont(title);
-    markHighlightFont(title);
-    showSimulationPath(simulation, simulationPath);
-    showPatient(patientLine1, patientLine2);
-}
-
 void PumpDialog::setWidthScaledPixmap(QLabel* label, const QString& path, int width)
 {
     showScaledToWidth(label, path, width);

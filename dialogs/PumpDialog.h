@@ -35,10 +35,6 @@ Q_SIGNALS:
     void deviceReaderCritical();
 
 protected:
-    /// To be called once the form is set up: fills the header that the pump dialogs have in common.
-    void fillHeader(QLabel* title, QLabel* simulation, QLabel* patientLine1, QLabel* patientLine2,
-                    const QString& simulationPath);
-
     /// Closes the dialog as Rejected, also with Cancel disabled, if the diary was closed or changed since it opened.
     /// Returns true then. Called before each step for a patient and again after a question, during which the diary may
     /// have changed; the main dialog reports the end to the user.

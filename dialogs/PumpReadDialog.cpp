@@ -3,7 +3,6 @@
 #include "dialogs/PumpReadDialog.h"
 
 #include "dialogs/CallLater.h"
-#include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/MessageBoxes.h"
@@ -23,12 +22,11 @@ PumpReadDialog::PumpReadDialog(IServices* services, IDatabase* database, const Q
     , m_control(new ReadoutPumpControl(this))
 {
     setupUi(this);
-    fillHeader(m_TitleLabel, m_SimulationLabel, m_PatientLine1, m_PatientLine2, simulationPath);
+    m_Header->fill(simulationPath);
 
     setWidthScaledPixmap(m_ResultLabel, QStringLiteral(":/img/Images/result_succeeded.svg"), ResultWidth);
     m_ResultLabel->hide();
     m_BusyLabel->setMovie(&m_busyMovie);
-    markHighlightFont(m_MessageLabel);
     m_ReadButton->hide();
 
     callLater(StartDelayMs, this, &PumpReadDialog::startRead);

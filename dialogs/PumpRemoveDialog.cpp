@@ -18,7 +18,7 @@ PumpRemoveDialog::PumpRemoveDialog(IServices* services, IDatabase* database, con
     , m_control(new RemovePumpControl(this))
 {
     setupUi(this);
-    fillHeader(m_TitleLabel, m_SimulationLabel, m_PatientLine1, m_PatientLine2, simulationPath);
+    m_Header->fill(simulationPath);
     m_PumpsOverview->setAccessibleName(htmlToPlainText(m_PumpsListLabel->text()));
 
     m_DialogButtonBox->button(QDialogButtonBox::Ok)->setText(tr("Remove", "Description on the dialog accept button"));

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui_DialogHeader.h"
+
+/// The top line of a dialog: its title, the path of a simulated reader, and the open patient.
+///
+/// The application provides the fonts: its style sheet selects on the dynamic properties "BigSizeFont" and
+/// "HighlightFont", which the forms set.
+class DialogHeader final : public QWidget, private Ui::DialogHeader
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(DialogHeader)
+    Q_PROPERTY(QString title READ title WRITE setTitle) // for the forms
+
+public:
+    explicit DialogHeader(QWidget* parent);
+
+    QString title() const { return m_TitleLabel->text(); }
+    void setTitle(const QString& title) { m_TitleLabel->setText(title); }
+    void hideTitle() { m_TitleLabel->hide(); }
+
+    /// Shows @p simulationPath, and name and further data of the open patient, and hides the labels without a text.
+    void fill(const QString& simulationPath);
+};
