@@ -74,12 +74,6 @@ void PumpAddDialog::connectAll()
         connect(m_control, stopped, this, &PumpAddDialog::onWorkflowStopped);
 }
 
-bool PumpAddDialog::isCancelEnabled() const
-{
-    const QPushButton* cancel = m_DialogButtonBox->button(QDialogButtonBox::Cancel);
-    return cancel && cancel->isEnabled();
-}
-
 /// The one place where pages change.
 void PumpAddDialog::setPage(int index)
 {

@@ -24,7 +24,7 @@ public:
 
     PumpAddDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
 
-    bool isCancelEnabled() const override;
+    bool isCancelEnabled() const override { return hasEnabledCancel(*m_DialogButtonBox); }
 
 private:
     enum Page { StartPage, OverviewPage, AssignPage, ConfirmPage, ReassignPage };

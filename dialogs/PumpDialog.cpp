@@ -8,7 +8,8 @@
 #include "reader/StatusFileParser.h"
 #include "toolkit/LmWidgets.h"
 
-#include <QLabel>
+#include <QDialogButtonBox>
+#include <QPushButton>
 
 namespace {
 
@@ -36,6 +37,12 @@ void PumpDialog::onDeviceReaderTimeout()
          tr("Something is wrong with the devicereader. Please reconnect it to the PC."));
     Q_EMIT deviceReaderCritical();
     closeAsRejected(this); // Cancel is disabled while a command runs
+}
+
+bool PumpDialog::hasEnabledCancel(const QDialogButtonBox& buttonBox)
+{
+    const QPushButton* cancel = buttonBox.button(QDialogButtonBox::Cancel);
+    return cancel && cancel->isEnabled();
 }
 
 void PumpDialog::reject()

@@ -9,6 +9,7 @@
 
 class IDatabase;
 class IServices;
+class QDialogButtonBox;
 class QLabel;
 
 /// Base of the dialogs that drive the reader: the host's interfaces, the busy animation, the end of a dialog whose
@@ -35,6 +36,8 @@ Q_SIGNALS:
     void deviceReaderCritical();
 
 protected:
+    static bool hasEnabledCancel(const QDialogButtonBox& buttonBox);
+
     /// Closes the dialog as Rejected, also with Cancel disabled, if the diary was closed or changed since it opened.
     /// Returns true then. Called before each step for a patient and again after a question, during which the diary may
     /// have changed; the main dialog reports the end to the user.

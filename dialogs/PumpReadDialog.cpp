@@ -44,12 +44,6 @@ PumpReadDialog::PumpReadDialog(IServices* services, IDatabase* database, const Q
     scaleForm(this);
 }
 
-bool PumpReadDialog::isCancelEnabled() const
-{
-    const QPushButton* cancel = m_DialogButtonBox->button(QDialogButtonBox::Cancel);
-    return cancel && cancel->isEnabled();
-}
-
 void PumpReadDialog::startRead()
 {
     if (rejectIfDiaryChanged())

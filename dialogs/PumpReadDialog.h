@@ -17,7 +17,7 @@ class PumpReadDialog final : public PumpDialog, private Ui::PumpReadDialog
 public:
     PumpReadDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
 
-    bool isCancelEnabled() const override;
+    bool isCancelEnabled() const override { return hasEnabledCancel(*m_DialogButtonBox); }
 
 Q_SIGNALS:
     /// The pump's data are there; the dialog closes as Accepted right after. Never comes with a Rejected dialog.

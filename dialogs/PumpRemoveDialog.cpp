@@ -37,12 +37,6 @@ PumpRemoveDialog::PumpRemoveDialog(IServices* services, IDatabase* database, con
     scaleForm(this);
 }
 
-bool PumpRemoveDialog::isCancelEnabled() const
-{
-    const QPushButton* cancel = m_DialogButtonBox->button(QDialogButtonBox::Cancel);
-    return cancel && cancel->isEnabled();
-}
-
 void PumpRemoveDialog::onCurrentRowChanged(const QModelIndex& index)
 {
     qDebug().noquote() << QStringLiteral("Current row = '%1'").arg(index.row());

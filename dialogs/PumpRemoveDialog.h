@@ -17,7 +17,7 @@ class PumpRemoveDialog final : public PumpDialog, private Ui::PumpRemoveDialog
 public:
     PumpRemoveDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
 
-    bool isCancelEnabled() const override;
+    bool isCancelEnabled() const override { return hasEnabledCancel(*m_DialogButtonBox); }
 
 private:
     void onCurrentRowChanged(const QModelIndex& index);
