@@ -10,8 +10,8 @@
 namespace {
 
 /// How many rows are measured for the width of a column: the list may have thousands.
-constexpr int MeasuredRows = 20;
-constexpr int LeastWidth = 80; // of a column, in pixels
+constexpr int MaxMeasuredRows = 20;
+constexpr int MinColumnWidth = 80; // of a column, in pixels
 
 } // namespace
 
@@ -77,22 +77,22 @@ void DevicesTable::resizeEvent(QResizeEvent* event)
     fitColumns();
 }
 
-/// There is no horizontal scroll bar, and a serial number must be read whole: from left to right a column gets the room
-/// that its texts need, and the last one has the rest. On a screen with very large fonts it is the last that are cut.
+/// From left to right each column gets the width that its texts need, and the last one the rest, since there is no
+/// horizontal scroll bar and a serial number must be shown whole. With very large fonts the last columns are cut.
 void DevicesTable::fitColumns()
 {
     if (!m_devicesModel)
         return;
-    horizontalHeader()->setResizeContentsPrecision(MeasuredRows);
-    int room = viewport()->width();
+    horizontalHeader()->setResizeContentsPrecision(MaxMeasuredRows);
+    int available = viewport()->width();
     for (int column = 0; column < DevicesModel::ColumnCount - 1; ++column) {
         if (isColumnHidden(column))
             continue;
-        const int leftForOthers = LeastWidth * (DevicesModel::ColumnCount - 1 - column);
+        const int forOthers = MinColumnWidth * (DevicesModel::ColumnCount - 1 - column);
         const int wanted = qMax(headerWidth(column), sizeHintForColumn(column));
-        const int width = qBound(LeastWidth, wanted, qMax(LeastWidth, room - leftForOthers));
+        const int width = qBound(MinColumnWidth, wanted, qMax(MinColumnWidth, available - forOthers));
         horizontalHeader()->resizeSection(column, width);
-        room -= width;
+        available -= width;
     }
 }
 

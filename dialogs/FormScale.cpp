@@ -16,7 +16,7 @@ constexpr int FormDpi = 96;
 /// Screens without a configured scale report up to 100 dpi; the forms are made for these.
 constexpr int MaxUnscaledDpi = 100;
 /// The property with the maximum number of lines in a label.
-constexpr char MaxLines[] = "MaxLines";
+constexpr char MaxLinesProperty[] = "MaxLines";
 /// No label is large enough for more characters.
 constexpr int MaxForeignLength = 300;
 
@@ -70,12 +70,12 @@ void layOut(QDialog* dialog)
 
 bool fits(const QLabel& label, const QString& text)
 {
-    const int maxLines = label.property(MaxLines).toInt();
+    const int maxLines = label.property(MaxLinesProperty).toInt();
     const QFontMetrics metrics = label.fontMetrics();
-    const QRect room(0, 0, label.width(), QWIDGETSIZE_MAX);
-    const QSize needed = metrics.boundingRect(room, Qt::TextWordWrap, text).size();
+    const QRect space(0, 0, label.width(), QWIDGETSIZE_MAX);
+    const QSize needed = metrics.boundingRect(space, Qt::TextWordWrap, text).size();
     // A line can be higher than the spacing by a fraction of a pixel.
-    return needed.width() <= room.width() && needed.height() < (maxLines + 1) * metrics.lineSpacing();
+    return needed.width() <= space.width() && needed.height() < (maxLines + 1) * metrics.lineSpacing();
 }
 
 /// Shows as much of the label's text as fits.
@@ -141,7 +141,7 @@ void scaleForm(QDialog* dialog)
     layOut(dialog);
     const QList<QLabel*> labels = dialog->findChildren<QLabel*>();
     for (QLabel* label : labels) {
-        if (label->property(MaxLines).isValid())
+        if (label->property(MaxLinesProperty).isValid())
             shorten(label);
     }
     growToTexts(dialog, size);
@@ -156,7 +156,7 @@ QString elided(const QString& text, int length)
 
 void showForeignText(QLabel* label, const QString& text, int maxLines)
 {
-    label->setProperty(MaxLines, maxLines);
+    label->setProperty(MaxLinesProperty, maxLines);
     label->setMinimumWidth(1);
     label->setText(text);
     label->setToolTip({});

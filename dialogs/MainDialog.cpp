@@ -29,7 +29,7 @@ const QString PumpPicture = QStringLiteral(":/img/Images/Cygnara.svg");
 const QString ReaderPicture = QStringLiteral(":/img/Images/DeviceReader.svg");
 constexpr QSize StateIconSize{32, 32};
 /// A shorter answer to the paired pump query, such as "0", means that there is no pump.
-constexpr int ShortestSerialNumber = 3;
+constexpr int MinSerialNumberLength = 3;
 
 } // namespace
 
@@ -171,7 +171,7 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
     }
 
     m_pairedPumpKnown = true;
-    const QString serialNumber = record.result.size() >= ShortestSerialNumber ? record.result : QString();
+    const QString serialNumber = record.result.size() >= MinSerialNumberLength ? record.result : QString();
     PatientSession::instance()->setPumpSerialNumber(serialNumber);
     logTrace(QStringLiteral("=== Paired pump query for patient '%2' finished: snr='%1'.").arg(serialNumber, patientId));
     refresh();
@@ -249,7 +249,7 @@ void MainDialog::onImportDataReady()
     if (rejectIfDiaryChanged())
         return;
     // What the host does with its diary on receiving the data is no concern of this run.
-    m_isOver = true;
+    m_importedOrAborted = true;
     const QString guid = m_database->databaseGuid(m_services->path(IServices::DatabasePath));
     Q_EMIT importDataReady(guid);
     reject();
@@ -260,8 +260,8 @@ bool MainDialog::rejectIfDiaryChanged()
 {
     if (!m_sessionWatch.hasDiaryChanged())
         return false;
-    if (!m_isOver) {
-        m_isOver = true; // before the message box, in whose event loop the reader may still answer
+    if (!m_importedOrAborted) {
+        m_importedOrAborted = true; // before the message box, in whose event loop the reader may still answer
         // What this run's command yielded for its own patient is now in the session of another one.
         PatientSession::instance()->setPump({}, {});
         PatientSession::instance()->setExchangeFilePath({});

@@ -66,5 +66,5 @@ private:
     int m_queryCount = 0;           ///< paired pump queries started
     bool m_pairedPumpKnown = false; ///< false until a query has had an answer, then true for good
     SessionWatch m_sessionWatch;
-    bool m_isOver = false; ///< the data were handed over, or the end of the diary was reported
+    bool m_importedOrAborted = false; ///< the data were handed over, or the end of the diary was reported
 };

@@ -155,7 +155,7 @@ void PumpAddDialog::startPairing()
 {
     const int row = selectedRow();
     if (row < 0)
-        leave();
+        rejectAlways();
     else if (!rejectIfDiaryChanged())
         m_control->startPairing(row);
 }
@@ -216,7 +216,7 @@ void PumpAddDialog::onAbortFinished(bool success)
     if (m_Pages->currentIndex() == StartPage)
         reloadPage();
     else
-        leave();
+        rejectAlways();
 }
 
 void PumpAddDialog::onSearchResults(const QList<DeviceInfo>& devices)
@@ -245,8 +245,8 @@ int PumpAddDialog::selectedRow()
 
 void PumpAddDialog::updateAssignButton(const QModelIndex& index)
 {
-    const bool isOthers = m_PumpsOverview->devicesModel()->isAssignedToOther(index.row());
-    m_AssignButton->setText(isOthers ? tr("Reassign") : tr("Assign"));
+    const bool isAssignedToOther = m_PumpsOverview->devicesModel()->isAssignedToOther(index.row());
+    m_AssignButton->setText(isAssignedToOther ? tr("Reassign") : tr("Assign"));
     m_AssignButton->setEnabled(true);
 }
 
@@ -317,7 +317,7 @@ void PumpAddDialog::onPumpAssigned()
 
 void PumpAddDialog::onWorkflowStopped()
 {
-    leave();
+    rejectAlways();
 }
 
 void PumpAddDialog::onButtonClicked(QAbstractButton* button)
@@ -325,7 +325,7 @@ void PumpAddDialog::onButtonClicked(QAbstractButton* button)
     m_DialogButtonBox->setEnabled(false);
     switch (m_DialogButtonBox->standardButton(button)) {
     case QDialogButtonBox::Cancel:
-        leave();
+        rejectAlways();
         break;
     case QDialogButtonBox::Abort: // no page has this button; "Stop" is the way there
         stopSearch();
@@ -345,7 +345,7 @@ void PumpAddDialog::onReassignConfirmed()
 {
     const int row = selectedRow();
     if (row < 0) {
-        leave();
+        rejectAlways();
         return;
     }
     if (rejectIfDiaryChanged())
@@ -376,7 +376,7 @@ QString PumpAddDialog::reassignQuestion(const DeviceInfo& device) const
 }
 
 /// Closes the dialog as Rejected, also where its box is off.
-void PumpAddDialog::leave()
+void PumpAddDialog::rejectAlways()
 {
     m_DialogButtonBox->setEnabled(true);
     reject();

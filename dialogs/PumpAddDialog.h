@@ -56,7 +56,7 @@ private:
     void onReassignConfirmed();
     QString reassignQuestion(const DeviceInfo& device) const;
 
-    void leave();
+    void rejectAlways();
     void warnUser(const QString& text);
 
     AddPumpControl* m_control; ///< child of the dialog

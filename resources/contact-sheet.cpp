@@ -14,11 +14,11 @@
 
 namespace {
 
-constexpr int gap = 14;
-constexpr int sheetWidth = 1340;
+constexpr int Gap = 14;
+constexpr int SheetWidth = 1340;
 
-const QColor light(0xf0, 0xf0, 0xf0);
-const QColor dark(0x2a, 0x2c, 0x2e);
+const QColor Light(0xf0, 0xf0, 0xf0);
+const QColor Dark(0x2a, 0x2c, 0x2e);
 
 // The widths at which a picture is asked for; an icon that nothing asks for gets those of its family.
 QVector<int> widthsOf(const QString& name)
@@ -32,9 +32,8 @@ QVector<int> widthsOf(const QString& name)
     };
     const auto it =
         std::find_if(known.begin(), known.end(), [&](const auto& entry) { return name.startsWith(entry.first); });
-    if (it == known.end()) {
+    if (it == known.end())
         qFatal("%s: no size is known for this picture", qPrintable(name));
-    }
     return it->second;
 }
 
@@ -43,13 +42,11 @@ QImage picture(const QString& path, int width)
     QImageReader reader(path);
     const QSize natural = reader.size();
     const QSize size(width, qRound(width * double(natural.height()) / natural.width()));
-    if (path.endsWith(QLatin1String(".svg"))) {
+    if (path.endsWith(QLatin1String(".svg")))
         reader.setScaledSize(size);
-    }
     const QImage image = reader.read();
-    if (image.isNull()) {
+    if (image.isNull())
         qFatal("%s: %s", qPrintable(path), qPrintable(reader.errorString()));
-    }
     return image.size() == size ? image : image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
@@ -57,26 +54,26 @@ QImage picture(const QString& path, int width)
 QImage block(const QString& name)
 {
     QVector<QImage> images;
-    QSize half(gap, 0);
+    QSize half(Gap, 0);
     for (const int scale : {1, 2}) {
         for (const int width : widthsOf(name)) {
             images.append(picture(QStringLiteral(":/img/Images/") + name, width * scale));
-            half = QSize(half.width() + images.last().width() + gap, qMax(half.height(), images.last().height()));
+            half = QSize(half.width() + images.last().width() + Gap, qMax(half.height(), images.last().height()));
         }
     }
-    const int title = QFontMetrics(QGuiApplication::font()).height() + gap / 2;
-    QImage result(2 * half.width(), title + half.height() + 2 * gap, QImage::Format_RGB32);
+    const int title = QFontMetrics(QGuiApplication::font()).height() + Gap / 2;
+    QImage result(2 * half.width(), title + half.height() + 2 * Gap, QImage::Format_RGB32);
     result.fill(Qt::white);
     QPainter painter(&result);
-    painter.setPen(dark);
+    painter.setPen(Dark);
     painter.drawText(QRect(0, 0, result.width(), title), Qt::AlignVCenter, name);
     int x = 0;
-    for (const QColor& ground : {light, dark}) {
+    for (const QColor& ground : {Light, Dark}) {
         painter.fillRect(x, title, half.width(), result.height() - title, ground);
-        x += gap;
+        x += Gap;
         for (const QImage& image : qAsConst(images)) {
-            painter.drawImage(x, title + gap + (half.height() - image.height()) / 2, image);
-            x += image.width() + gap;
+            painter.drawImage(x, title + Gap + (half.height() - image.height()) / 2, image);
+            x += image.width() + Gap;
         }
     }
     return result;
@@ -94,32 +91,30 @@ int main(int argc, char** argv)
     }
 
     QVector<QImage> blocks;
-    for (const QString& name : QDir(QStringLiteral(":/img/Images")).entryList()) {
+    for (const QString& name : QDir(QStringLiteral(":/img/Images")).entryList())
         blocks.append(block(name));
-    }
     // The large ones first, so that they lie beside each other.
     std::stable_sort(blocks.begin(), blocks.end(),
                      [](const QImage& a, const QImage& b) { return a.height() > b.height(); });
 
     QVector<QPoint> places;
-    QPoint place(gap, gap);
+    QPoint place(Gap, Gap);
     int lineHeight = 0;
     for (const QImage& image : qAsConst(blocks)) {
-        if (place.x() > gap && place.x() + image.width() + gap > sheetWidth) {
-            place = QPoint(gap, place.y() + lineHeight + gap);
+        if (place.x() > Gap && place.x() + image.width() + Gap > SheetWidth) {
+            place = QPoint(Gap, place.y() + lineHeight + Gap);
             lineHeight = 0;
         }
         places.append(place);
-        place.rx() += image.width() + gap;
+        place.rx() += image.width() + Gap;
         lineHeight = qMax(lineHeight, image.height());
     }
 
-    QImage sheet(sheetWidth, place.y() + lineHeight + gap, QImage::Format_RGB32);
+    QImage sheet(SheetWidth, place.y() + lineHeight + Gap, QImage::Format_RGB32);
     sheet.fill(Qt::white);
     QPainter painter(&sheet);
-    for (int i = 0; i < blocks.size(); ++i) {
+    for (int i = 0; i < blocks.size(); ++i)
         painter.drawImage(places[i], blocks[i]);
-    }
     if (!sheet.save(QString::fromLocal8Bit(argv[1]))) {
         std::fprintf(stderr, "%s: can't be written\n", argv[1]);
         return 1;

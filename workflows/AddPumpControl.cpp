@@ -97,16 +97,16 @@ void AddPumpControl::cleanDeviceList()
 
     const QString guid = m_database->databaseGuid(m_services->path(IServices::DatabasePath));
     // The reader's list is short, the host's may be long: what is kept is the short one.
-    QSet<QString> gone;
+    QSet<QString> unknownPatients;
     for (const DeviceInfo& device : qAsConst(m_devices))
-        gone.insert(device.patientId);
+        unknownPatients.insert(device.patientId);
     const QMap<QString, PatientRecord> patients = m_database->patients(guid);
     for (const PatientRecord& patient : patients)
-        gone.remove(patient.puid);
+        unknownPatients.remove(patient.puid);
 
     logTrace(QStringLiteral("=== [Add Controller] Original devices list: count='%1'.").arg(m_devices.size()));
     for (int row = m_devices.size() - 1; row >= 0; --row) {
-        if (m_devices.at(row).patientId.isEmpty() || !gone.contains(m_devices.at(row).patientId))
+        if (m_devices.at(row).patientId.isEmpty() || !unknownPatients.contains(m_devices.at(row).patientId))
             continue;
         // Written and forgotten: no answer is awaited, and the next such command replaces this one. The reader's next
         // proper command comes only when the user has chosen a pump.
