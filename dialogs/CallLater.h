@@ -5,8 +5,8 @@
 #include <QTimer>
 
 /// Calls @p function, a member of @p context or a functor, once in @p ms milliseconds, unless @p context is deleted
-/// before. QTimer::singleShot() would leave the functor in the event dispatcher then, and destroy it later with code of
-/// the plug-in, which may be unloaded by then.
+/// before. QTimer::singleShot() would keep the functor in the event dispatcher in that case, and destroy it later with
+/// code of the plug-in, which may have been unloaded.
 template <typename Context, typename Function>
 void callLater(int ms, Context* context, Function function)
 {

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The default font, larger by that factor. An application may have set its font in pixels.
+/// Returns the default font, enlarged by @p factor. The host may have set its size in pixels.
 QFont scaledFont(qreal factor)
 {
     QFont font;

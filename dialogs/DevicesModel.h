@@ -6,7 +6,7 @@
 
 #include <QAbstractTableModel>
 
-/// Pumps as the reader's device list tells them, one a row and in that order: serial number, patient, device name.
+/// The pumps in the reader's device list, in its order: serial number, patient and device name of one pump per row.
 class DevicesModel final : public QAbstractTableModel
 {
     Q_OBJECT
@@ -20,14 +20,13 @@ public:
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
-    /// The cell of the patient shows the patient's key, and the name, for which the host is asked each time, as a tool
-    /// tip.
+    /// The column AssignedTo has the patient's key, and as tool tip the name, for which the host is asked each time.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
-    /// A default record for a row that doesn't exist.
+    /// Returns the pump in @p row, or a default record if there is no such row.
     DeviceInfo deviceAt(int row) const;
-    /// Whether the reader has the pump paired to another patient than the one whose diary is open.
+    /// Returns true if the pump is paired to a patient other than the one whose diary is open.
     bool isAssignedToOther(int row) const;
 
 private:

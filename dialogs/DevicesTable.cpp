@@ -9,9 +9,8 @@
 
 namespace {
 
-/// How many rows are measured for the width of a column: the list may have thousands.
-constexpr int MaxMeasuredRows = 20;
-constexpr int MinColumnWidth = 80; // of a column, in pixels
+constexpr int MaxMeasuredRows = 20; // for the width of a column; the list may have thousands
+constexpr int MinColumnWidth = 80;  // in pixels
 
 } // namespace
 
@@ -96,7 +95,7 @@ void DevicesTable::fitColumns()
     }
 }
 
-/// Also with the bold text that the header has above a selected row.
+/// Returns the width for the bold text that the header has above a selected row.
 int DevicesTable::headerWidth(int column) const
 {
     const QString text = m_devicesModel->headerData(column, Qt::Horizontal).toString();

@@ -6,7 +6,7 @@
 
 class DevicesModel;
 
-/// Shows a DevicesModel, to be looked at and to choose a row from.
+/// A read-only view of a DevicesModel, from which the user selects a row.
 class DevicesTable final : public QTableView
 {
     Q_OBJECT
@@ -15,21 +15,21 @@ class DevicesTable final : public QTableView
 public:
     explicit DevicesTable(QWidget* parent);
 
-    /// The model stays its parent's, which is this table as a rule.
+    /// Not owned.
     void setDevicesModel(DevicesModel* model);
     DevicesModel* devicesModel() const { return m_devicesModel; }
     using QTableView::selectedIndexes;
-    /// Makes the row of a list of one current, and no row of any other list. Returns the current index.
+    /// Makes the row current if the model has exactly one, otherwise none. Returns the current index.
     QModelIndex selectSingleRow();
-    /// DevicesModel::isAssignedToOther() for the current row; false if there is none.
+    /// Returns DevicesModel::isAssignedToOther() for the current row, or false if there is none.
     bool currentIsAssignedToOther() const;
-    /// Returns the minimum height, so that the table only grows by the space that a dialog has left.
+    /// Returns the minimum height: the table grows only into space that its dialog doesn't need otherwise.
     QSize sizeHint() const override;
     /// Returns the height of the header and one row.
     QSize minimumSizeHint() const override;
 
 protected:
-    /// A row that is chosen by a key counts as clicked: who can't use a mouse gets on, too.
+    /// Emits clicked() for a row that is selected by a key, so that the dialogs can be used without a mouse.
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 

@@ -6,8 +6,7 @@
 
 /// The top line of a dialog: its title, the path of a simulated reader, and the open patient.
 ///
-/// The application provides the fonts: its style sheet selects on the dynamic properties "BigSizeFont" and
-/// "HighlightFont", which the forms set.
+/// The host's style sheet sets the fonts, by the dynamic properties "BigSizeFont" and "HighlightFont" in the forms.
 class DialogHeader final : public QWidget, private Ui::DialogHeader
 {
     Q_OBJECT
@@ -21,6 +20,6 @@ public:
     void setTitle(const QString& title) { m_TitleLabel->setText(title); }
     void hideTitle() { m_TitleLabel->hide(); }
 
-    /// Shows @p simulationPath, and name and further data of the open patient, and hides the labels without a text.
+    /// Shows @p simulationPath and the open patient, and hides labels without text.
     void fill(const QString& simulationPath);
 };

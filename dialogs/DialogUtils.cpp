@@ -16,9 +16,9 @@ QString escapedForPrompt(const QString& text)
     return (text.size() <= MaxLength ? text : elided(text, MaxLength)).toHtmlEscaped();
 }
 
-QString htmlToPlainText(const QString& text)
+QString htmlToPlainText(const QString& html)
 {
-    return QTextDocumentFragment::fromHtml(text).toPlainText().simplified();
+    return QTextDocumentFragment::fromHtml(html).toPlainText().simplified();
 }
 
 void showScaledToWidth(QLabel* label, const QString& path, int width)

@@ -7,15 +7,15 @@
 class QDialog;
 class QLabel;
 
-/// A number or name as it goes into a question with markup: shown as it stands, so that one with "<" in it doesn't
-/// change what is asked, and cut where it is longer than any real one, so that the box fits on the screen.
+/// Returns @p text, such as a name, escaped for a message box with markup, so that "<" in it can't change the question.
+/// A text longer than any real one is shortened, so that the message box fits on the screen.
 QString escapedForPrompt(const QString& text);
 
-/// What a screen reader says for a label's text with markup, in one line.
-QString htmlToPlainText(const QString& text);
+/// Returns the text of @p html in one line, for screen readers.
+QString htmlToPlainText(const QString& html);
 
-/// Shows the image at @p path on @p label, @p width wide at 96 dpi, in the shape of the pixmap that the label has. A
-/// null label is ignored.
+/// Shows the image at @p path on @p label, with @p width in pixels at 96 dpi and the aspect ratio of the label's
+/// present pixmap. Does nothing if @p label is null.
 void showScaledToWidth(QLabel* label, const QString& path, int width);
 
 /// Closes @p dialog as Rejected without calling its reject(), which does nothing in some states. Nothing else bypasses

@@ -13,12 +13,10 @@
 namespace {
 
 constexpr int FormDpi = 96;
-/// Screens without a configured scale report up to 100 dpi; the forms are made for these.
+/// Screens without a configured scale report up to 100 dpi.
 constexpr int MaxUnscaledDpi = 100;
-/// The property with the maximum number of lines in a label.
 constexpr char MaxLinesProperty[] = "MaxLines";
-/// No label is large enough for more characters.
-constexpr int MaxForeignLength = 300;
+constexpr int MaxForeignLength = 300; // no label is large enough for more characters
 
 void scaleLayout(QBoxLayout* layout, qreal factor)
 {
@@ -58,7 +56,7 @@ void scaleSizes(QDialog* dialog, qreal factor)
     dialog->resize(boundedByScreen(*dialog, dialog->size() * factor));
 }
 
-/// Gives the widgets their places before the dialog is shown.
+/// Sets the geometry of the widgets before the dialog is shown.
 void layOut(QDialog* dialog)
 {
     const QList<QLayout*> layouts = dialog->findChildren<QLayout*>();
@@ -74,11 +72,11 @@ bool fits(const QLabel& label, const QString& text)
     const QFontMetrics metrics = label.fontMetrics();
     const QRect space(0, 0, label.width(), QWIDGETSIZE_MAX);
     const QSize needed = metrics.boundingRect(space, Qt::TextWordWrap, text).size();
-    // A line can be higher than the spacing by a fraction of a pixel.
+    // A line can be a fraction of a pixel higher than the spacing.
     return needed.width() <= space.width() && needed.height() < (maxLines + 1) * metrics.lineSpacing();
 }
 
-/// Shows as much of the label's text as fits.
+/// Shortens the label's text until it fits.
 void shorten(QLabel* label)
 {
     const QString text = label->text();
@@ -104,8 +102,8 @@ QSize neededSize(const QWidget& widget)
     return needed;
 }
 
-/// Resizes the dialog to @p size, or more if its texts need it. With a style sheet or a large font they may need more
-/// than a maximum size, which is increased then.
+/// Resizes the dialog to @p size, or more if its texts need it. With a style sheet or a large font they may even need
+/// more than a maximum size, which is then increased.
 void growToTexts(QDialog* dialog, QSize size)
 {
     const QList<QWidget*> widgets = dialog->findChildren<QWidget*>();

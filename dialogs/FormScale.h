@@ -8,7 +8,7 @@ class QDialog;
 class QLabel;
 class QWidget;
 
-// The forms have their sizes in pixels for a screen of 96 dpi, and their fonts in points. On a screen of more dpi the
+// The sizes in the forms are in pixels for a screen of 96 dpi, and the fonts in points. On a screen of more dpi the
 // fonts are larger, and the sizes are scaled by the same factor.
 
 /// Returns the factor from the sizes in a form to those on the screen of @p widget. It is at least 1.
@@ -19,10 +19,10 @@ qreal formScale(const QWidget* widget);
 /// constructor.
 void scaleForm(QDialog* dialog);
 
-/// Returns the first @p length UTF-16 units of @p text, without half a surrogate pair at the end, and an ellipsis.
-/// @p length is positive and not greater than that of @p text.
+/// Returns the first @p length UTF-16 units of @p text and an ellipsis. Doesn't split a surrogate pair. @p length must
+/// be positive and not greater than that of @p text.
 QString elided(const QString& text, int length);
 
-/// Shows a text of any length, such as a name or a path, that can't widen the layout. A text that doesn't fit into the
-/// label is shortened there and is complete in the tool tip. If the label isn't visible yet, scaleForm() shortens it.
+/// Shows a text of any length, such as a name or a path, without widening the layout. A text that doesn't fit is
+/// shortened in the label and complete in its tool tip. If the label isn't visible yet, scaleForm() shortens the text.
 void showForeignText(QLabel* label, const QString& text, int maxLines = 2);

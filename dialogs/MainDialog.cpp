@@ -43,7 +43,7 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
     lmRemoveHelpButton(this);
 
     m_Header->hideTitle();
-    // Nothing failed, but a log that shows no real reader must stand out.
+    // Logged as a failure, though nothing failed: a log without a real reader must be noticed.
     if (!m_simulationPath.isEmpty())
         logFailure(QStringLiteral("Device reader simulation used."), m_simulationPath);
     m_Header->fill(m_simulationPath);
@@ -53,13 +53,13 @@ MainDialog::MainDialog(IServices* services, IDatabase* database, const QString& 
     m_GraphicLabel2->setPixmap(
         lmIcon(QStringLiteral(":/img/Images/icon_help_grey_dark.svg")).pixmap(StateIconSize * formScale(this)));
 
-    // Not by the form, which would make new icons for each run: Qt's pixmap cache, which is the host's too, would fill
-    // up with pictures of icons that are gone.
+    // The form would create new icons for each run, and Qt's pixmap cache, which the host uses too, would fill with
+    // pixmaps of deleted icons.
     m_addPumpButton->setIcon(lmIcon(QStringLiteral(":/img/Images/icon_plus_grey_dark.svg")));
     m_readPumpButton->setIcon(lmIcon(QStringLiteral(":/img/Images/icon_data_download_grey_dark.svg")));
     m_removePumpButton->setIcon(lmIcon(QStringLiteral(":/img/Images/icon_minus_grey_dark.svg")));
 
-    // The pictures don't move when the answer comes.
+    // The pictures must not move when the label is shown.
     QSizePolicy policy = m_pumpAssignLabel->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     m_pumpAssignLabel->setSizePolicy(policy);
@@ -131,7 +131,7 @@ void MainDialog::onPrepareFinished(bool success)
         logFailure(
             QStringLiteral("=!= [Main dialog] Prepare (abort old running) failed: status='%1'.").arg(int(status)));
 
-    // A failed abort doesn't stop the dialog.
+    // The query follows a failed abort too.
     callLater(PauseAfterAbortMs, this, &MainDialog::queryPairedPump);
 }
 
@@ -149,7 +149,7 @@ void MainDialog::queryPairedPump()
 
 void MainDialog::onPairedPumpQueryFinished(bool success)
 {
-    // From the first answer on a silent reader is the business of the pump dialogs.
+    // After the first answer only the pump dialogs handle time-outs.
     disconnect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &MainDialog::onDeviceReaderTimeout);
     const StatusRecord record = takeResult(this, &MainDialog::onPairedPumpQueryFinished);
     if (rejectIfDiaryChanged())
@@ -167,7 +167,7 @@ void MainDialog::onPairedPumpQueryFinished(bool success)
         ErrorHandler::showError(record.error);
         if (rejectIfDiaryChanged())
             return;
-        closeAsRejected(this); // the lines after it are executed nevertheless
+        closeAsRejected(this); // no return: the rest is executed too
     }
 
     m_pairedPumpKnown = true;
@@ -188,7 +188,7 @@ void MainDialog::onPairedPumpQueryNotExecuted()
             QMessageBox::Yes)
             closeAsRejected(this);
     }
-    // Also after a No: the command still goes out while the dialog closes.
+    // The command is sent after "No" too, while the dialog closes.
     queryPairedPump();
 }
 
@@ -205,14 +205,13 @@ void MainDialog::openAddDialog()
         return;
     int result = QDialog::Rejected;
     {
-        // Gone ahead of the read dialog, or it would tell a second time of a reader that falls silent there.
+        // Destroyed before the read dialog opens; otherwise both would report a time-out.
         PumpAddDialog dialog(m_services, m_database, m_simulationPath, nullptr);
         result = dialog.exec();
     }
     if (rejectIfDiaryChanged())
         return;
     refresh();
-    // A pump just assigned is read without being asked.
     if (result == QDialog::Accepted)
         openReadDialog();
 }
@@ -248,21 +247,21 @@ void MainDialog::onImportDataReady()
 {
     if (rejectIfDiaryChanged())
         return;
-    // What the host does with its diary on receiving the data is no concern of this run.
+    // Set before the host gets the data: it may then close or change the diary.
     m_importedOrAborted = true;
     const QString guid = m_database->databaseGuid(m_services->path(IServices::DatabasePath));
     Q_EMIT importDataReady(guid);
     reject();
 }
 
-/// Closes the dialog and reports it, once, if the diary was closed or changed. Returns true then.
+/// If the diary was closed or changed, closes the dialog, reports that once, and returns true.
 bool MainDialog::rejectIfDiaryChanged()
 {
     if (!m_sessionWatch.hasDiaryChanged())
         return false;
     if (!m_importedOrAborted) {
-        m_importedOrAborted = true; // before the message box, in whose event loop the reader may still answer
-        // What this run's command yielded for its own patient is now in the session of another one.
+        m_importedOrAborted = true; // before the message box: the reader may answer while it is open
+        // The session is another patient's, but may have the results of this run.
         PatientSession::instance()->setPump({}, {});
         PatientSession::instance()->setExchangeFilePath({});
         logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));
@@ -274,7 +273,7 @@ bool MainDialog::rejectIfDiaryChanged()
 
 QString MainDialog::diaryChangedText()
 {
-    // The catalogue has no such text, so it is shown in one language.
+    // Not in the catalogue, so not translated.
     return QStringLiteral("The patient's diary was closed or changed. Nothing was imported. Please open the diary and "
                           "start the plugin again.");
 }

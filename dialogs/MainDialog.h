@@ -12,38 +12,36 @@
 class IDatabase;
 class IServices;
 
-/// What the user sees of the plug-in for the open patient: which pump the reader holds for the patient, and the three
-/// actions on it.
+/// Shows the pump that is assigned to the open patient, and adds, reads or removes it.
 ///
-/// Only the reader knows that pump, so on opening the dialog aborts a command that an earlier run left behind and then
-/// asks for it. Until the first answer all actions are off and the dialog can't be closed; a reader that stays silent
-/// until then, or answers with an error, ends the dialog. So does, at the next step, a diary that is closed or
-/// replaced by another patient's: what is put into PatientSession then isn't that patient's. CommandFileWriter and
-/// StatusFileParser must outlive it.
+/// Only the reader stores the assignment. When it opens, the dialog aborts a command that is still running from an
+/// earlier run, and then asks for the pump. Until the first answer all buttons are disabled and the dialog can't be
+/// closed; a time-out or an error of the reader closes it. It is also closed, at the next step, if the diary was closed
+/// or another patient's was opened, because PatientSession then belongs to another patient.
+/// CommandFileWriter and StatusFileParser must outlive the dialog.
 class MainDialog final : public QDialog, private Ui::MainDialog
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(MainDialog)
 
 public:
-    /// Services and database stay the host's. A simulation path that isn't empty is shown to the user.
+    /// @p services and @p database are not owned. @p simulationPath is empty unless the reader is simulated.
     MainDialog(IServices* services, IDatabase* database, const QString& simulationPath, QWidget* parent);
 
     /// Loads the large pictures of the dialogs in short turns of the event loop, and stops when @p context is deleted.
-    /// Without this call the constructor of the first main dialog takes 20 ms to decode its pictures, and that of the
-    /// first add dialog 30 ms. Adds their pixmaps to @p kept, since Qt's cache drops pixmaps that nothing refers to.
-    /// GUI thread only.
+    /// Without this call decoding them takes 20 ms in the first main dialog and 30 ms in the first add dialog. Adds the
+    /// pixmaps to @p kept, since Qt's cache drops unused pixmaps. GUI thread only.
     static void loadPictures(QObject* context, QVector<QPixmap>* kept);
 
-    /// Closes the dialog once the patient's pump is known; does nothing before.
+    /// Closes the dialog. Does nothing before the reader's first answer.
     void reject() override;
 
-    /// Returns the text for the user of a run that ended because its diary was closed or changed.
+    /// Returns the text that the user sees when a run ends because the diary was closed or changed.
     static QString diaryChangedText();
 
 Q_SIGNALS:
-    /// A read-out has ended with data, whose path is in PatientSession; the dialog closes right after. Carries the GUID
-    /// of the open database.
+    /// Emitted when a read-out has yielded data, with the GUID of the open database. The path of the data is in
+    /// PatientSession. The dialog closes right after.
     void importDataReady(QString dbGuid);
 
 private:
@@ -63,8 +61,8 @@ private:
     IServices* m_services;
     IDatabase* m_database;
     QString m_simulationPath;
-    int m_queryCount = 0;           ///< paired pump queries started
-    bool m_pairedPumpKnown = false; ///< false until a query has had an answer, then true for good
+    int m_queryCount = 0;
+    bool m_pairedPumpKnown = false; ///< a query was answered
     SessionWatch m_sessionWatch;
-    bool m_importedOrAborted = false; ///< the data were handed over, or the end of the diary was reported
+    bool m_importedOrAborted = false;
 };

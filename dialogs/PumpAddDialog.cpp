@@ -30,7 +30,7 @@ PumpAddDialog::PumpAddDialog(IServices* services, IDatabase* database, const QSt
 
     for (QLabel* label : {m_StartBusyLabel, m_AssignBusyLabel, m_ConfirmBusyLabel})
         label->setMovie(&m_busyMovie);
-    // Ahead of the first layout, for which all pages count.
+    // Set before the first layout, which depends on all pages.
     setWidthScaledPixmap(m_AssignGraphicLabel, QStringLiteral(":/img/Images/ConfirmCode.svg"), PictureWidth);
     setWidthScaledPixmap(m_ConfirmGraphicLabel, QStringLiteral(":/img/Images/PumpFinger.svg"), PictureWidth);
     setWidthScaledPixmap(m_ReassignGraphicLabel, QStringLiteral(":/img/Images/CancelOnPump.svg"), PictureWidth);
@@ -42,7 +42,7 @@ PumpAddDialog::PumpAddDialog(IServices* services, IDatabase* database, const QSt
     scaleForm(this);
 }
 
-/// A picture, a movie and the table say to a screen reader what is written beside them.
+/// Names pictures, movies and the table for screen readers by the texts beside them.
 void PumpAddDialog::setAccessibleNames()
 {
     m_StartBusyLabel->setAccessibleName(htmlToPlainText(m_StartMessage2->text()));
@@ -74,7 +74,7 @@ void PumpAddDialog::connectAll()
         connect(m_control, stopped, this, &PumpAddDialog::onWorkflowStopped);
 }
 
-/// The one place where pages change.
+/// Only this function changes the page.
 void PumpAddDialog::setPage(int index)
 {
     setUpdatesEnabled(false);
@@ -111,7 +111,7 @@ void PumpAddDialog::setPage(int index)
     default:
         break;
     }
-    // Enabled first: a button that is made within a disabled box stays nameless for screen readers.
+    // Enabled first: buttons that are created in a disabled button box have no name for screen readers.
     m_DialogButtonBox->setEnabled(true);
     m_DialogButtonBox->setStandardButtons(buttons);
     m_DialogButtonBox->show();
@@ -120,7 +120,7 @@ void PumpAddDialog::setPage(int index)
     setUpdatesEnabled(true);
 }
 
-/// For a page that stays, but whose state begins anew.
+/// Resets the state of the current page.
 void PumpAddDialog::reloadPage()
 {
     setPage(m_Pages->currentIndex());
@@ -170,8 +170,8 @@ void PumpAddDialog::onOverviewButton()
     if (page != StartPage)
         return;
 
-    // The button follows the polling and not its own text: while a run goes on, be it one that hangs from before this
-    // dialog, it stops; a search would be a second command beside the first.
+    // The action depends on the polling and not on the button's text: during a polling, even one that was started
+    // before this dialog, a search would be a second command.
     if (StatusFileParser::instance()->m_state != StatusFileParser::Ended) {
         m_OverviewButton->setEnabled(false);
         stopSearch();
@@ -196,7 +196,7 @@ void PumpAddDialog::onSearchProgress(const QString&, int percentage)
 void PumpAddDialog::stopSearch()
 {
     m_DialogButtonBox->setEnabled(false);
-    // A report that is still on its way must not offer "Stop" again.
+    // Progress that is already queued must not enable "Stop" again.
     disconnect(m_control, &AddPumpControl::pairingSearchProgress, this, &PumpAddDialog::onSearchProgress);
     StatusFileParser::instance()->cancel();
     CommandFileWriter::instance()->abort();
@@ -231,12 +231,12 @@ void PumpAddDialog::onSearchResults(const QList<DeviceInfo>& devices)
     setPage(OverviewPage);
 }
 
-/// The row that the user chose, or -1 behind a warning.
+/// Returns the row that the user selected. If there is none, shows a warning and returns -1.
 int PumpAddDialog::selectedRow()
 {
     const QModelIndexList indexes = m_PumpsOverview->selectedIndexes();
-    // Compared with the number of selected cells, not with that of the rows: with one row of three columns only the
-    // first three rows count as selected. This is how the dialog is known to behave, and stays.
+    // Compared with the number of selected cells, not of rows, so that with one selected row of three columns only the
+    // first three rows are accepted. Kept deliberately: users know this behaviour.
     if (!indexes.isEmpty() && indexes.first().row() < indexes.size())
         return indexes.first().row();
     warnUser(tr("No device selected."));
@@ -255,7 +255,7 @@ void PumpAddDialog::onAssignButton()
     setPage(m_PumpsOverview->currentIsAssignedToOther() ? ReassignPage : AssignPage);
 }
 
-/// The button box stays off: with the code on both displays, the ways on are "Confirm" and "Decline" alone.
+/// The button box remains disabled: only "Confirm" and "Decline" are available.
 void PumpAddDialog::onCodeReceived(const QString& confirmCode)
 {
     setUpdatesEnabled(false);
@@ -269,7 +269,7 @@ void PumpAddDialog::onCodeReceived(const QString& confirmCode)
     setUpdatesEnabled(true);
 }
 
-/// A pairing for a patient whose diary is no longer open is declined, so that reader and pump don't stay in it.
+/// Declines a pairing for a patient whose diary is no longer open, so that the reader and the pump finish it.
 void PumpAddDialog::onConfirmButton()
 {
     if (hasDiaryChanged())
@@ -278,7 +278,7 @@ void PumpAddDialog::onConfirmButton()
         setPage(ConfirmPage);
 }
 
-/// A decline names no patient, and is sent whatever became of the diary.
+/// Sends the decline even if the diary has changed, since it doesn't refer to a patient.
 void PumpAddDialog::onDeclineButton()
 {
     m_busyMovie.start();
@@ -287,7 +287,6 @@ void PumpAddDialog::onDeclineButton()
     m_control->startPairingConfirm(false);
 }
 
-/// A decline ends the dialog, whatever the reader's answer.
 void PumpAddDialog::onDeclineFinished()
 {
     if (m_Pages->currentIndex() == AssignPage)
@@ -301,8 +300,7 @@ void PumpAddDialog::onPumpAssigned()
         accept();
         break;
     case ConfirmPage:
-        // The user completes the pairing on the pump and presses OK then. The pump is assigned already, also for a user
-        // who cancels now.
+        // The pump is assigned now. The user finishes on the pump and clicks OK, or cancels.
         setUpdatesEnabled(false);
         m_busyMovie.stop();
         m_ConfirmBusyLabel->hide();
@@ -327,7 +325,7 @@ void PumpAddDialog::onButtonClicked(QAbstractButton* button)
     case QDialogButtonBox::Cancel:
         rejectAlways();
         break;
-    case QDialogButtonBox::Abort: // no page has this button; "Stop" is the way there
+    case QDialogButtonBox::Abort: // on no page at present; "Stop" is a button of its own
         stopSearch();
         break;
     case QDialogButtonBox::Ok:
@@ -354,7 +352,7 @@ void PumpAddDialog::onReassignConfirmed()
     const DeviceInfo device = m_PumpsOverview->devicesModel()->deviceAt(row);
     const QMessageBox::StandardButton answer = ask(
         tr("Merivo Connections", "Default message box title used within plugin questions."), reassignQuestion(device));
-    // After a No the button box stays disabled, as the click on OK left it: "Prev" leads back to the list.
+    // After "No" the button box remains disabled; only "Prev" is available.
     if (answer == QMessageBox::No || rejectIfDiaryChanged())
         return;
 
@@ -365,7 +363,7 @@ void PumpAddDialog::onReassignConfirmed()
 
 QString PumpAddDialog::reassignQuestion(const DeviceInfo& device) const
 {
-    // All at once: a name with "%3" in it must not change what is asked.
+    // One call of arg() for all: "%3" in a name must not be replaced.
     const QString oldPatient = PatientSession::patientName(PatientSession::patientIdsOf(device.patientId));
     const QString question =
         tr("Are you sure to reassign the pump <b>%1</b> from patient <b>'%2'</b> to patient <b>'%3'</b>?")
@@ -375,7 +373,7 @@ QString PumpAddDialog::reassignQuestion(const DeviceInfo& device) const
            tr("<b>Note:</b><br/><i>The data that was downloaded from the pump remains in the patient record.</b>");
 }
 
-/// Closes the dialog as Rejected, also where its box is off.
+/// Closes the dialog as Rejected, even if its button box is disabled.
 void PumpAddDialog::rejectAlways()
 {
     m_DialogButtonBox->setEnabled(true);

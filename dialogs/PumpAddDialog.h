@@ -8,12 +8,12 @@
 
 class AddPumpControl;
 
-/// Leads through assigning a pump to the open patient, page by page: look for pumps, choose one, compare its code,
-/// confirm on the pump; or take over a pump that the reader has paired to another patient.
+/// A wizard that assigns a pump to the open patient: search for pumps, select one, compare its code, confirm on the
+/// pump; or reassign a pump that is paired to another patient.
 ///
-/// The way goes to the right only, but for "Prev" from the reassign page to the list. The dialog can be left while no
-/// command runs. Accepted tells that the pump is assigned and may be read; also a Rejected dialog can leave a pump
-/// assigned, if the user cancels behind the pairing: PatientSession has what holds.
+/// Only "Prev" on the reassign page leads back to an earlier page. The dialog can be closed while no command runs. It
+/// is Accepted if the pump is assigned and may be read. If the user cancels after the pairing, it is Rejected and the
+/// pump is assigned nevertheless; PatientSession has the pump then.
 class PumpAddDialog final : public PumpDialog, private Ui::PumpAddDialog
 {
     Q_OBJECT

@@ -24,7 +24,7 @@ PumpDialog::PumpDialog(IServices* services, IDatabase* database, QWidget* parent
     , m_busyMovie(QStringLiteral(":/img/Images/busy.gif"))
 {
     m_busyMovie.setScaledSize(BusySize * formScale(this));
-    // Without a frame a label shows nothing until the movie runs, and takes no room in the layout.
+    // Without a frame a label is empty and takes no space in the layout until the movie starts.
     m_busyMovie.jumpToFrame(0);
     lmRemoveHelpButton(this);
     connect(StatusFileParser::instance(), &StatusFileParser::timeout, this, &PumpDialog::onDeviceReaderTimeout,

@@ -31,7 +31,7 @@ PumpReadDialog::PumpReadDialog(IServices* services, IDatabase* database, const Q
 
     callLater(StartDelayMs, this, &PumpReadDialog::startRead);
     setMessage(tr("Looking for pump %1").arg(PatientSession::instance()->pumpSerialNumber()));
-    // Kept in the catalogue for the Ok button that onButtonClicked() can serve; the dialog shows none.
+    // Keeps the text of an Ok button, which the form hasn't at present, in the catalogue.
     tr("Import", "Button description of the 'OK' button");
 
     connect(m_ReadButton, &QPushButton::clicked, this, &PumpReadDialog::startRead);
@@ -107,8 +107,7 @@ void PumpReadDialog::acceptData()
     if (rejectIfDiaryChanged())
         return;
     Q_EMIT importDataReady();
-    // The data are handed over: whatever the host does with its diary on receiving them comes too late to matter.
-    done(Accepted);
+    done(Accepted); // not accept(): the host may have closed or changed the diary on receiving the data
 }
 
 void PumpReadDialog::discardData()

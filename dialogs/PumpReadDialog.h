@@ -7,8 +7,8 @@
 
 class ReadoutPumpControl;
 
-/// The read-out of the patient's pump. It begins by itself 2600 ms after the dialog was made, can't be left while it
-/// runs, and closes the dialog 2000 ms after it has succeeded; after a failure the user tries again or cancels.
+/// Reads the data of the patient's pump. The read-out starts 2600 ms after the construction and can't be cancelled. The
+/// dialog closes 2000 ms after a success; after a failure the user retries or cancels.
 class PumpReadDialog final : public PumpDialog, private Ui::PumpReadDialog
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     bool isCancelEnabled() const override { return hasEnabledCancel(*m_DialogButtonBox); }
 
 Q_SIGNALS:
-    /// The pump's data are there; the dialog closes as Accepted right after. Never comes with a Rejected dialog.
+    /// Emitted when the pump's data were read; the dialog closes as Accepted right after.
     void importDataReady();
 
 private:

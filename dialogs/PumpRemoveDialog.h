@@ -7,8 +7,8 @@
 
 class RemovePumpControl;
 
-/// Asks once more and has the reader forget the patient's pump. Once answered with Yes it can't be left until the
-/// reader has ended; Accepted then tells that the pump is gone, any other end that the pairing may still stand.
+/// Removes the patient's pump from the reader after a question. After "Yes" the dialog can't be closed before the
+/// reader has finished. It is Accepted if the pump was removed; otherwise the reader may still be paired with it.
 class PumpRemoveDialog final : public PumpDialog, private Ui::PumpRemoveDialog
 {
     Q_OBJECT
