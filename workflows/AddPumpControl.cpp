@@ -14,8 +14,7 @@
 
 namespace {
 
-// The reader keeps which pump is whose; the session mirrors it for a run. It is asked for anew each time, since a diary
-// event replaces it.
+// The reader stores the assignments; the session mirrors that of the open patient during a run.
 
 void setSessionPump(const QString& serialNumber)
 {
@@ -76,7 +75,7 @@ void AddPumpControl::onPairingSearchFinished(bool success)
         Q_EMIT pairingSearchStopped(record.status);
         break;
     case CommandStatus::Canceled:
-        // The user's own doing, and so a trace despite its mark. The dialog waits for the end of its ABORT instead.
+        // The user cancelled, so this isn't logged as an error. The dialog waits for the end of its ABORT instead.
         logTrace(QStringLiteral("=!= [Add Controller] Pairing search stopped: status='%1'.").arg(status));
         break;
     case CommandStatus::Running:
@@ -85,7 +84,7 @@ void AddPumpControl::onPairingSearchFinished(bool success)
     }
 }
 
-/// The reader's list of pairings outlives the patients of the host: a pump whose patient is gone becomes a free one.
+/// Reads the reader's list and frees the pumps of patients who were deleted in the host.
 void AddPumpControl::cleanDeviceList()
 {
     CommandFileWriter* writer = CommandFileWriter::instance();
@@ -96,7 +95,7 @@ void AddPumpControl::cleanDeviceList()
     }
 
     const QString guid = m_database->databaseGuid(m_services->path(IServices::DatabasePath));
-    // The reader's list is short, the host's may be long: what is kept is the short one.
+    // Only the reader's patients are collected: the host may have many more.
     QSet<QString> unknownPatients;
     for (const DeviceInfo& device : qAsConst(m_devices))
         unknownPatients.insert(device.patientId);
@@ -108,8 +107,8 @@ void AddPumpControl::cleanDeviceList()
     for (int row = m_devices.size() - 1; row >= 0; --row) {
         if (m_devices.at(row).patientId.isEmpty() || !unknownPatients.contains(m_devices.at(row).patientId))
             continue;
-        // Written and forgotten: no answer is awaited, and the next such command replaces this one. The reader's next
-        // proper command comes only when the user has chosen a pump.
+        // The answer isn't awaited, and the next such command replaces this one. The next polled command comes only
+        // after the user has chosen a pump.
         DeviceInfo& device = m_devices[row];
         writer->deleteAddress(device.serialNumber);
         logTrace(QStringLiteral("=== [Add Controller] Deprecated pairing info (puid='%1', snr='%2') removed.")
@@ -175,7 +174,7 @@ void AddPumpControl::onPairingConfirmFinished(bool success)
         Q_EMIT pumpAssigned();
     } else {
         if (record.status == CommandStatus::Failed) {
-            // Twice: nothing sees the old pump while the box stands, and nothing that came meanwhile is left behind it.
+            // Cleared before the message box, so that nothing sees the old pump while it is open, and again after it.
             forgetSessionPump();
             ErrorHandler::showError(record.error);
         }
@@ -193,7 +192,7 @@ void AddPumpControl::onPairingDeclineFinished(bool success)
         logFailure(QStringLiteral("=!= [Add Controller] Pairing decline failed."));
         Q_EMIT pairingDeclineFinished(CommandStatus::Unknown);
     } else {
-        // Whatever the reader makes of a decline, the user has what they asked for: no box, and no failure.
+        // No status of a decline is reported as an error: no pump is assigned.
         logTrace(QStringLiteral("==> [Add Controller] Pairing decline finished: status='%1'.").arg(int(record.status)));
         Q_EMIT pairingDeclineFinished(record.status);
     }
@@ -226,7 +225,7 @@ void AddPumpControl::onReassignFinished(bool success)
         if (record.status == CommandStatus::Failed)
             ErrorHandler::showError(record.error);
         logFailure(QStringLiteral("=!= [Add Controller] Reassign failed: status='%1'.").arg(status));
-        // Unlike in a confirmation: undecided or cancelled, the patient's pump is still what it was.
+        // With any other status the patient's previous pump is still assigned, unlike after a confirmation.
         if (record.status == CommandStatus::Failed)
             forgetSessionPump();
         Q_EMIT reassignStopped(record.status);

@@ -12,56 +12,54 @@
 class IDatabase;
 class IServices;
 
-/// Ties a pump to the open patient: a search, then either a pairing and the user's verdict on its code, or a
-/// reassignment of a pump that the reader has paired to another patient. Clears the reader's pairings with patients who
-/// are no longer in the open database on the way. Tells PatientSession of the pump.
+/// Assigns a pump to the open patient: searches for pumps, and then either pairs one, with a code that the user
+/// confirms or declines, or reassigns one that is paired to another patient. After a search, removes the reader's
+/// pairings with patients who are no longer in the open database. Records the assigned pump in PatientSession.
 ///
-/// One step at a time; each ends in one signal of its own, but for a search that was cancelled or ended undecided,
-/// which ends in none. A reader that falls silent isn't told of here: that is StatusFileParser::timeout(), after which
-/// this object is of no further use. GUI thread only; the reader's boxes are shown modally ahead of the signal that
-/// ends a step.
+/// Only one step runs at a time. Each ends with one signal, except a search that was cancelled or ended undecided.
+/// Time-outs are reported by StatusFileParser::timeout(); discard this object after one. Errors of the reader are shown
+/// in a modal message box before the signal. GUI thread only.
 class AddPumpControl final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(AddPumpControl)
 
 public:
-    /// @p services and @p database stay the host's, and are asked for the patients behind each search that found pumps.
+    /// After each search that found pumps, @p services and @p database are asked for the patients. Not owned.
     AddPumpControl(IServices* services, IDatabase* database, QObject* parent = nullptr);
 
-    /// Begins the search, for which the reader has 120 seconds, and reports a progress of 0 before it returns. Ends in
-    /// pairingSearchResults() or pairingSearchStopped(). Of a cancelled search the log alone tells, and the list of an
-    /// earlier search stays.
+    /// Starts the search, which may take 120 seconds, and emits a progress of 0 at once. Ends with
+    /// pairingSearchResults() or pairingSearchStopped(). A cancelled search keeps the previous list.
     void startPairingSearch();
 
-    /// Has the reader connect to the pump of that row of the latest pairingSearchResults(), within 120 seconds. Ends in
-    /// pairingCodeReceived() or pairingProcessStopped(). A row outside of the list does nothing at all.
+    /// Connects the reader to the pump in @p row of the last pairingSearchResults() within 120 seconds. Ends with
+    /// pairingCodeReceived() or pairingProcessStopped(). Does nothing if there is no such row.
     void startPairing(int row);
-    /// Sends the user's verdict on the code, whenever it comes: the reader then has 60 seconds. A confirmation ends in
-    /// pumpAssigned() or pairingConfirmStopped(), a decline in pairingDeclineFinished().
+    /// Confirms or declines the code; the reader has 60 seconds from this call. A confirmation ends with pumpAssigned()
+    /// or pairingConfirmStopped(), a decline with pairingDeclineFinished().
     void startPairingConfirm(bool confirm);
-    /// Gives the pump of that row to the open patient, within 30 seconds. Ends in pumpAssigned() or reassignStopped().
-    /// A row outside of the list does nothing at all.
+    /// Assigns the pump in @p row to the open patient within 30 seconds. Ends with pumpAssigned() or reassignStopped().
+    /// Does nothing if there is no such row.
     void startReassign(int row);
 
 Q_SIGNALS:
-    /// The search ended without a list.
+    /// Emitted when the search ended without a list.
     void pairingSearchStopped(CommandStatus status);
-    /// The search ended with a list, possibly an empty one. A pump whose patient is gone stands in it as a free one.
+    /// Emitted when the search ended with a list, which may be empty. A pump of a deleted patient is listed as free.
     void pairingSearchResults(QList<DeviceInfo> deviceInfos);
-    /// From 0 to 100. The serial number is that of the latest pairing or reassignment: none during a first search.
+    /// Emitted with 0 to 100 per cent, and the serial number of the last pairing or reassignment, if any.
     void pairingSearchProgress(QString serialNumber, int progressInPercentage);
-    /// The reader didn't get to a code. PatientSession has no pump then, unless the status is Unknown.
+    /// Emitted when the pairing ended without a code. PatientSession has no pump then, unless the status is Unknown.
     void pairingProcessStopped(CommandStatus status);
-    /// The code for the user to compare, as the reader wrote it: unchecked, and possibly empty.
+    /// Emitted with the code for the user to compare, as the reader wrote it; it may be empty.
     void pairingCodeReceived(QString confirmCode);
-    /// The confirmation failed. PatientSession has no pump then, unless the status is Unknown.
+    /// Emitted when the confirmation failed. PatientSession has no pump then, unless the status is Unknown.
     void pairingConfirmStopped(CommandStatus status);
-    /// The decline ended, in whatever way: there is no failure of it.
+    /// Emitted when the decline ended, with any status: a decline can't fail.
     void pairingDeclineFinished(CommandStatus status);
-    /// The reassignment failed. PatientSession has no pump then if the status is Failed, and what it had otherwise.
+    /// Emitted when the reassignment failed. PatientSession has no pump then, but only if the status is Failed.
     void reassignStopped(CommandStatus status);
-    /// The pump is the open patient's, and PatientSession has it already.
+    /// Emitted when the pump is assigned to the open patient and recorded in PatientSession.
     void pumpAssigned();
 
 private:
@@ -75,6 +73,6 @@ private:
 
     IServices* m_services;
     IDatabase* m_database;
-    QString m_serialNumber;      ///< Of the pump that is being paired or reassigned, or was the last to be.
-    QList<DeviceInfo> m_devices; ///< As last read and cleaned.
+    QString m_serialNumber;      ///< of the last pump to be paired or reassigned
+    QList<DeviceInfo> m_devices; ///< as last read and cleaned
 };

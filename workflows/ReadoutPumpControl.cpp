@@ -31,7 +31,7 @@ void ReadoutPumpControl::onSearchingFinished(bool success)
 {
     const StatusRecord record = takeResult(this, &ReadoutPumpControl::onSearchingFinished);
 
-    // A cancelled search is told as such, whatever the run's outcome.
+    // Reported as cancelled even if the command wasn't executed.
     if (record.status == CommandStatus::Canceled) {
         logFailure(QStringLiteral("=!= [Read Controller] Searching canceled: error='%1'.").arg(record.error));
         Q_EMIT searchingFinished(CommandStatus::Canceled);
@@ -43,7 +43,7 @@ void ReadoutPumpControl::onSearchingFinished(bool success)
         return;
     }
     if (record.status == CommandStatus::Failed) {
-        // The log line stands ahead of the box here, behind it in a read-out.
+        // Logged before the message box here, but after it in onReadoutFinished().
         logFailure(QStringLiteral("=!= [Read Controller] Searching failed: error='%1'.").arg(record.error));
         ErrorHandler::showError(record.error);
         Q_EMIT searchingFinished(CommandStatus::Failed);
@@ -72,7 +72,7 @@ void ReadoutPumpControl::startReadout(const QString& serialNumber)
     StatusFileParser* parser = StatusFileParser::instance();
     connectFinished(this, &ReadoutPumpControl::onReadoutFinished);
     connect(parser, &StatusFileParser::progress, this, &ReadoutPumpControl::onReadoutProgress, Qt::QueuedConnection);
-    // Ahead of the new serial number: the opening report still carries the earlier one.
+    // Emitted before the serial number is stored: the first signal has the previous one.
     onReadoutProgress(0);
     m_serialNumber = serialNumber;
     logTrace(QStringLiteral("<== [Read Controller] Start readout: snr='%1'.").arg(m_serialNumber));
@@ -109,7 +109,7 @@ void ReadoutPumpControl::findExchangeFile(CommandStatus status)
 {
     onReadoutProgress(100);
 
-    // Letter case doesn't matter and a folder counts: anything but one single match is a reader that must be looked at.
+    // Matches in any letter case, and folders too: any other number of matches than one is an error of the reader.
     const QDir directory(StatusFileParser::instance()->m_path);
     const QStringList entries = directory.entryList({QStringLiteral("I*.xml")});
     if (entries.size() == 1) {

@@ -7,12 +7,12 @@
 #include <QObject>
 #include <QString>
 
-/// Has the reader copy a pump's history into an exchange file on its drive, finds that file and records its path in
-/// PatientSession. The file is neither opened nor moved; it stays where the reader put it.
+/// Makes the reader copy a pump's history into an exchange file on its drive, finds that file and records its path in
+/// PatientSession. The file is neither opened nor moved.
 ///
-/// One operation at a time, any number of them in turn. There is no cancel. A reader that falls silent isn't told of
-/// here: that is StatusFileParser::timeout(), after which this object is of no further use. GUI thread only; the
-/// reader's boxes are shown modally ahead of the signal that ends an operation.
+/// Only one operation runs at a time, and it can't be cancelled. Time-outs are reported by StatusFileParser::timeout();
+/// discard this object after one. Errors of the reader are shown in a modal message box before the signal. GUI thread
+/// only.
 class ReadoutPumpControl final : public QObject
 {
     Q_OBJECT
@@ -21,24 +21,24 @@ class ReadoutPumpControl final : public QObject
 public:
     explicit ReadoutPumpControl(QObject* parent = nullptr);
 
-    /// Lets the reader search for pumps and, if it then knows that serial number, goes on as startReadout(). Otherwise
-    /// ends in searchingFinished(). At most 20 seconds for the search.
+    /// Searches for pumps within 20 seconds and, if the reader then lists @p serialNumber, continues with
+    /// startReadout(). Otherwise ends with searchingFinished().
     void startSearching(const QString& serialNumber);
 
-    /// Begins the read-out, and reports a progress of 0 before it returns. The reader has 20 seconds to show that it
-    /// has begun and 440 seconds for all of it. Ends in readoutSucceeded() or readoutFinished().
+    /// Starts the read-out and emits a progress of 0 at once. The reader must start within 20 seconds and
+    /// finish within 440. Ends with readoutSucceeded() or readoutFinished().
     void startReadout(const QString& serialNumber);
 
 Q_SIGNALS:
-    /// The search ended without a read-out being started. A pump that wasn't found comes with the status of the search
-    /// itself, Done: don't take it for a success.
+    /// Emitted when the search ended and no read-out was started. If the pump wasn't found, @p status is that of the
+    /// search itself, such as Done.
     void searchingFinished(CommandStatus status);
-    /// Exactly one exchange file is there, and its path is in PatientSession.
+    /// Emitted when there is exactly one exchange file and its path is in PatientSession.
     void readoutSucceeded();
-    /// The read-out ended without data.
+    /// Emitted when the read-out failed.
     void readoutFinished(CommandStatus status);
-    /// From 0 to 100; 100 comes before the exchange file is looked for. The report that opens a read-out carries the
-    /// serial number of the one before, so the first of all carries none.
+    /// Emitted with 0 to 100 per cent; 100 comes before the search for the exchange file. The first signal of a
+    /// read-out has the serial number of the previous read-out, if any.
     void readoutProgress(QString serialNumber, int progressInPercentage);
 
 private:

@@ -6,11 +6,11 @@
 
 #include <QObject>
 
-/// Has the reader forget its pairing with the patient's pump. PatientSession keeps the pump: to forget it there is the
-/// caller's business. Data that were read from the pump stay.
+/// Removes the reader's pairing with the patient's pump. Callers remove the pump from PatientSession. Data that were
+/// read from the pump are kept.
 ///
-/// A reader that falls silent isn't told of here: that is StatusFileParser::timeout(), after which this object is of no
-/// further use. GUI thread only; the reader's box is shown modally ahead of the signal.
+/// Time-outs are reported by StatusFileParser::timeout(); discard this object after one. Errors of the reader are shown
+/// in a modal message box before the signal. GUI thread only.
 class RemovePumpControl final : public QObject
 {
     Q_OBJECT
@@ -19,12 +19,12 @@ class RemovePumpControl final : public QObject
 public:
     explicit RemovePumpControl(QObject* parent = nullptr);
 
-    /// Removes the pump that PatientSession names, within 20 seconds. There is no cancel. Ends in one of the signals.
+    /// Removes the pump in PatientSession within 20 seconds. Ends with one of the signals and can't be cancelled.
     void startRemoving();
 
 Q_SIGNALS:
     void removingSucceeded();
-    /// The removal ended without success; despite its name it doesn't follow a success.
+    /// Emitted when the removal failed; despite its name, not emitted after a success.
     void removingFinished(CommandStatus status);
 
 private:
