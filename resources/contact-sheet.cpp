@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// Puts every picture of the resource on one sheet: on a light and on a dark ground, in the sizes in which dialogs,
-// menus and buttons show it, pixel for pixel as a display with one and with two device pixels a pixel does.
+// Draws all pictures on one sheet, on a light and on a dark background, in the sizes in which dialogs, menus and
+// buttons show them at the device pixel ratios 1 and 2.
 #include <QDir>
 #include <QFontMetrics>
 #include <QGuiApplication>
@@ -20,7 +20,7 @@ constexpr int SheetWidth = 1340;
 const QColor Light(0xf0, 0xf0, 0xf0);
 const QColor Dark(0x2a, 0x2c, 0x2e);
 
-// The widths at which a picture is asked for; an icon that nothing asks for gets those of its family.
+// Returns the widths in which a picture is shown; an icon that is never shown has those of similar icons.
 QVector<int> widthsOf(const QString& name)
 {
     static const QVector<QPair<QString, QVector<int>>> known = {
@@ -50,7 +50,7 @@ QImage picture(const QString& path, int width)
     return image.size() == size ? image : image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
-// One picture in all its sizes, once on each ground, under its name.
+// Returns one picture in all its sizes, on both backgrounds, below its name.
 QImage block(const QString& name)
 {
     QVector<QImage> images;
@@ -68,8 +68,8 @@ QImage block(const QString& name)
     painter.setPen(Dark);
     painter.drawText(QRect(0, 0, result.width(), title), Qt::AlignVCenter, name);
     int x = 0;
-    for (const QColor& ground : {Light, Dark}) {
-        painter.fillRect(x, title, half.width(), result.height() - title, ground);
+    for (const QColor& background : {Light, Dark}) {
+        painter.fillRect(x, title, half.width(), result.height() - title, background);
         x += Gap;
         for (const QImage& image : qAsConst(images)) {
             painter.drawImage(x, title + Gap + (half.height() - image.height()) / 2, image);
@@ -93,7 +93,7 @@ int main(int argc, char** argv)
     QVector<QImage> blocks;
     for (const QString& name : QDir(QStringLiteral(":/img/Images")).entryList())
         blocks.append(block(name));
-    // The large ones first, so that they lie beside each other.
+    // The large pictures first, so that they share lines.
     std::stable_sort(blocks.begin(), blocks.end(),
                      [](const QImage& a, const QImage& b) { return a.height() > b.height(); });
 

@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
-"""Draws every picture under img/Images anew; README.md tells how. Needs the Debian packages python3-pil, python3-numpy.
+"""Draws all pictures in img/Images; see README.md. Needs the Debian packages python3-pil and python3-numpy.
 
-All icons are filled outlines without strokes. What is cut out of a shape is a hole in its path, so that any ground
-shows through it. Coordinates are those of the picture's view box.
+All icons are filled outlines without strokes. Marks are holes in the path of a shape, so that the background is visible
+in them. Coordinates are those of the view box.
 """
 import base64
 import io
@@ -15,8 +15,8 @@ import rasters
 
 IMAGES = Path(__file__).resolve().parent / "img" / "Images"
 DARK, LIGHT, GREEN, CHECK_GREEN, ORANGE = "#484444", "#cccccc", "#59c68c", "#5cc78e", "#ff9900"
-# The family's measure: a disc that fills its 13 by 13 view, and marks of one weight with round ends. This weight comes
-# close to whole pixels at 16, 26 and 32 pixels alike.
+# The radius of the disc, which fills its view of 13 by 13, and the line width of the marks, which is close to whole
+# pixels at sizes of 16, 26 and 32 pixels.
 DISC, WEIGHT = 6.5, 1.7
 
 
@@ -38,7 +38,7 @@ def arc(radius, point, clockwise=True, large=False):
 
 
 def polar(centre, radius, degrees):
-    """Clockwise from the right, as y points down."""
+    """Returns a point on a circle; the angle is clockwise from the right, since y points down."""
     return centre[0] + radius * cos(radians(degrees)), centre[1] + radius * sin(radians(degrees))
 
 
@@ -74,7 +74,7 @@ def minus(centre, reach, weight):
 
 
 def arrow(centre, reach, weight, wing):
-    """Points downwards from centre - reach to centre + reach; its wings run up to the sides by `wing`."""
+    """Returns an arrow down from centre - reach to centre + reach, whose wings extend up and sideways by `wing`."""
     h, d = weight / 2, weight / 2 / sqrt(2)
     x, top = centre[0], centre[1] - reach
     tip = centre[1] + reach - h
@@ -87,7 +87,7 @@ def arrow(centre, reach, weight, wing):
 
 
 def question(centre, weight):
-    """A hook of two tangent arcs of one radius, which ends upright under its own middle, and a dot."""
+    """Returns a hook of two tangent arcs of equal radius that ends vertically below its centre, and a dot."""
     h, radius, bend = weight / 2, 1.85, 60
     hook = (centre[0], centre[1] - 1.75)
     foot = polar(hook, 2 * radius, bend)
@@ -102,7 +102,7 @@ def question(centre, weight):
 
 
 def check(corner, short, long, weight):
-    """A check mark at 45 degrees, its corner at `corner`; `short` and `long` are its arms along both axes."""
+    """Returns a check mark at 45 degrees with arms that extend from `corner` by `short` and `long` along both axes."""
     h, d = weight / 2, weight / 2 / sqrt(2)
     x, y = corner
     return (move((x - short - d, y - short + d)) + arc(h, (x - short + d, y - short - d)) + line((x, y - 2 * d))
@@ -111,7 +111,7 @@ def check(corner, short, long, weight):
 
 
 def bar(centre, radius, weight, spread):
-    """A curved bar to the right of `centre`, `spread` degrees to either side, with round ends."""
+    """Returns a curved bar to the right of `centre`, over `spread` degrees to either side, with round ends."""
     h = weight / 2
     outer, inner = radius + h, radius - h
     return (move(polar(centre, outer, -spread)) + arc(outer, polar(centre, outer, spread))
@@ -120,7 +120,7 @@ def bar(centre, radius, weight, spread):
 
 
 def pump_download(x=0.0, y=0.0, scale=1.0):
-    """The pump lying on its long side, and in front of its corner a disc; a gap keeps the two apart."""
+    """Returns the pump on its long side, and a disc in front of its corner, separated by a gap."""
     def at(px, py):
         return x + scale * px, y + scale * py
 
@@ -191,7 +191,7 @@ def icons():
 
     middle, scale = (256, 256), 512 / 13
     tick = check((5.75 * scale, 9.0 * scale), 2.2 * scale, 4.1 * scale, WEIGHT * scale)
-    # The mark is cut out of the disc, and white on any ground.
+    # The mark fills a hole in the disc, so that it is white on any background.
     picture("result_succeeded.svg", 512, 512, path(tick, "#ffffff"), path(disc(middle, 256) + tick, GREEN), unit="")
     stop = disc(middle, 256) + rounded_rect(162, 162, 188, 188, 26)
     picture("result_failed.svg", 512, 512, path(stop, ORANGE), unit="")
@@ -207,7 +207,7 @@ def pump_pictures():
     x, y = (value * 111.13 / 420 for value in rasters.DISPLAY_MIDDLE)
     picture("ConfirmCode.svg", 111.13, 74.08, image(pump, 111.13, 74.08), ring(number(x), number(y)))
 
-    # The ring reaches above the body's edge, so the picture has that much more room at its top.
+    # The ring extends above the body, so the picture has additional space at its top.
     top = 75.54 - 74.08
     x, y = (value * 111.13 / 420 for value in rasters.KEYS_MIDDLE)
     y += top
@@ -219,7 +219,7 @@ def pump_pictures():
 
 
 def slab(a, b):
-    """The pump's face as it lies before the viewer: `a` along its long side, `b` along its short one."""
+    """Projects a point on the front of the pump: `a` along its long side, `b` along its short one."""
     return 1.7 + 0.866 * (a + b), 49.3 + 0.45 * (b - a)
 
 
@@ -228,12 +228,12 @@ def curve(*points):
 
 
 def slab_rect(left, near, right, far, radius):
-    """The rounded corners of a rectangle on the face, each a cubic curve, clockwise as seen from the leftmost one."""
+    """Returns the rounded corners of a rectangle on the front as cubic curves, clockwise from the leftmost one."""
     sharp = ((left, near), (right, near), (right, far), (left, far))
-    ahead = ((1, 0), (0, 1), (-1, 0), (0, -1))
+    directions = ((1, 0), (0, 1), (-1, 0), (0, -1))
     corners = []
     for i, (a, b) in enumerate(sharp):
-        (in_a, in_b), (out_a, out_b) = ahead[i - 1], ahead[i]
+        (in_a, in_b), (out_a, out_b) = directions[i - 1], directions[i]
         handle = radius * (1 - 0.5523)
         corners.append([slab(a - in_a * radius, b - in_b * radius), slab(a - in_a * handle, b - in_b * handle),
                         slab(a + out_a * handle, b + out_b * handle), slab(a + out_a * radius, b + out_b * radius)])
@@ -246,7 +246,7 @@ def closed(corners):
 
 
 def halves(points):
-    """A cubic curve cut in its middle."""
+    """Splits a cubic curve in its middle."""
     def mid(p, q):
         return (p[0] + q[0]) / 2, (p[1] + q[1]) / 2
 
@@ -263,9 +263,8 @@ def pump_finger():
                 f'stroke-linejoin="round" d="{d}"/>')
 
     face = slab_rect(0, 0, 50, 34, 8)
-    # The side below the face, from the leftmost to the rightmost point.
+    # The side below the front, from the leftmost to the rightmost point.
     thick = 5.2
-
     left, bottom, right = halves(face[0])[0][::-1], face[3][::-1], halves(face[2])[1][::-1]
     side = move(left[0])
     for first, *others in (left, bottom, right):
@@ -278,7 +277,7 @@ def pump_finger():
         return (f'<ellipse cx="{number(touch[0])}" cy="{number(touch[1])}" rx="{number(radius * 1.2247)}" '
                 f'ry="{number(radius * 0.6364)}" {style}/>')
 
-    # The finger, along its axis from the tip and across it.
+    # Coordinates of the finger: along its axis from the tip, and across.
     lean = radians(-57)
 
     def on(u, v):
@@ -286,7 +285,7 @@ def pump_finger():
         return touch[0] + 0.4 + u * cos(lean) - v * sin(lean), touch[1] + u * sin(lean) + v * cos(lean)
 
     def at_top(v):
-        """Where the line `v` beside the axis leaves the picture."""
+        """Returns where the parallel to the axis at distance `v` meets the top of the picture."""
         return on(1.6 - (touch[1] + v * cos(lean)) / sin(lean), v)
 
     flank = ((44, 7.0), (37, 6.5), (31, 6.75), (26, 6.95), (22, 7.1), (18, 6.55), (14, 6.1), (10, 6.2), (6.5, 5.8),

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
-"""The pictures made of pixels: the pump, the reader and the spinner. The first two are small renderings in a studio of
-two soft boxes, computed at several samples a pixel, so that their edges are smooth."""
+"""Renders the raster pictures: the pump, the reader and the spinner. Pump and reader are lit by two soft boxes, and
+several samples per pixel make their edges smooth."""
 from math import pi
 
 import numpy as np
@@ -10,7 +10,7 @@ from PIL import Image
 SAMPLES = 4
 PUMP_SIZE = (420, 280)
 READER_SIZE = (239, 307)
-# Where the shapes that explain the pump are drawn over it, in its pixels.
+# Parts of the pump, in pixels of its picture.
 DISPLAY = (33, 94, 287, 234)
 DISPLAY_MIDDLE = (160, 170)
 KEYS_MIDDLE = (160, 46)
@@ -24,7 +24,7 @@ def smooth(low, high, value):
 
 
 def box(x, y, left, top, right, bottom, radius):
-    """Signed distance to a rounded rectangle, negative inside."""
+    """Returns the signed distance to a rounded rectangle, which is negative inside."""
     dx = np.abs(x - (left + right) / 2) - (right - left) / 2 + radius
     dy = np.abs(y - (top + bottom) / 2) - (bottom - top) / 2 + radius
     return np.hypot(np.maximum(dx, 0), np.maximum(dy, 0)) + np.minimum(np.maximum(dx, dy), 0) - radius
@@ -35,8 +35,8 @@ def unit(vector):
 
 
 def studio(direction):
-    """The light that comes from a direction (x right, y down, z to the viewer): a dim room, a wide soft box at the
-    upper left and a narrow one at the right."""
+    """Returns the light from a direction (x right, y down, z to the viewer): a dim room, a wide soft box at the upper
+    left and a narrow one at the right."""
     x, y, z = direction[..., 0], direction[..., 1], direction[..., 2]
     room = 0.10 + 0.16 * smooth(0.6, -0.9, y)
     wide = smooth(-0.05, 0.35, -0.45 * x - 0.75 * y + 0.25 * z - 0.22) * smooth(1.05, 0.75, np.abs(x + 0.25) + 0.2)
@@ -45,7 +45,7 @@ def studio(direction):
 
 
 def shade(albedo, normal, view, gloss, light=(-0.42, -0.68, 0.62)):
-    """Diffuse light from one side and from the room, plus the studio's reflection, stronger at grazing angles."""
+    """Adds diffuse light from the lamp and the room, and the reflection of the studio, stronger at grazing angles."""
     lamp = np.array(light) / np.linalg.norm(light)
     facing = np.clip((normal * -view).sum(-1), 0, 1)
     mirrored = view + 2 * facing[..., None] * normal
@@ -56,7 +56,7 @@ def shade(albedo, normal, view, gloss, light=(-0.42, -0.68, 0.62)):
 
 
 def rise(distance, width, height):
-    """A rounded edge: how high the surface stands at a distance inside an outline."""
+    """Returns the height of a rounded edge at a distance inside an outline."""
     t = np.clip(distance / width, 0, 1)
     return height * np.sqrt(1 - (1 - t) ** 2)
 
@@ -71,7 +71,7 @@ def pump():
     window = box(x, y, *RESERVOIR, 19)
     seam = np.abs(x - 316)
 
-    # The surface's height over the picture's plane; its slope gives the light.
+    # The height of the surface over the plane of the picture; its slope determines the light.
     surface = rise(-body, 30, 17) + 9 * (1 - ((x - 210) / 206) ** 2) * (1 - ((y - 140) / 128) ** 2)
     surface -= 3.4 * smooth(3.4, 0, seam)
     surface -= 2.0 * smooth(0.5, -3, glass) + 1.8 * smooth(0.5, -4, keys) + 3.2 * smooth(4, -2, window)
@@ -94,7 +94,7 @@ def pump():
 
 
 def panel(x, y, glass, screen):
-    """Black glass with a reflection across its upper left; behind it the faintly lit display with its status line."""
+    """Returns the black glass with a reflection at its upper left, over a faintly lit display with a status line."""
     fall = np.clip((y - 82) / 164, 0, 1)[..., None]
     black = np.array((0.055, 0.058, 0.064)) - 0.025 * fall
     near = np.exp(-(((x - DISPLAY_MIDDLE[0]) / 110) ** 2 + ((y - DISPLAY_MIDDLE[1]) / 56) ** 2))[..., None]
@@ -115,7 +115,7 @@ def panel(x, y, glass, screen):
 
 
 def reservoir(x, y, window):
-    """A window on the insulin: a clear barrel with marks, the liquid and under it the plunger."""
+    """Returns the window of the insulin reservoir: a clear barrel with marks, the liquid, and the plunger below it."""
     left, top, right, bottom = RESERVOIR
     round_ = np.clip((x - (left + right) / 2) / ((right - left) / 2), -1, 1)
     level = bottom - 52
@@ -132,9 +132,9 @@ def reservoir(x, y, window):
 
 
 def reader():
-    """Marched along parallel rays that look down on the box from the front."""
+    """Renders the reader by ray marching along parallel rays, from above and in front."""
     width, height = READER_SIZE
-    scale, pitch = 112.0, 0.80  # pixels a unit, radians below the horizon
+    scale, pitch = 112.0, 0.80  # pixels per unit, radians below the horizon
     row, column = np.mgrid[0:height * SAMPLES, 0:width * SAMPLES] / SAMPLES + 0.5 / SAMPLES
     u, v = ((column - 119.5) / scale).ravel(), ((166 - row) / scale).ravel()
     upward, forward = np.array([0, np.sin(pitch), np.cos(pitch)]), np.array([0, np.cos(pitch), -np.sin(pitch)])
@@ -175,7 +175,7 @@ def reader():
     p = origin[hit] + reach[hit, None] * forward
     offsets = 0.0015 * np.eye(3)
     normal = unit(np.stack([field(p + o) - field(p - o) for o in offsets], axis=-1))
-    # The studio's axes: right, down, to the viewer.
+    # The axes of studio(): right, down, to the viewer.
     frame = np.stack([np.array([1.0, 0, 0]), -upward, -forward])
     seen = normal @ frame.T
     wire = cable(p) < dome(p)
@@ -188,7 +188,7 @@ def reader():
     colour = colour * (1 - lamp)[:, None] + lamp[:, None] * np.array([0x59, 0xC6, 0x8C]) / 255 * 1.05
     pixels = np.zeros((len(u), 4))
     pixels[hit, :3] = np.clip(colour, 0, 1) ** (1 / 1.15)
-    # The cable fades away at the picture's edge and doesn't look cut.
+    # The cable fades out at the edge of the picture.
     pixels[hit, 3] = np.where(wire, smooth(0, 34, np.minimum(row, height - row).ravel()[hit]), 1)
     return finish(pixels.reshape(row.shape + (4,)), soften=1)
 
@@ -200,8 +200,8 @@ def bezier(a, b, c, d, pieces=18):
 
 
 def finish(colour, soften):
-    """Averages the samples of each pixel; colour counts by its coverage, so that no dark fringe appears. The dialogs
-    show the picture at a half or a quarter of its size and Qt looks at four pixels for one, so it is softened."""
+    """Averages the samples of each pixel; colours are weighted by coverage, to avoid dark fringes. Softens the picture,
+    because the dialogs scale it to a half or a quarter and Qt interpolates only four pixels."""
     rows, columns = colour.shape[0] // SAMPLES, colour.shape[1] // SAMPLES
     colour = colour.copy()
     colour[..., :3] *= colour[..., 3:]
@@ -214,24 +214,24 @@ def finish(colour, soften):
 
 
 def spinner(path):
-    """31 frames of one turn: an arc that grows and shrinks as it runs on its track. A GIF's pixel is there or isn't, so
-    the edges are blended towards a light ground and the pale track hides this on a dark one."""
+    """Draws one turn in 31 frames: an arc that grows and shrinks while it moves on a track. GIF has no semi-transparent
+    pixels, so the edges are blended with a light background; the pale track hides this on a dark one."""
     size, frames, samples = 74, 31, 4
     y, x = (np.mgrid[0:size * samples, 0:size * samples] + 0.5) / samples - size / 2
     radius, angle = np.hypot(x, y), np.arctan2(y, x)
     mid, track_half, arc_half = 28.0, 4.4, 3.3
-    ground, track, accent = (np.array(c) / 255 for c in ((240, 240, 240), (220, 224, 223), (0x59, 0xC6, 0x8C)))
+    background, track, accent = (np.array(c) / 255 for c in ((240, 240, 240), (220, 224, 223), (0x59, 0xC6, 0x8C)))
     pictures = []
     for frame in range(frames):
         turn = frame / frames
         head = 2 * pi * turn
         length = 2 * pi * (0.3 + 0.12 * np.cos(2 * pi * turn))
-        behind = np.mod(head - angle, 2 * pi)
-        on_arc = (np.abs(radius - mid) < arc_half) & (behind < length)
+        lag = np.mod(head - angle, 2 * pi)
+        on_arc = (np.abs(radius - mid) < arc_half) & (lag < length)
         for end in (head, head - length):
             on_arc |= np.hypot(x - mid * np.cos(end), y - mid * np.sin(end)) < arc_half
         on_track = np.abs(radius - mid) < track_half
-        colour = np.where(on_arc[..., None], accent, np.where(on_track[..., None], track, ground))
+        colour = np.where(on_arc[..., None], accent, np.where(on_track[..., None], track, background))
         cover = (on_arc | on_track).astype(float)
 
         def mean(values):
@@ -242,7 +242,7 @@ def spinner(path):
 
 
 def save_gif(path, pictures):
-    # One palette for all frames: index 0 is the transparent ground, the rest is chosen by Pillow's median cut.
+    # One palette for all frames: index 0 is transparent, and Pillow's median cut selects the others.
     strip = np.vstack(pictures)
     seen = strip[strip[..., 3] > 0][:, :3]
     sample = Image.fromarray((seen.reshape(1, -1, 3) * 255 + 0.5).astype(np.uint8), "RGB")
