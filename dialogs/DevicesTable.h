@@ -15,7 +15,7 @@ class DevicesTable final : public QTableView
 public:
     explicit DevicesTable(QWidget* parent);
 
-    /// Not owned.
+    /// Not owned; make it a child of the table.
     void setDevicesModel(DevicesModel* model);
     DevicesModel* devicesModel() const { return m_devicesModel; }
     using QTableView::selectedIndexes;

@@ -20,6 +20,6 @@ public:
     void setTitle(const QString& title) { m_TitleLabel->setText(title); }
     void hideTitle() { m_TitleLabel->hide(); }
 
-    /// Shows @p simulationPath and the open patient, and hides labels without text.
+    /// Shows @p simulationPath and the open patient, and hides labels without text, and itself if none is left.
     void fill(const QString& simulationPath);
 };

@@ -261,7 +261,7 @@ bool MainDialog::rejectIfDiaryChanged()
         return false;
     if (!m_importedOrAborted) {
         m_importedOrAborted = true; // before the message box: the reader may answer while it is open
-        // The session is another patient's, but may have the results of this run.
+        // The session no longer belongs to this run's patient, but may have its results.
         PatientSession::instance()->setPump({}, {});
         PatientSession::instance()->setExchangeFilePath({});
         logFailure(QStringLiteral("=!= [Main dialog] Diary closed or changed, run ended."));

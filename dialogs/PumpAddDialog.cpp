@@ -236,7 +236,7 @@ int PumpAddDialog::selectedRow()
 {
     const QModelIndexList indexes = m_PumpsOverview->selectedIndexes();
     // Compared with the number of selected cells, not of rows, so that with one selected row of three columns only the
-    // first three rows are accepted. Kept deliberately: users know this behaviour.
+    // first three rows are accepted. Kept deliberately.
     if (!indexes.isEmpty() && indexes.first().row() < indexes.size())
         return indexes.first().row();
     warnUser(tr("No device selected."));
@@ -269,7 +269,8 @@ void PumpAddDialog::onCodeReceived(const QString& confirmCode)
     setUpdatesEnabled(true);
 }
 
-/// Declines a pairing for a patient whose diary is no longer open, so that the reader and the pump finish it.
+/// Declines a pairing for a patient whose diary is no longer open, so that reader and pump don't remain in
+/// the pairing.
 void PumpAddDialog::onConfirmButton()
 {
     if (hasDiaryChanged())

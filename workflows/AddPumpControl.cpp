@@ -84,7 +84,7 @@ void AddPumpControl::onPairingSearchFinished(bool success)
     }
 }
 
-/// Reads the reader's list and frees the pumps of patients who were deleted in the host.
+/// Reads the reader's list and frees the pumps of patients who aren't in the open database.
 void AddPumpControl::cleanDeviceList()
 {
     CommandFileWriter* writer = CommandFileWriter::instance();
@@ -174,7 +174,8 @@ void AddPumpControl::onPairingConfirmFinished(bool success)
         Q_EMIT pumpAssigned();
     } else {
         if (record.status == CommandStatus::Failed) {
-            // Cleared before the message box, so that nothing sees the old pump while it is open, and again after it.
+            // Cleared before the message box, so that nothing sees the old pump while it is open, and again after it, because
+            // the session may have changed meanwhile.
             forgetSessionPump();
             ErrorHandler::showError(record.error);
         }
@@ -192,7 +193,7 @@ void AddPumpControl::onPairingDeclineFinished(bool success)
         logFailure(QStringLiteral("=!= [Add Controller] Pairing decline failed."));
         Q_EMIT pairingDeclineFinished(CommandStatus::Unknown);
     } else {
-        // No status of a decline is reported as an error: no pump is assigned.
+        // A decline is never shown as a failure, whatever its status.
         logTrace(QStringLiteral("==> [Add Controller] Pairing decline finished: status='%1'.").arg(int(record.status)));
         Q_EMIT pairingDeclineFinished(record.status);
     }

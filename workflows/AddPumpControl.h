@@ -45,7 +45,8 @@ public:
 Q_SIGNALS:
     /// Emitted when the search ended without a list.
     void pairingSearchStopped(CommandStatus status);
-    /// Emitted when the search ended with a list, which may be empty. A pump of a deleted patient is listed as free.
+    /// Emitted when the search ended with a list, which may be empty. The pump of a patient who isn't
+    /// in the open database is listed as free.
     void pairingSearchResults(QList<DeviceInfo> deviceInfos);
     /// Emitted with 0 to 100 per cent, and the serial number of the last pairing or reassignment, if any.
     void pairingSearchProgress(QString serialNumber, int progressInPercentage);

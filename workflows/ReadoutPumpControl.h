@@ -25,17 +25,17 @@ public:
     /// startReadout(). Otherwise ends with searchingFinished().
     void startSearching(const QString& serialNumber);
 
-    /// Starts the read-out and emits a progress of 0 at once. The reader must start within 20 seconds and
-    /// finish within 440. Ends with readoutSucceeded() or readoutFinished().
+    /// Starts the read-out and emits a progress of 0 at once. The reader must start within 20 seconds and finish
+    /// within 440. Ends with readoutSucceeded() or readoutFinished().
     void startReadout(const QString& serialNumber);
 
 Q_SIGNALS:
     /// Emitted when the search ended and no read-out was started. If the pump wasn't found, @p status is that of the
-    /// search itself, such as Done.
+    /// search itself: Done isn't a success here.
     void searchingFinished(CommandStatus status);
     /// Emitted when there is exactly one exchange file and its path is in PatientSession.
     void readoutSucceeded();
-    /// Emitted when the read-out failed.
+    /// Emitted when the read-out ended without data.
     void readoutFinished(CommandStatus status);
     /// Emitted with 0 to 100 per cent; 100 comes before the search for the exchange file. The first signal of a
     /// read-out has the serial number of the previous read-out, if any.
