@@ -174,8 +174,8 @@ void AddPumpControl::onPairingConfirmFinished(bool success)
         Q_EMIT pumpAssigned();
     } else {
         if (record.status == CommandStatus::Failed) {
-            // Cleared before the message box, so that nothing sees the old pump while it is open, and again after it, because
-            // the session may have changed meanwhile.
+            // Cleared before the message box, so that nothing sees the old pump while it is open, and again after it,
+            // because the session may have changed meanwhile.
             forgetSessionPump();
             ErrorHandler::showError(record.error);
         }

@@ -6,8 +6,8 @@
 #include "reader/ErrorHandler.h"
 #include "reader/StatusFileParser.h"
 #include "reader/UsbDeviceAdapter.h"
-#include "support/ModalUser.h"
 #include "support/MessageCapture.h"
+#include "support/ModalUser.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
 

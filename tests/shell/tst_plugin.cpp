@@ -9,8 +9,8 @@
 #include "reader/CommandFileWriter.h"
 #include "reader/CommandStatus.h"
 #include "reader/StatusFileParser.h"
-#include "support/ModalUser.h"
 #include "support/MessageCapture.h"
+#include "support/ModalUser.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
 
