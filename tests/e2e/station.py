@@ -219,19 +219,21 @@ class Run:
     # What the user does.
 
     @property
-    def main(self):
-        return MainDialog(self)
-
-    @property
     def choices(self):
         return self.view.get("choices", {})
 
-    def press(self, name, window=None):
-        """Presses a button or a table's row once it is offered. Fails if something else is offered instead."""
-        while name not in self.choices or self.view["window"] != (window or self.view["window"]):
-            if self.ended or (self.choices and not self.is_busy()):
-                raise Unexpected(f"expected {name} in {window}\nseen: {self.seen()}")
-            self.station.go_on()
+    def press(self, *names):
+        """Presses buttons and rows of tables, each once it is offered. Fails if something else is offered instead, such
+        as a message box's Ok."""
+        for name in names:
+            while name not in self.choices or (name == "Ok" and self.view["window"] == "box"):
+                if self.ended or (self.choices and not self.is_busy()):
+                    raise Unexpected(f"expected {name}\nseen: {self.seen()}")
+                self.station.go_on()
+            self.push(name)
+        return self
+
+    def push(self, name):
         self.presses.append(name)
         self.inject(name)
         self.view = {}
@@ -241,13 +243,24 @@ class Run:
 
     def press_escape(self):
         self.station.order("escape")
+        return self
 
-    def box(self, text):
-        """Waits for a message box with that text, which its user then answers."""
+    def answer(self, name, text):
+        """Waits for a message box with that text, and presses its button."""
         self.wait(lambda: self.view.get("window") == "box", f'a box with "{text}"')
-        if self.view["title"] != TITLE or text not in plain(self.view["text"]):
-            raise Unexpected(f'expected a box "{TITLE}" with "{text}"\nseen: {self.seen()}')
-        return Box(self)
+        if self.view["title"] != TITLE or text not in plain(self.view["text"]) or name not in self.choices:
+            raise Unexpected(f'expected a box "{TITLE}" with "{text}" and {name}\nseen: {self.seen()}')
+        self.push(name)
+        return self
+
+    def expect(self, place, disabled=(), **labels):
+        """Waits until a window or page is in front, with texts of labels and buttons, and disabled buttons."""
+        def is_shown():
+            texts = self.view.get("labels", {}) | self.choices
+            return (place in (self.view.get("window"), self.view.get("page")) and not set(disabled) & set(self.choices)
+                    and all(name in texts and text in texts[name] for name, text in labels.items()))
+        self.wait(is_shown, f"{place} {labels or ''}, disabled {disabled}")
+        return self
 
     def leave(self, yes="Yes"):
         """Answers and closes what is open until the run ends. Texts of boxes are kept."""
@@ -261,8 +274,11 @@ class Run:
                 if self.view["title"] != TITLE:
                     raise Wrong(f"a box with a title of its own: {self.view['title']}")
                 self.boxes.append(plain(self.view["text"]))
-            self.press("No" if "retry" in self.view["text"] else offered[0])
+            self.push("No" if "retry" in self.view["text"] else offered[0])
         return self
+
+    def close(self):
+        return self.press("Close").end()
 
     def end(self):
         """Waits until the run ends by itself."""
@@ -397,68 +413,3 @@ class Run:
     def put_back(self):
         if self.station.away.exists():
             self.station.order_reader(*self.station.faults)
-
-
-class Dialog:
-    """What a user can do in a window of the plug-in. Each operation waits until it is offered."""
-
-    window = None
-
-    def __init__(self, run):
-        self.run = run
-
-    def press(self, name):
-        self.run.press(name, self.window)
-        return self
-
-    def expect(self, page=None, disabled=(), **labels):
-        """Waits until the window is in front and shows a page, texts of labels and buttons, and disabled buttons."""
-        def is_shown():
-            view = self.run.view
-            texts = view.get("labels", {}) | self.run.choices
-            return (view.get("window") == self.window and page in (None, view["page"])
-                    and not set(disabled) & set(self.run.choices)
-                    and all(name in texts and text in texts[name] for name, text in labels.items()))
-        self.run.wait(is_shown, f"{self.window} {page or ''} {labels or ''}, disabled {disabled}")
-        return self
-
-
-def pressing(button, opens=None):
-    """An operation that presses a button, and returns the dialog or box that opens, or its own dialog."""
-    def operation(self):
-        self.press(button)
-        return opens(self.run) if opens else self
-    return operation
-
-
-class Box(Dialog):
-    window = "box"
-    ok, yes, no = map(pressing, ("Ok", "Yes", "No"))
-
-
-class AddDialog(Dialog):
-    window = "PumpAddDialog"
-    choose = Dialog.press  # a serial number
-    search = back = pressing("m_OverviewButton")
-    assign, confirm, decline = map(pressing, ("m_AssignButton", "m_ConfirmButton", "m_DeclineButton"))
-    ok, cancel = map(pressing, ("Ok", "Cancel"))
-
-    def stop(self):
-        return self.expect(m_OverviewButton="Abort").press("m_OverviewButton")
-
-
-class ReadDialog(Dialog):
-    window = "PumpReadDialog"
-
-
-class RemoveDialog(Dialog):
-    window = "PumpRemoveDialog"
-    ok, cancel = pressing("Ok", Box), pressing("Cancel")
-
-
-class MainDialog(Dialog):
-    window = "MainDialog"
-    add = pressing("m_addPumpButton", AddDialog)
-    read = pressing("m_readPumpButton", ReadDialog)
-    remove = pressing("m_removePumpButton", RemoveDialog)
-    close = pressing("Close", Run.end)

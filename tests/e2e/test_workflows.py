@@ -6,7 +6,6 @@ import signal
 import subprocess
 
 import pytest
-from conftest import is_whole
 from station import DECLINING, ENVIRONMENT, FOURTH, FREE, NO_ANSWER, RICHARDS, ROOT, kept_pairings, programs, pump
 
 
@@ -20,7 +19,7 @@ def finish(station, result, *log):
     """Checks the result, parts of the log in their order, and that a run with a sound reader shows each one's pump."""
     station.start_reader()
     for patient in ("P-1", "P-2"):
-        station.run(patient).agree().main.close()
+        station.run(patient).agree().close()
     assert station.result() == result.split()
     text, position = (station.folder / "host.log").read_text(), 0
     for part in log:
@@ -29,84 +28,61 @@ def finish(station, result, *log):
     assert station.close() == 0
 
 
+def search_and_choose(run, serial):
+    return run.press("m_addPumpButton", "m_OverviewButton", serial)
+
+
 def compare_code(run):
-    return (run.main.add().search().choose("MV-204817").assign()
-            .expect(page="m_AssignPage", m_AssignPairingCode="481207", disabled=["Cancel"]))
+    search_and_choose(run, "MV-204817").press("m_AssignButton")
+    return run.expect("m_AssignPage", m_AssignPairingCode="481207", disabled=["Cancel"])
 
 
 def test_read(start):
-    """Also if the host opens the diary of the same patient again."""
+    """Also if the host opens the diary of the same patient again. A second read-out imports nothing new."""
     run = start(["MV-204817=P-1"])
-    run.main.read().expect(m_ProgressLabel="Download in progress...")
+    run.press("m_readPumpButton").expect("PumpReadDialog", m_ProgressLabel="Download in progress...")
     run.station.order("diary P-1")
-    run.press_escape()
-    run.end()
+    run.press_escape().end()
+    run.station.run().agree().press("m_readPumpButton").end()
     run.station.check_imports()
     finish(run.station, "MV-198305=P-2 MV-204817=P-1 +P-1", "<== <BTISPAIRED P-1> submitted.",
            '<== <BTREAD "MV-204817"> submitted.', "==> [Read Controller] Readout succeeded: status='2'.", "MAC verified",
-           "--- Plugin component execution finishing", "<-- Plugin component execution finished")
-
-
-def test_read_again_imports_nothing_new(make_station):
-    station = make_station(["MV-204817=P-1"])
-    for _ in range(2):
-        run = station.run().agree()
-        run.main.read()
-        run.end()
-    finish(station, "MV-198305=P-2 MV-204817=P-1 +P-1", "MAC verified", "already for the patient")
+           "--- Plugin component execution finishing", "already for the patient")
 
 
 def test_pump_of_another_patient(start):
     run = start(["MV-204817=P-2"], pumps=[FREE])
     assert sorted(run.choices) == ["Close", "m_addPumpButton"]
-    run.main.close()
+    run.close()
     finish(run.station, "MV-204817=P-2", "=== Paired pump query for patient 'P-1' finished: snr=''.")
 
 
 def test_add_and_read(start):
     run = start()
-    add = run.main.add().expect(page="m_StartPage")
-    add.search().expect(page="m_OverviewPage", disabled=["m_AssignButton"])
+    run.press("m_addPumpButton").expect("m_StartPage")
+    run.press("m_OverviewButton").expect("m_OverviewPage", disabled=["m_AssignButton"])
     assert list(run.choices.values()).count("row") == 4
-    add.cancel()
-    run.agree()
-    add = compare_code(run)
-    run.press_escape()
-    add.confirm().expect(page="m_ConfirmPage", Ok="")
+    run.press("Cancel").agree()
+    compare_code(run).press_escape().press("m_ConfirmButton").expect("m_ConfirmPage", Ok="")
     assert "m_ConfirmBusyLabel" not in run.view["labels"]
-    add.ok()
-    run.end()
+    run.press("Ok").end()
     finish(run.station, "MV-198305=P-2 MV-204817=P-1 +P-1", "<== [Add Controller] Start pairing search.",
-           "<== [Add Controller] Start pairing process: snr='MV-204817'.",
            "==> [Add Controller] Pairing confirm succeeded: status='2'.",
            "<== [Read Controller] Start readout: snr='MV-204817'.", "MAC verified")
-
-
-def test_add_without_reading(start):
-    run = start(pumps=[FREE])  # the only pump is selected already
-    run.main.add().search().assign().confirm().expect(Ok="").cancel()
-    run.agree()
-    assert "MV-204817" in run.label
-    run.main.close()
-    finish(run.station, "MV-204817=P-1", "==> [Add Controller] Pairing confirm succeeded: status='2'.")
 
 
 def test_decline(start):
     """By the user, also where the reader fails at it, by the pump's user, and by one who walks away."""
     run = start()
-    compare_code(run).decline()
-    run.agree()
+    compare_code(run).press("m_DeclineButton").agree()
     run.station.start_reader("fail=32@BTPAIRCONFIRM")
-    compare_code(run).decline()
-    run.agree()
+    compare_code(run).press("m_DeclineButton").agree()
     run.station.start_reader()
-    run.main.add().search().choose(DECLINING["serialNumber"]).assign().expect(m_AssignPairingCode="905518").confirm()
-    run.box("Error Code: 21").ok()
-    run.agree()
+    search_and_choose(run, DECLINING["serialNumber"]).press("m_AssignButton", "m_ConfirmButton")
+    run.answer("Ok", "Error Code: 21").agree()
     run.station.start_reader(pumps=[pump("MV-220022", FOURTH["address"], user="walks away")])
-    run.main.add().search().choose("MV-220022").assign().confirm()
-    run.box("Connection lost").ok()
-    run.agree().main.close()
+    search_and_choose(run, "MV-220022").press("m_AssignButton", "m_ConfirmButton")
+    run.answer("Ok", "Connection lost").agree().close()
     finish(run.station, "MV-198305=P-2", "==> [Add Controller] Pairing decline finished: status='2'.",
            "==> [Add Controller] Pairing decline finished: status='1'.",
            "=!= [Add Controller] Pairing confirm failed: status='1'.",
@@ -116,16 +92,13 @@ def test_decline(start):
 def test_search_finds_nothing_or_is_stopped(start):
     """A pump in the fourth row counts as none."""
     run = start(pumps=[])
-    add = run.main.add().search()
-    run.box("No device found.").ok()
+    run.press("m_addPumpButton", "m_OverviewButton").answer("Ok", "No device found.")
     run.station.start_reader("slow=9000@SEARCH", "slow=3200@ABORT", pumps=[FREE, DECLINING, RICHARDS, FOURTH])
-    add.search().expect(m_OverviewButton="Abort")
-    run.press_escape()
-    add.stop().expect(m_OverviewButton="Search")
+    run.press("m_OverviewButton").expect("PumpAddDialog", m_OverviewButton="Abort")
+    run.press_escape().press("m_OverviewButton").expect("PumpAddDialog", m_OverviewButton="Search")
     run.station.start_reader()
-    add.search().choose("MV-220022").assign()
-    run.box("No device selected.").ok()
-    run.agree().main.close()
+    run.press("m_OverviewButton", "MV-220022", "m_AssignButton").answer("Ok", "No device selected.")
+    run.agree().close()
     finish(run.station, "MV-198305=P-2", "=!= [Add Controller] Empty device list.", "<== <ABORT > submitted.",
            "=!= [Add Controller] Pairing search stopped: status='3'.")
 
@@ -133,24 +106,24 @@ def test_search_finds_nothing_or_is_stopped(start):
 def test_stop_is_not_answered(start):
     """After that, a press on Search stops once more."""
     run = start(faults=["slow=9000@SEARCH", "no-start@ABORT"])
-    run.main.add().search().stop()
-    run.box(NO_ANSWER).ok()
-    run.agree()
-    add = run.main.add().search().expect(m_OverviewButton="Search", Cancel="")
-    add.cancel()
-    run.agree().main.close()
+    run.press("m_addPumpButton", "m_OverviewButton", "m_OverviewButton").answer("Ok", NO_ANSWER).agree()
+    run.press("m_addPumpButton", "m_OverviewButton").expect("PumpAddDialog", m_OverviewButton="Search", Cancel="")
+    run.press("Cancel").agree().close()
     finish(run.station, "MV-198305=P-2", "=== Observer canceling.", "<== <ABORT > submitted.", "--- Cancel during polling",
            "--- 'Unstarted command' timeout during polling", "<== <ABORT > submitted.", "--- Cancel during polling")
 
 
 def test_pump_of_a_deleted_patient_is_free(start):
-    run = start(pumps=[FREE | {"patientId": "gone-1"}, RICHARDS])
-    add = run.main.add().search().choose("MV-204817").expect(m_AssignButton="Assign")
+    """And is selected already, as the only one; after the pairing nothing is read."""
+    run = start(pumps=[FREE | {"patientId": "gone-1"}])
+    run.press("m_addPumpButton", "m_OverviewButton").expect("m_OverviewPage", m_AssignButton="Assign")
     end = run.now + 3  # nobody waits until the reader has forgotten the pairing
     run.wait(lambda: run.now > end, "a pause")
-    add.assign().expect(m_AssignPairingCode="481207").confirm().expect(Ok="").cancel()
-    run.agree().main.close()
-    finish(run.station, "MV-198305=P-2 MV-204817=P-1",
+    run.press("m_AssignButton").expect("m_AssignPage", m_AssignPairingCode="481207")
+    run.press("m_ConfirmButton").expect("m_ConfirmPage", Ok="").press("Cancel").agree()
+    assert "MV-204817" in run.label
+    run.close()
+    finish(run.station, "MV-204817=P-1",
            "=== [Add Controller] Deprecated pairing info (puid='gone-1', snr='MV-204817') removed.",
            "==> [Add Controller] Pairing confirm succeeded: status='2'.")
 
@@ -158,14 +131,11 @@ def test_pump_of_a_deleted_patient_is_free(start):
 def test_reassign(start):
     """After a No, a step back and a Yes; the pump is read for its new patient."""
     run = start()
-    add = (run.main.add().search().choose("MV-198305").expect(m_AssignButton="Reassign").assign()
-           .expect(page="m_ReassignPage").ok())
-    run.box("reassign the pump MV-198305 from patient 'Roe, Richard' to patient 'Doe, Jane'?").no()
-    add.back().expect(page="m_OverviewPage").cancel()
-    run.agree()
-    run.main.add().search().choose("MV-198305").assign().expect(page="m_ReassignPage").ok()
-    run.box("reassign the pump").yes()
-    run.end()
+    search_and_choose(run, "MV-198305").expect("m_OverviewPage", m_AssignButton="Reassign")
+    run.press("m_AssignButton").expect("m_ReassignPage").press("Ok")
+    run.answer("No", "reassign the pump MV-198305 from patient 'Roe, Richard' to patient 'Doe, Jane'?")
+    run.press("m_OverviewButton").expect("m_OverviewPage").press("Cancel").agree()
+    search_and_choose(run, "MV-198305").press("m_AssignButton", "Ok", "Yes").end()
     finish(run.station, "MV-198305=P-1 +P-1", '<== <BTPUMPREASSIGN "MV-198305" P-1> submitted.',
            "==> [Add Controller] Reassign succeeded: status='2'.", "MAC verified")
 
@@ -173,23 +143,16 @@ def test_reassign(start):
 def test_remove(start):
     """After a No, a Cancel and a failure."""
     run = start(["MV-204817=P-1"])
-    remove = run.main.remove().expect(Ok="")
+    run.press("m_removePumpButton").expect("PumpRemoveDialog", Ok="")
     assert list(run.choices.values()).count("row") == 1
-    remove.ok()
-    run.box("assignment of the pump MV-204817 to patient record Doe, Jane").no()
-    remove.cancel()
+    run.press("Ok").answer("No", "assignment of the pump MV-204817 to patient record Doe, Jane").press("Cancel")
     run.station.start_reader("slow=1500@BTDELETEADDR", "fail=31@BTDELETEADDR")
-    run.agree().main.remove().ok()
-    run.box("assignment of the pump").yes()
-    remove.expect(disabled=["Ok", "Cancel"])
-    run.press_escape()
-    run.box("Pump communication error").ok()
-    run.agree()
+    run.agree().press("m_removePumpButton", "Ok", "Yes").expect("PumpRemoveDialog", disabled=["Ok", "Cancel"])
+    run.press_escape().answer("Ok", "Pump communication error").agree()
     assert "MV-204817" in run.label
     run.station.start_reader()
-    run.main.remove().ok()
-    run.box("assignment of the pump").yes()
-    run.main.expect(m_pumpAssignLabel="No pump assigned", m_addPumpButton="").close()
+    run.press("m_removePumpButton", "Ok", "Yes")
+    run.expect("MainDialog", m_pumpAssignLabel="No pump assigned", m_addPumpButton="").close()
     finish(run.station, "MV-198305=P-2", "=!= [Remove Controller] Removing failed: error='31'.",
            "==> [Remove Controller] Removing succeeded: status='2'.")
 
@@ -197,13 +160,10 @@ def test_remove(start):
 def test_reader_restarts_while_the_code_is_compared(start):
     """The confirmation comes too late, and the next try succeeds."""
     run = start()
-    add = compare_code(run)
+    compare_code(run)
     run.station.start_reader()
-    add.confirm()
-    run.box("Error Code: 20").ok()
-    run.agree()
-    compare_code(run).confirm().ok()
-    run.end()
+    run.press("m_ConfirmButton").answer("Ok", "Error Code: 20").agree()
+    compare_code(run).press("m_ConfirmButton", "Ok").end()
     finish(run.station, "MV-198305=P-2 MV-204817=P-1 +P-1", "Error message box: code='20'",
            "==> [Add Controller] Pairing confirm succeeded: status='2'.")
 
@@ -227,8 +187,3 @@ def test_demo(build, tmp_path):
                 reader.send_signal(signal.SIGKILL)
     assert len(list(tmp_path.glob("*.png"))) == 20
 
-
-def test_stale_drive(build, request):
-    """No command takes another one's answer from a drive that shows old answers first."""
-    count = "10000" if is_whole(request.config) else "1000"
-    subprocess.run([programs(build)["station"], "stale-drive", count], env=ENVIRONMENT, check=True)
