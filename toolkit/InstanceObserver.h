@@ -12,8 +12,8 @@
 /// The timings of one object, by name.
 using RuntimeTable = QMap<QString, QList<RuntimeItem>>;
 
-/// Observes the lifetime of one object. A member of the class of the object, which registers it with the
-/// ObserverManager under the name of its type, and collects the timings of the object.
+/// Tracks the lifetime and the timings of one object. Make it a member of the class of the object; setObject()
+/// registers it with the ObserverManager under the name of the class.
 ///
 ///     Importer::Importer() { m_observer.setObject(this, Q_FUNC_INFO, false); }
 ///
@@ -34,7 +34,7 @@ public:
     /// verbose observer writes to Qt's debug log when the object is registered and unregistered.
     ///
     /// A null address or an empty signature registers nothing; with an address and an empty signature, a verbose
-    /// observer still writes its state and its end. A further call unregisters the former object.
+    /// observer still logs its state and its destruction. A further call unregisters the former object.
     void setObject(const void* address, const QString& typeSignature, bool verbose);
 
     /// Writes a line to Qt's debug log if the observer is verbose and has an address.
@@ -45,7 +45,7 @@ public:
     const RuntimeTable& runtimes() const { return m_runtimes; }
 
 public Q_SLOTS:
-    /// Collects the timing that ends when @p timeObserver is destroyed.
+    /// Records the timing when @p timeObserver is destroyed.
     void timingStart(RuntimeObserver& timeObserver);
     /// Stores a finished timing.
     void timingStop(RuntimeItem item);

@@ -22,8 +22,8 @@ void drawAtEdge(QPainter* painter, QRect rect, bool atRight, int indent, const Q
         rect.setRight(rect.right() - indent);
     else
         rect.setLeft(rect.left() + indent);
-    // Absolute: a painter swaps left and right once more where it is right to left itself, as every widget's is in a
-    // right-to-left application, and on an image where the text is.
+    // Without AlignAbsolute, a right-to-left painter would swap left and right again. A widget's painter is right to
+    // left in a right-to-left application, an image's if the text is.
     constexpr int Line = int(Qt::AlignAbsolute) | int(Qt::AlignVCenter);
     painter->drawText(rect, Line | (atRight ? Qt::AlignRight : Qt::AlignLeft), text);
 }

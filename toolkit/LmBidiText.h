@@ -28,8 +28,7 @@ constexpr QChar PDF{u'\u202C'}; ///< Pop directional formatting.
 /// Moves the minus of a negative number in a QLabel after its digits, and writes a debug entry to Qt's log.
 ///
 /// Does nothing if the application isn't right to left, if @p label is null or isn't a QLabel, or if its text isn't a
-/// negative number in the C locale. Once the minus is moved, the text isn't a number, so that a second call does
-/// nothing.
+/// negative number in the C locale. A second call does nothing.
 void lmFixNegativeNumberLabel(QObject* label);
 
 /// Draws @p text in @p rect, vertically centred, @p indent pixels inside the edge where a line begins.

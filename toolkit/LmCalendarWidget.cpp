@@ -18,12 +18,12 @@
 
 namespace {
 
-/// @p side is "left" or "right".
+/// Returns the arrow that points to @p side, "left" or "right".
 QIcon arrowIcon(QLatin1String side)
 {
     QIcon icon;
-    const auto add = [&icon, side](QLatin1String look, QIcon::Mode mode) {
-        const QString path = QStringLiteral(":/img/images/arrow_%0_%1.png").arg(side, look);
+    const auto add = [&icon, side](QLatin1String variant, QIcon::Mode mode) {
+        const QString path = QStringLiteral(":/img/images/arrow_%0_%1.png").arg(side, variant);
         icon.addFile(path, QSize(), mode, QIcon::On);
     };
     add(QLatin1String("default"), QIcon::Normal);
@@ -33,15 +33,15 @@ QIcon arrowIcon(QLatin1String side)
     return icon;
 }
 
-/// Returns the colour that a transparent @p color has on @p ground.
-QColor blended(const QColor& color, const QColor& ground)
+/// Returns the colour that a transparent @p color has on @p background.
+QColor blended(const QColor& color, const QColor& background)
 {
     const qreal alpha = color.alphaF();
     const auto mixed = [alpha](qreal above, qreal below) {
         return below + (above - below) * alpha;
     };
-    return QColor::fromRgbF(mixed(color.redF(), ground.redF()), mixed(color.greenF(), ground.greenF()),
-                            mixed(color.blueF(), ground.blueF()));
+    return QColor::fromRgbF(mixed(color.redF(), background.redF()), mixed(color.greenF(), background.greenF()),
+                            mixed(color.blueF(), background.blueF()));
 }
 
 /// Returns the relative luminance as the WCAG define it, from 0 for black to 1 for white.
@@ -53,11 +53,11 @@ qreal luminance(const QColor& color)
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-/// Returns true if text in @p color has the contrast on @p ground that the WCAG ask for.
-bool isReadable(const QColor& color, const QColor& ground)
+/// Returns true if text in @p color has the contrast on @p background that the WCAG require.
+bool isReadable(const QColor& color, const QColor& background)
 {
     constexpr qreal MinContrast = 4.5;
-    const auto [darker, lighter] = std::minmax({luminance(blended(color, ground)), luminance(ground)});
+    const auto [darker, lighter] = std::minmax({luminance(blended(color, background)), luminance(background)});
     return (lighter + 0.05) / (darker + 0.05) >= MinContrast;
 }
 
@@ -95,7 +95,7 @@ void LmCalendarWidget::setUp(int firstWeekDay)
 
 void LmCalendarWidget::setRangeStart(const QDate& date)
 {
-    setDisabled(true); // No signal of the user's input may come in between.
+    setDisabled(true); // Keeps user input from emitting signals during the change.
     m_rangeStart = date;
     if (date.isValid()) {
         if (m_rangeEnd.isValid() && m_rangeEnd < date)
@@ -148,7 +148,7 @@ LmCalendarWidget::CellState LmCalendarWidget::cellState(const QDate& date) const
     else if (m_rangeStart.isValid() && m_rangeEnd.isValid() && date >= m_rangeStart && date <= m_rangeEnd)
         state = CellInRange;
 
-    // The number of the month tells enough, as a page holds no two months of one number.
+    // Comparing month numbers is enough: a page never shows the same month of two years.
     if (date.month() != monthShown()) {
         state |= CellOtherMonth;
         state |= date >= QDate(yearShown(), monthShown(), 1) ? CellNextMonth : CellPreviousMonth;
@@ -167,24 +167,24 @@ bool LmCalendarWidget::hasTopLine(const QDate& date, CellState state) const
     if (state & CellOtherMonth)
         return state & CellPreviousMonth;
 
-    // The line runs along the first row of the month, if the month before has a share in that row.
+    // The line is above the first row of the month, if that row also has days of the previous month.
     const int first = QDate(yearShown(), monthShown(), 1).dayOfWeek();
     if (first == firstDayOfWeek())
         return false;
     const int last = firstDayOfWeek() == Qt::Monday ? int(Qt::Sunday) : firstDayOfWeek() - 1;
     const int count = last - first + 1;
-    // Where the week begins neither on Monday nor on Sunday, the days from the first to the end of the week may run
-    // over Sunday: the line is then one of six days however many they are.
+    // If the week begins on neither Monday nor Sunday, the first row can continue after a Sunday. The count is then
+    // negative, and the line is above six days, whatever the length of the row.
     return date.day() <= (count < 0 ? 6 : count);
 }
 
 void LmCalendarWidget::paintCell(QPainter* painter, const QRect& rect, const QDate& date) const
 {
     const CellState state = cellState(date);
-    QColor ground = Qt::white;
-    const auto fill = [painter, &rect, &ground](const QBrush& brush) {
+    QColor background = Qt::white;
+    const auto fill = [painter, &rect, &background](const QBrush& brush) {
         painter->fillRect(rect, brush);
-        ground = blended(brush.color(), ground);
+        background = blended(brush.color(), background);
     };
     std::optional<QPen> pen;
 
@@ -208,9 +208,9 @@ void LmCalendarWidget::paintCell(QPainter* painter, const QRect& rect, const QDa
             fill(otherEndBrush());
         }
     }
-    // The ground doesn't depend on the theme, so that the bright text of a dark theme can't be read on it. In a light
-    // theme a disabled calendar keeps its pale text.
-    if (!pen && !isReadable(textColor(), ground))
+    // The background doesn't depend on the theme, so that the light text of a dark theme would be unreadable. In a
+    // light theme the pen remains that of the palette, and a disabled calendar has pale text.
+    if (!pen && !isReadable(textColor(), background))
         pen = textPen();
     if (pen)
         painter->setPen(*pen);
@@ -224,14 +224,14 @@ void LmCalendarWidget::paintCell(QPainter* painter, const QRect& rect, const QDa
 
 QColor LmCalendarWidget::textColor() const
 {
-    // A style sheet may set it for the view only.
+    // A style sheet may set the colour only for the view.
     const auto* const view = findChild<QAbstractItemView*>(QStringLiteral("qt_calendar_calendarview"));
     return (view ? view->palette() : palette()).color(QPalette::Active, QPalette::Text);
 }
 
 void LmCalendarWidget::fixYearButtonText()
 {
-    // Qt's button keeps the year in the digits of another locale otherwise.
+    // QCalendarWidget writes the year on the button in the digits of another locale.
     const auto* const bar = findChild<QWidget*>(QStringLiteral("qt_calendar_navigationbar"));
     if (!bar)
         return;

@@ -32,21 +32,21 @@ public:
     /// LmGuiConfig::firstWeekDay() is 1, so that a calendar set up with it begins its weeks on Tuesday; an application
     /// that wants Monday installs a config that returns 0.
     ///
-    /// The images of the arrows are resources of the application: ":/img/images/arrow_left_default.png", also with
-    /// "right" for "left", and each with "pressed" and "disabled" for "default". Without them the buttons have no
-    /// arrow.
+    /// The application must provide the images of the arrows as resources ":/img/images/arrow_SIDE_STATE.png", where
+    /// SIDE is "left" or "right" and STATE is "default", "pressed" or "disabled". Without them the buttons have no
+    /// arrows.
     void setUp(int firstWeekDay);
 
     /// Sets the start of the range; a null date removes it. Also removes the end if that is before @p date. Enables the
-    /// calendar and takes the focus from it, whatever it was before.
+    /// calendar if it was disabled, and takes the focus from it.
     void setRangeStart(const QDate& date);
     /// Sets the end of the range; a null date removes it. Also removes the start if that is after @p date. Enables the
-    /// calendar and takes the focus from it, whatever it was before.
+    /// calendar if it was disabled, and takes the focus from it.
     void setRangeEnd(const QDate& date);
     QDate rangeStart() const;
     QDate rangeEnd() const;
 
-    /// Sets which end of the range is being edited: initially the start. Doesn't change the selected date.
+    /// Sets whether the start (initially) or the end is being edited. Doesn't change the selected date.
     void setEditingStart(bool editingStart);
     bool isEditingStart() const;
 
@@ -67,8 +67,7 @@ protected:
     /// Returns the state of a date on the current page.
     CellState cellState(const QDate& date) const;
     /// Paints the cell in fixed colours, except for the text of a weekday in the month shown. This has the colour of
-    /// the palette, or of textPen() if the contrast of the palette's colour to the ground is below 4.5, as in a dark
-    /// theme.
+    /// the palette, or of textPen() if the contrast of that colour to the background is below 4.5, as in a dark theme.
     void paintCell(QPainter* painter, const QRect& rect, const QDate& date) const override;
 
     static QBrush cellBrush();
@@ -85,7 +84,7 @@ protected:
     static QBrush headerBackground();
     /// Returns a further corporate colour for subclasses. Not used by paintCell().
     static QBrush accentBrush();
-    /// Returns the colour of text on the ground of a cell where the palette's can't be read.
+    /// Returns the colour of text if that of the palette is unreadable on the background of the cell.
     static QPen textPen();
 
 private Q_SLOTS:

@@ -34,7 +34,7 @@ int LmClickFrame::id() const
     return m_id;
 }
 
-// The base class would pass both events on to the parent; here they end.
+// Both events are accepted. The base class would pass them on to the parent.
 void LmClickFrame::mouseReleaseEvent(QMouseEvent*)
 {
     if (m_id >= 0)

@@ -16,7 +16,7 @@ std::optional<double> numberIn(const QString& item, const QLocale& locale)
     QString probe = item;
     probe.remove(QLatin1Char('%'));
     if (probe.contains(QLatin1Char('-'))) {
-        // The sign is put aside wherever it stands, so only the magnitude counts.
+        // The sign is ignored wherever it is, so that the result is the magnitude.
         probe.replace(LmBidi::RLM, QLatin1Char(' '));
         probe.replace(QLatin1Char('-'), QLatin1Char(' '));
         probe = probe.trimmed();
@@ -55,7 +55,7 @@ QString lmFixCsvItem(const QString& item)
     if (numberIn(item, locale)) {
         QString number = item;
         const QChar point = locale.decimalPoint();
-        // Asking the system is slow, and many numbers of an export are whole.
+        // QLocale::system() is slow, and many numbers of an export are whole.
         if (number.contains(point))
             number.replace(point, QLocale::system().decimalPoint());
         return number.remove(LmBidi::RLM);

@@ -24,11 +24,11 @@ void LmDateEdit::setUp()
     setCalendarPopup(true);
     setLocale(QLocale());
     setDisplayFormat(LmGuiConfig::instance()->dateFormat());
-    // A format without any part of a date leaves the edit without a calendar.
+    // There is no calendar if the format has no part of a date.
     if (!calendarPopup() || !calendarWidget())
         return;
     auto* const calendar = new LmCalendarWidget(nullptr);
     calendar->setUp(LmGuiConfig::instance()->firstWeekDay());
     calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
-    setCalendarWidget(calendar); // Takes it over.
+    setCalendarWidget(calendar); // Takes ownership.
 }

@@ -4,15 +4,15 @@
 
 #include <QDoubleSpinBox>
 
-/// A decimal field in the digits and with the decimal point of the default locale, as it is when the field is made or
-/// at the last refreshLocale(). GUI thread only.
+/// A decimal field with the digits and the decimal point of the default locale at construction or at the last
+/// refreshLocale(). GUI thread only.
 ///
-/// It treats its special text as LmSpinBox does, and an empty text is a finished entry.
+/// Handles its special text like LmSpinBox, and accepts an empty text.
 ///
-/// A typed separator becomes the field's decimal point. The candidates are, in this order, "*", "#", the default
-/// locale's decimal point, the field's group separator, "." and ",", except for the one that is the field's decimal
-/// point. The first candidate that the text contains is replaced once, so that each keystroke replaces one character.
-/// The keys "1.5" and "1,5" thus yield one and a half in every locale.
+/// Corrects the decimal separator. On each edit, the first candidate that the text contains is replaced, at its first
+/// occurrence, by the decimal point of the field. The candidates are, in this order, "*", "#", the decimal point of the
+/// default locale, the group separator of the field, "." and ",", except the decimal point of the field. Typing "1.5"
+/// or "1,5" thus enters one and a half in every locale.
 ///
 /// The first four candidates are searched in the whole text, so that neither prefix nor suffix may contain one; "." and
 /// "," are searched between prefix and suffix. A field that shows group separators can't be typed into.
@@ -25,10 +25,10 @@ public:
     explicit LmDoubleSpinBox(QWidget* parent = nullptr);
 
     QValidator::State validate(QString& input, int& pos) const override;
-    /// With a special text, replaces an entry that can't be used by the minimum, to six digits.
+    /// With a special text, replaces an invalid entry with the minimum, to six digits.
     void fixup(QString& input) const override;
 
-    /// Takes over the default locale after it has changed, and writes the value again.
+    /// Adopts the default locale after it has changed, and updates the text.
     void refreshLocale();
 
 private:

@@ -20,7 +20,7 @@ bool LmDriveSpace::refresh()
     const QStorageInfo storage(m_path);
     const auto total = double(storage.bytesTotal());
     const auto free = double(storage.bytesFree());
-    // Whole numbers, so comparing them exactly is right.
+    // Compared exactly, since the figures are whole numbers.
     const bool changed = total < m_total || total > m_total || free < m_free || free > m_free;
     m_total = total;
     m_free = free;

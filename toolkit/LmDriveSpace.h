@@ -6,8 +6,8 @@
 #include <QPair>
 #include <QString>
 
-/// The size of a drive and how much of it is free, as of the last refresh(). A value type. A number of unit steps is 0
-/// for bytes, 1 for KiB, 2 for MiB and so on.
+/// The size and the free space of a drive, as of the last refresh(). A value type. Unit steps are 0 for bytes, 1 for
+/// KiB, 2 for MiB and so on.
 class LmDriveSpace
 {
 public:

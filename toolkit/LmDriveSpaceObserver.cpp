@@ -40,7 +40,7 @@ void LmDriveSpaceObserver::timerEvent(QTimerEvent* event)
         QObject::timerEvent(event);
         return;
     }
-    // By key: a receiver may have another path observed meanwhile.
+    // Iterates over copied keys, since a receiver of the signal may call observe().
     const QStringList types = m_drives.keys();
     for (const QString& type : types) {
         LmDriveSpace& drive = m_drives[type];

@@ -8,9 +8,8 @@
 #include <QObject>
 #include <QString>
 
-/// Watches how full the drives are that an application writes to, by reading their figures every five minutes. Watches
-/// one drive for each type of path; the names of the types, such as "data", are up to the application. GUI thread only;
-/// reading the figures blocks for as long as the drives take.
+/// Checks the free space of an application's drives every five minutes. Watches one drive for each type of path; the
+/// application chooses the types, such as "data". GUI thread only; a check blocks for as long as the drives take.
 class LmDriveSpaceObserver : public QObject
 {
     Q_OBJECT

@@ -24,9 +24,9 @@ void LmFileDialog::setUp()
 
 QString LmFileDialog::getExistingDirectory(QWidget* parent, const QString& caption, const QString& dir)
 {
-    // Never shown: it only works out the options of our dialogs.
+    // Never shown; only provides the options.
     LmFileDialog dialog(parent, caption, dir, QString());
-    // Together with the next line this is the mode DirectoryOnly, which Qt has given up.
+    // With ShowDirsOnly, the replacement for the obsolete mode DirectoryOnly.
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly, true);
     dialog.setOption(QFileDialog::HideNameFilterDetails, true);

@@ -16,7 +16,7 @@ bool lmMakeParentDir(const QString& filePath)
 QByteArray lmReadBytes(const QString& path, QIODevice::OpenMode mode)
 {
     QFile file(path);
-    // Opening could make a file that isn't there if the mode allows for writing too, and empty one if for that alone.
+    // A write mode would create a missing file and, without ReadOnly, truncate an existing one.
     return file.exists() && file.open(mode | QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
@@ -41,7 +41,7 @@ bool lmWriteBytes(const QByteArray& data, const QString& path, QIODevice::OpenMo
     if (!lmMakeParentDir(path))
         return false;
     QFile file(path);
-    // A full drive is noticed no sooner than by the flush.
+    // A full drive may be detected only by flush().
     return file.open(mode) && file.write(data) == data.size() && file.flush();
 }
 

@@ -23,7 +23,7 @@ bool lmMakeParentDir(const QString& filePath);
 /// QIODevice::Append or QIODevice::NewOnly nothing is read.
 QByteArray lmReadBytes(const QString& path, QIODevice::OpenMode mode);
 /// Returns the content of a file, read by lmReadBytes() and decoded as UTF-8 up to the first zero byte. A byte order
-/// mark at its begin is removed.
+/// mark at its start is removed.
 QString lmReadText(const QString& path, QIODevice::OpenMode mode);
 /// Returns the lines of lmReadText() without their line ends, which are a line feed, or a carriage return and a line
 /// feed.

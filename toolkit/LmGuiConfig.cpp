@@ -18,14 +18,14 @@ LmGuiConfig::LmGuiConfig(QObject* parent)
 
 LmGuiConfig::~LmGuiConfig()
 {
-    // No comparison: after any config is gone, the next instance() starts from the defaults.
+    // Whichever config is destroyed, the next instance() creates a default one.
     s_instance = nullptr;
 }
 
 LmGuiConfig* LmGuiConfig::instance()
 {
     if (!s_instance)
-        new LmGuiConfig; // Registers itself and lives as long as the process.
+        new LmGuiConfig; // Sets itself as the instance. Never deleted.
     return s_instance;
 }
 

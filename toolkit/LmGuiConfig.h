@@ -7,8 +7,8 @@
 
 class QDate;
 
-/// The defaults of the toolkit. An application that wants others installs a subclass. Users of the values call
-/// instance() each time and don't cache them. GUI thread only.
+/// The default settings of the toolkit. To change them, install an instance of a subclass. Call instance() for each
+/// access, and don't cache its values. GUI thread only.
 class LmGuiConfig : public QObject
 {
     Q_OBJECT

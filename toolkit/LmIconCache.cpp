@@ -14,13 +14,13 @@
 
 namespace {
 
-constexpr int MaximumImages = 100;
+constexpr int MaxImages = 100;
 
 using LmIconCache = QCache<QString, LmIconItem>;
 
 LmIconCache& cache()
 {
-    static LmIconCache instance(MaximumImages);
+    static LmIconCache instance(MaxImages);
     return instance;
 }
 
@@ -35,7 +35,7 @@ QPicture recordSvg(QSvgRenderer& renderer)
     const QRectF rect(QPointF(), renderer.viewBoxF().size());
     if (renderer.isValid()) {
         QPainter painter(&picture);
-        // Gives the picture the bounds of the whole view box, empty margins included.
+        // Extends the bounds of the picture to the whole view box, including empty margins.
         painter.fillRect(rect, Qt::transparent);
         renderer.render(&painter, rect);
     }

@@ -12,15 +12,15 @@
 #include <memory>
 #include <optional>
 
-/// One image in all forms that callers can ask for. Private to the toolkit.
+/// One image in all forms that callers can request. Private to the toolkit.
 struct LmIconItem
 {
     QString path;                    ///< The key.
     std::optional<QPicture> picture; ///< See lmPictureOf().
-    QByteArray svg;                  ///< Of an SVG resource whose picture hasn't been asked for.
+    QByteArray svg;                  ///< Of an SVG resource whose picture hasn't been requested.
     QPicture mirroredPicture;        ///< Recorded on demand; null before.
     QImage image;                    ///< At natural size.
-    QIcon icon;                      ///< From the path, with further pixmaps for sizes that were asked for.
+    QIcon icon;                      ///< From the path, with further pixmaps for requested sizes.
     QSize size;                      ///< Natural size of the image.
 };
 

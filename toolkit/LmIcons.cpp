@@ -16,8 +16,8 @@
 
 namespace {
 
-/// The icon of lmIcon(), and in @p size what was asked for: the natural size if that was negative, (-1, -1) if there is
-/// no image.
+/// Returns the icon of lmIcon(). Sets @p size to the natural size if it was negative, and to (-1, -1) if there is no
+/// image.
 QIcon iconOfSize(const QString& path, QSize* size)
 {
     const LmIconHandle item = lmTakeIconItem(path);
@@ -28,7 +28,7 @@ QIcon iconOfSize(const QString& path, QSize* size)
 
     if (size->width() < 0 || size->height() < 0) {
         *size = item->size;
-        // An icon made from the path has that size. Asking it would draw an SVG at a size that may never be shown.
+        // An icon from the path has this size; actualSize() would render an SVG at a size that may never be shown.
         if (!item->icon.isNull())
             return item->icon;
     }
@@ -140,7 +140,7 @@ QIcon lmColorizeIcon(const QIcon& icon, const QColor& color)
 {
     QIcon result = colorized(
         icon, color, [&icon](QIcon::Mode mode, QIcon::State state) { return icon.availableSizes(mode, state); });
-    // An icon that scales by itself lists no sizes.
+    // A scalable icon lists no sizes.
     if (result.isNull())
         result = colorized(icon, color, [](QIcon::Mode, QIcon::State) { return QList<QSize>{QSize(32, 32)}; });
     if (!result.isNull())
@@ -168,7 +168,7 @@ QRectF lmPaintPicture(QPainter* painter, const QPicture& picture, QPointF anchor
         covered.moveTop(anchor.y() - covered.height() / 2);
     }
 
-    // std::round, unlike qRound, takes negative halves away from zero too. Right and bottom edge stay where they are.
+    // std::round() rounds negative halves away from zero, unlike qRound(). The right and bottom edges aren't rounded.
     covered.setLeft(std::round(covered.left()));
     covered.setTop(std::round(covered.top()));
     painter->drawPicture(covered.topLeft(), picture);

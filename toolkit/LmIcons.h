@@ -15,8 +15,8 @@ class QString;
 class QWindow;
 
 /// @file
-/// Images of files and resources, through one cache of the 100 last used ones, and helpers for painting. GUI thread
-/// only.
+/// Images of files and resources, through a cache of the 100 most recently used ones, and helpers for painting. GUI
+/// thread only.
 ///
 /// An image that can't be read yields a null result and a critical entry in Qt's log. The failure isn't cached: the
 /// next request reads the file again.
@@ -30,15 +30,15 @@ QIcon lmIcon(const QString& path, int width, int height);
 
 /// Returns the pixmap of lmIcon() for QIcon::Normal and QIcon::Off at the natural size of the image.
 QPixmap lmPixmap(const QString& path);
-/// Returns the pixmap of lmIcon() for QIcon::Normal and QIcon::Off, with @p width and @p height as lmIcon() takes them.
+/// Returns the pixmap of lmIcon() for QIcon::Normal and QIcon::Off, with @p width and @p height as in lmIcon().
 QPixmap lmPixmap(const QString& path, int width, int height);
 
-/// Returns the image as it was loaded, as paint commands. A path that ends in ".svg", in small letters, yields a
+/// Returns the image as it was loaded, as paint commands. A path that ends in ".svg", in lower case, yields a
 /// picture that is sharp at any scale. Returns a null picture for an SVG that can't be rendered and, without an entry
 /// in the log, for an empty path.
 QPicture lmPicture(const QString& path);
 /// Returns an SVG as paint commands, flipped left to right for right-to-left layouts. Returns a null picture for any
-/// other image, and where lmPicture() does.
+/// other image, and whenever lmPicture() does.
 QPicture lmMirroredPicture(const QString& path);
 
 /// Returns @p pixmap with all of its pixels in @p color and their alpha unchanged.

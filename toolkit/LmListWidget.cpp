@@ -51,7 +51,7 @@ void LmListWidget::moveDown()
 
 void LmListWidget::removeSelectedItems()
 {
-    qDeleteAll(selectedItems()); // An item takes itself out of the list.
+    qDeleteAll(selectedItems()); // An item removes itself from the list.
 }
 
 void LmListWidget::addItems(QList<QListWidgetItem*> items)

@@ -34,7 +34,7 @@ void LmListWidgetDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
             textRect.setLeft(textRect.left() + cell.width());
         } else {
             cell.moveRight(option.rect.right());
-            // One pixel more than the cell.
+            // The gap is one pixel wider than the cell.
             textRect.setRight(option.rect.right() - cell.width() - 1);
         }
         const QSize size(m_iconSize, m_iconSize);
@@ -48,10 +48,10 @@ void LmListWidgetDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
     const QFontMetrics metrics = painter->fontMetrics();
     if (metrics.horizontalAdvance(text) > textRect.width())
         text = metrics.elidedText(text, Qt::ElideRight, textRect.width());
-    // Left in a right-to-left layout too; without AlignAbsolute the painter would mirror it.
+    // Without AlignAbsolute, the painter would align the text right in a right-to-left layout.
     painter->drawText(textRect, Qt::AlignLeft | Qt::AlignVCenter | Qt::AlignAbsolute, text);
 
-    // A veil over icon and text in place of another background.
+    // The colour of the selection is transparent and covers icon and text.
     if (option.state & QStyle::State_Selected)
         painter->fillRect(option.rect, QColor(0x0d, 0xa6, 0x9e, 0x33));
     painter->restore();

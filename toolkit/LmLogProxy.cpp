@@ -25,7 +25,7 @@ void LmLogProxy::logInformation(QString title, QString text, QString detail)
 
 void LmLogProxy::forward(const QString& title, const QString& text, const QString& detail)
 {
-    // All levels meet in the highest one on purpose: a link that only forwards must not play a message down.
+    // All levels are forwarded at the highest one, so that a link that only forwards never lowers a message.
     if (m_next)
         m_next->logCritical(title, text, detail);
 }

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolkit/LmMemoryInfo.h"
 
-// Without Qt, so that the part of each system can be checked with that system's compiler alone.
+// Doesn't use Qt, so that the code for each system can be checked with only the compiler of that system.
 #if defined(_WIN32)
 #include <windows.h>
 #elif defined(__APPLE__)
@@ -21,7 +21,7 @@
 
 namespace {
 
-// As LmDriveSpace::memoryInfo() numbers them.
+// The kinds of LmDriveSpace::memoryInfo().
 constexpr int PhysicalMemory = 0;
 constexpr int AddressSpace = 1;
 constexpr int PageFile = 2;
@@ -63,7 +63,7 @@ LmMemoryFigures physicalMemory()
             KERN_SUCCESS) {
         return {};
     }
-    // Inactive pages are given up when a process asks for memory; those read ahead count as free already.
+    // Inactive pages are reclaimed when a process needs memory. Speculative pages are included in free_count.
     const double available = double(pages.free_count) + double(pages.inactive_count);
     return {double(total), available * double(vm_kernel_page_size)};
 }
@@ -94,14 +94,14 @@ LmMemoryFigures pageFile()
 
 namespace {
 
-/// The fields of /proc/meminfo in bytes; empty if there is no such file.
+/// Returns the fields of /proc/meminfo in bytes, or an empty map if there is no such file.
 std::map<std::string, double> memoryFields()
 {
     std::map<std::string, double> fields;
     std::ifstream file("/proc/meminfo");
     std::string name;
     double kibibytes = 0;
-    // "MemTotal:  16303428 kB"; what follows the number is skipped with the line's end.
+    // A line is like "MemTotal:  16303428 kB"; the unit is skipped.
     while (file >> name >> kibibytes) {
         fields[name] = kibibytes * 1024;
         file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
@@ -130,8 +130,8 @@ LmMemoryFigures addressSpace()
     if (getrlimit(RLIMIT_AS, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
         total = double(limit.rlim_cur);
     } else {
-        // No call tells how far a process may reach. The program's name stands at the very top of its stack and the
-        // stack at the top of the address space, whose size is a power of two.
+        // There is no call for the size of the address space. It is a power of two; the stack is at its top, and the
+        // name of the program at the top of the stack.
         const auto top = double(getauxval(AT_EXECFN));
         for (total = 1; total < top;)
             total *= 2;

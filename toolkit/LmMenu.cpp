@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Between an action's text and its shortcut.
+/// Separates the text of an action from its shortcut.
 const QString s_shortcutSeparator = QStringLiteral("        %1").arg(LmBidi::RLM);
 
 } // namespace
@@ -70,7 +70,7 @@ void LmMenu::onAboutToShow()
         shortcuts += action->shortcuts().isEmpty() ? 0 : 1;
     }
 
-    // Icons count in the right-to-left layout alone.
+    // Icons count only in a right-to-left layout.
     setProperty("leftPadding", rightToLeft ? shortcuts == 0 : checkables > 0);
     setProperty("rightPadding", rightToLeft ? checkables + icons > 0 : shortcuts == 0);
     lmRepolish(this);
@@ -82,8 +82,8 @@ void LmMenu::moveShortcutIntoText(QAction* action)
                                                  action->shortcuts().constFirst().toString(QKeySequence::NativeText)));
     m_savedShortcuts.insert(action, action->shortcuts());
     action->setShortcuts(QList<QKeySequence>());
-    // An action may go while the menu is open. QMenu cuts all connections of one to itself before that, so these are
-    // another object's.
+    // An action may be deleted while the menu is open. QMenu disconnects it from itself before destroyed() is emitted,
+    // so that the connection needs another context object.
     connect(action, &QObject::destroyed, m_watcher.get(), [this, action] { m_savedShortcuts.remove(action); });
 }
 

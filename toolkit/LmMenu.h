@@ -14,9 +14,9 @@
 /// when the menu closes, before a selected action is triggered, and when the menu is deleted while it is open. GUI
 /// thread only.
 ///
-/// Two dynamic properties for style sheets, which are updated at each opening, tell where the items need padding. At
-/// the side where a line begins, "leftPadding" or "rightPadding" is true if an action is checkable or, in a
-/// right-to-left layout, has a visible icon. At the other side it is true if no action has a shortcut.
+/// Each time it opens, sets the dynamic properties "leftPadding" and "rightPadding", which style sheets can use to pad
+/// the items. The one of the leading side is true if an action is checkable or, in a right-to-left layout, has a
+/// visible icon. The one of the trailing side is true if no action has a shortcut.
 ///
 /// If the layout direction changes while the menu is open, the actions permanently lose their shortcuts.
 class LmMenu : public QMenu
@@ -41,5 +41,5 @@ private:
     void moveShortcutIntoText(QAction* action);
 
     QMap<QAction*, QList<QKeySequence>> m_savedShortcuts; ///< Of the actions in the open menu.
-    std::unique_ptr<QObject> m_watcher;                   ///< Context of their destroyed(); null if closed.
+    std::unique_ptr<QObject> m_watcher;                   ///< Context of connections to destroyed(); null if closed.
 };

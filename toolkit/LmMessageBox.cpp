@@ -11,9 +11,9 @@ namespace {
 
 constexpr int TitleMargin = 100;
 constexpr int ButtonMargin = 50;
-constexpr int MinimumButtonWidth = 60;
+constexpr int MinButtonWidth = 60;
 
-/// In whole pixels, with half a pixel to spare before rounding: 100.2 gives 101.
+/// Returns the width in whole pixels, rounded after half a pixel is added: 100.2 yields 101.
 int textWidth(const QWidget& widget, const QString& text)
 {
     return qRound(QFontMetricsF(widget.font()).horizontalAdvance(text) + 0.5);
@@ -40,7 +40,7 @@ LmMessageBox::~LmMessageBox() = default;
 
 void LmMessageBox::fitWidthToTitle()
 {
-    // Holds until the box is shown: from then on QMessageBox fixes the size by its own rule, which leaves the title 50.
+    // Effective until the message box is shown: QMessageBox then fixes its size, with a margin of 50 for the title.
     if (qobject_cast<QGridLayout*>(layout()))
         setMinimumWidth(textWidth(*this, windowTitle()) + TitleMargin);
 }
@@ -53,9 +53,9 @@ void LmMessageBox::setButtonText(int button, const QString& text)
 
     if (const auto* box = findChild<QDialogButtonBox*>()) {
         if (QPushButton* const target = box->button(static_cast<QDialogButtonBox::StandardButton>(button)))
-            target->setMinimumWidth(qMax(textWidth(*this, text) + ButtonMargin, MinimumButtonWidth));
+            target->setMinimumWidth(qMax(textWidth(*this, text) + ButtonMargin, MinButtonWidth));
     }
-    // Once more: the text must stand last, after the width is final.
+    // Set again, since the text must be set after the final width.
     QMessageBox::setButtonText(button, text);
 }
 

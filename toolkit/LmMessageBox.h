@@ -30,7 +30,7 @@ public:
     /// box without buttons.
     void setButtonText(int button, const QString& text);
 
-    /// Logs title and text by the log chain, at the level of the icon. Does nothing for a question and without an icon.
+    /// Logs title and text through the log chain, at the level of the icon, except for a question or without an icon.
     void logDisplayedMessage();
 
 private:

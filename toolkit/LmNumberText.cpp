@@ -12,8 +12,8 @@
 
 namespace {
 
-/// The powers up to the largest with which any but a tiny value fits into an int; std::pow() takes several times as
-/// long as the rest of a rounding.
+/// Reads usual powers from a table, because std::pow() takes several times as long as the rest of lmRoundTo(). With a
+/// larger power only tiny values fit into an int.
 double powerOfTen(int exponent)
 {
     static constexpr std::array<double, 10> Powers{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
@@ -31,16 +31,15 @@ QString filled(const QString& pattern, double value, int decimals, int fieldWidt
 
 double lmRoundTo(double value, int decimals)
 {
-    // What qRound() can convert: it adds a half to a positive value and takes one from a negative one.
-    constexpr double Lowest = std::numeric_limits<int>::min();
-    constexpr double Beyond = std::numeric_limits<int>::max() + 0.5;
+    // Exclusive limits of qRound(), which adds 0.5 to a positive value and subtracts 1 from a negative one.
+    constexpr double MinScaled = std::numeric_limits<int>::min();
+    constexpr double MaxScaled = std::numeric_limits<int>::max() + 0.5;
 
     const double scale = powerOfTen(decimals);
     const double nudge = value > 0 ? 0.00001 : -0.00001;
     const double scaled = value * scale + nudge;
-    // Outside of that the conversion would be undefined, and the value itself is the nearest to its rounded form.
-    // Written so that a NaN is outside too.
-    const bool representable = scaled > Lowest && scaled < Beyond;
+    // Outside of the limits the conversion is undefined. A NaN is outside.
+    const bool representable = scaled > MinScaled && scaled < MaxScaled;
     return representable ? qRound(scaled) / scale : value;
 }
 
@@ -68,7 +67,7 @@ QString lmPlainDouble(double value, int decimals, int fieldWidth, char format)
 
 QString lmLocalizedDouble(double value, int decimals, int fieldWidth, char format)
 {
-    // Looked up at each call: an application may change the default locale at any time.
+    // Not cached, since an application may change the default locale at any time.
     if (value < 0 && QLocale().language() == QLocale::Hebrew)
         return filled(LmBidi::RLM + QStringLiteral("%L1-"), -value, decimals, fieldWidth, format);
     return filled(QStringLiteral("%L1"), value, decimals, fieldWidth, format);

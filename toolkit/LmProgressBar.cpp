@@ -12,7 +12,7 @@ LmProgressBar::LmProgressBar(QWidget* parent)
 
 QString LmProgressBar::text() const
 {
-    // A "%1" counts as QProgressBar's own placeholder: otherwise arg() below would fill it too, without the locale.
+    // "%1" becomes "%p", since arg() below would also replace it, without the digits of the locale.
     QString format = this->format();
     format.replace(QLatin1String("%1"), QLatin1String("%p"));
     if (!format.contains(QLatin1String("%L1")))

@@ -21,7 +21,7 @@ QMap<QString, QAction*> lmActionShortcuts(QObject* root)
 
 QMap<QString, QString> lmStandardKeys()
 {
-    constexpr int End = 70; // Cancel, the last of them, has this value and stays outside.
+    constexpr int End = 70; // QKeySequence::Cancel, the last standard key, which isn't included.
     const QMetaEnum names = QMetaEnum::fromType<QKeySequence::StandardKey>();
     QMap<QString, QString> keys;
     for (int value = 0; value < End; ++value) {

@@ -17,6 +17,6 @@ public:
     explicit LmSpinBox(QWidget* parent = nullptr);
 
     QValidator::State validate(QString& input, int& pos) const override;
-    /// With a special text, replaces an entry that can't be used by the minimum, which the special text represents.
+    /// With a special text, replaces an invalid entry with the minimum, which the special text represents.
     void fixup(QString& input) const override;
 };

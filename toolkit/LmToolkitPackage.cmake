@@ -2,13 +2,13 @@
 # SPDX-License-Identifier: MIT
 include(CMakePackageConfigHelpers)
 
-# The install component LmToolkit: libraries, public headers and a CMake package. The headers go into a folder "toolkit"
-# below the include directory, so that a line like #include "toolkit/LmIcons.h" is good here and in an installation.
+# The install component LmToolkit: libraries, public headers and a CMake package. The headers are installed in a folder
+# "toolkit" below the include directory, so that #include "toolkit/LmIcons.h" works here and in an installation.
 set(lm_include_directory "${CMAKE_INSTALL_INCLUDEDIR}/LmToolkit")
 set(lm_package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/LmToolkit")
 
 # lm_install_library(TARGET NAME LIBRARY [PRIVATE_HEADERS ...]): installs the target as LmToolkit::NAME, in a file named
-# LIBRARY, with all of its headers but the private ones.
+# LIBRARY, with all of its headers except the private ones.
 function(lm_install_library target name library)
     cmake_parse_arguments(arg "" "" "PRIVATE_HEADERS" ${ARGN})
     get_target_property(headers ${target} SOURCES)
@@ -24,7 +24,7 @@ function(lm_install_library target name library)
         NAMESPACE LmToolkit:: DESTINATION "${lm_package_directory}" COMPONENT LmToolkit)
 endfunction()
 
-# lm_install_package(): what find_package(LmToolkit) finds.
+# lm_install_package(): installs the files for find_package(LmToolkit).
 function(lm_install_package)
     set(config "${CMAKE_CURRENT_BINARY_DIR}/LmToolkitConfig.cmake")
     set(version "${CMAKE_CURRENT_BINARY_DIR}/LmToolkitConfigVersion.cmake")

@@ -10,8 +10,8 @@
 
 namespace {
 
-// QDesktopWidget is deprecated, and its successors choose otherwise: QGuiApplication::screenAt() gives none where this
-// gives the nearest screen, and QGuiApplication::screens() has nothing for the number -1, here the primary screen.
+// QDesktopWidget is deprecated, but its replacements differ: QGuiApplication::screenAt() returns null where this
+// returns the nearest screen, and QGuiApplication::screens() has no entry for -1, which is the primary screen here.
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
@@ -46,7 +46,7 @@ LmTooltip::LmTooltip(QWidget* parent)
     box->addWidget(m_label);
 
     setAttribute(Qt::WA_MouseTracking, true);
-    // The window itself gets the mouse over the whole of its face.
+    // Mouse events over the label go to the window, which handles dragging.
     m_label->setAttribute(Qt::WA_TransparentForMouseEvents, true);
 }
 
@@ -86,7 +86,7 @@ void LmTooltip::mouseMoveEvent(QMouseEvent* event)
 void LmTooltip::resizeEvent(QResizeEvent*)
 {
     updateGeometry();
-    // The limits come from the screen of the origin, wherever the window is.
+    // Uses the limits of the screen at the origin, wherever the window is.
     moveWithinScreens(pos().x(), pos().y(), true, screenOfOrigin());
 }
 
@@ -107,8 +107,8 @@ void LmTooltip::moveWithinScreens(int x, int y, bool clampVertically, int screen
         rightmost = qMax(rightmost, limits.right());
     }
 
-    // The right and bottom edges of a QRect are inclusive: the window stops one pixel short of them, and that stays so.
-    // Left and top are held last, so that they win when the window is larger than the room.
+    // The right and bottom edges of a QRect are inclusive, and the window intentionally stops one pixel before them.
+    // Left and top are checked last, so that they win if the window is larger than the screens.
     if (x + width() > rightmost)
         x = rightmost - width();
     if (x < leftmost)

@@ -12,8 +12,8 @@ bool lmInstallTranslator(QTranslator& translator, const QStringList& fileNames, 
     QCoreApplication::removeTranslator(&translator);
     for (const QString& fileName : fileNames) {
         for (const QString& directory : directories) {
-            // No delimiters: with QTranslator's own, "mc_de" of one directory would win over "mc_de_DE" of the next.
-            // The suffix must be null, which means ".qm"; an empty one would mean none.
+            // With the default delimiters, "mc_de" in one directory would take precedence over "mc_de_DE" in the next.
+            // A null suffix means ".qm"; an empty one would mean none.
             if (translator.load(fileName, directory, QStringLiteral(""), QString())) {
                 QCoreApplication::installTranslator(&translator);
                 qInfo() << "Translator" << fileName << "installed from" << directory;

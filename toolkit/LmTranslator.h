@@ -12,7 +12,7 @@ class QTranslator;
 /// can be called after a change of language. Returns true if a file was loaded; otherwise the translator isn't
 /// installed. Not owned.
 ///
-/// All directories are searched for a file name before the next one. A file name may lack the suffix ".qm", but isn't
-/// shortened otherwise, unlike in QTranslator. Qt's log gets an info entry for the file that is installed and a warning
-/// for each name that no directory has.
+/// All directories are searched for one file name before the next. File names must match exactly, with or without
+/// ".qm"; the fallback of QTranslator to shorter names isn't used. Writes an info entry to Qt's log for the installed
+/// file, and a warning for each name that isn't found.
 bool lmInstallTranslator(QTranslator& translator, const QStringList& fileNames, const QStringList& directories);

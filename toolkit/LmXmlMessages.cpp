@@ -21,9 +21,9 @@ void LmXmlMessages::handleMessage(QtMsgType type, const QString& description, co
 {
     if (m_level < type)
         m_messages.clear();
-    m_level = type; // Falls too: the next higher message then clears what a lower one added.
+    m_level = type; // May decrease: the next message of a higher type then clears the lines.
 
-    // By these numbers and no other order, however the message types rank: readers of the lines rely on the labels.
+    // QtFatalMsg intentionally has the label "Info", since applications rely on the format of the lines.
     const QString label = type == QtDebugMsg || type == QtWarningMsg ? QStringLiteral("Error") : QStringLiteral("Info");
     m_messages.append(
         QStringLiteral("%1 at (line %2;column %3) - %4")

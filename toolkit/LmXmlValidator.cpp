@@ -23,7 +23,7 @@ bool LmXmlValidator::validate(const QUrl& document, LmXmlMessages& messages)
 
 bool LmXmlValidator::validate(const QByteArray& document, LmXmlMessages& messages)
 {
-    return check(messages, document, QUrl()); // The document has no place of its own.
+    return check(messages, document, QUrl()); // The document has no URL.
 }
 
 template <typename... Document>

@@ -9,7 +9,7 @@
 class LmXmlMessages;
 class QByteArray;
 
-/// Validates documents against one XML schema. Meant as an aid: without a valid schema every document passes. Not
+/// Validates documents against one XML schema. By design, every document passes without a valid schema. Not
 /// thread-safe.
 class LmXmlValidator final : public QObject
 {
