@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
 
-# The one place for compiler flags: every target of ours links merivo_options.
+# All compiler flags. Every target links merivo_options.
 add_library(merivo_options INTERFACE)
 target_compile_features(merivo_options INTERFACE cxx_std_17)
 target_compile_definitions(merivo_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
@@ -12,20 +12,19 @@ else()
     target_compile_options(merivo_options INTERFACE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -fvisibility=hidden -fvisibility-inlines-hidden
         $<$<BOOL:${MERIVO_WARNINGS_AS_ERRORS}>:-Werror>)
-    # Qt's qCDebug(category) leaves out what a macro takes by "...", as C++20 allows; clang finds that pedantic in C++17.
+    # qCDebug(category) passes no variadic argument. C++20 allows that, but clang reports it in C++17.
     target_compile_options(merivo_options INTERFACE
         $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-gnu-zero-variadic-macro-arguments>)
-    # Sections of their own, so that merivo_export_only() can remove unused ones. A debug build links faster without.
+    # Separate sections let merivo_export_only() remove unused code. Debug builds link faster without them.
     target_compile_options(merivo_options INTERFACE $<$<NOT:$<CONFIG:Debug>>:-ffunction-sections;-fdata-sections>)
-    # A release doesn't tell where it was built, so that it is the same to the byte wherever that is. Other builds do: a
-    # debugger and a coverage report look for the sources there.
-    foreach(folder IN ITEMS "${PROJECT_BINARY_DIR}" "${PROJECT_SOURCE_DIR}") # the last that fits counts
+    # Maps build paths in releases, for reproducible builds. Debuggers and coverage reports need them in other builds.
+    foreach(folder IN ITEMS "${PROJECT_BINARY_DIR}" "${PROJECT_SOURCE_DIR}") # the last match applies
         target_compile_options(merivo_options INTERFACE $<$<CONFIG:Release>:-ffile-prefix-map=${folder}=.>)
     endforeach()
 endif()
 
 if(MERIVO_HARDENED AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
-    # Debian's own compilers make programs that can lie anywhere in memory; others have to be told.
+    # Debian's compilers build position-independent executables by default; enable it for others.
     include(CheckPIESupported)
     check_pie_supported()
     set(CMAKE_POSITION_INDEPENDENT_CODE ON)

@@ -23,8 +23,8 @@ function(merivo_add_floor name folder)
     target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:merivo_options>)
 endfunction()
 
-# merivo_add_resources(OUTPUT QRC [OPTIONS ...]): qt5_add_resources() with a result that doesn't depend on when the sources
-# were written. rcc stores a time with each file, which nobody here asks for: this one, whatever the environment says.
+# merivo_add_resources(OUTPUT QRC [OPTIONS ...]): qt5_add_resources() with a reproducible result. rcc stores the time of
+# each file, which isn't used; this function replaces it with a constant, independent of the environment.
 function(merivo_add_resources output qrc)
     set(Qt5Core_RCC_EXECUTABLE
         "${CMAKE_COMMAND}" -E env --unset=SOURCE_DATE_EPOCH QT_RCC_SOURCE_DATE_OVERRIDE=1 "$<TARGET_FILE:Qt5::rcc>")
@@ -34,8 +34,8 @@ endfunction()
 
 # merivo_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [TIMEOUT seconds])
 #
-# A QtTest executable that runs without a display. The label "polling" puts it into the target polling_tests, which is
-# all that the ThreadSanitizer run builds.
+# Adds a QtTest executable that runs without a display. The label "polling" adds it to the target polling_tests, the only
+# one that the preset tsan builds.
 function(merivo_add_test name)
     cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
     if(NOT arg_TIMEOUT)
@@ -52,7 +52,7 @@ function(merivo_add_test name)
     merivo_set_test_properties(${name} ${arg_TIMEOUT} "${arg_LABELS}")
 endfunction()
 
-# merivo_set_test_properties(NAME TIMEOUT LABELS): the environment that every test runs in.
+# merivo_set_test_properties(NAME TIMEOUT LABELS): sets the environment of a test.
 function(merivo_set_test_properties name timeout labels)
     set(suppressions "${PROJECT_SOURCE_DIR}/tests/support/tsan-suppressions.txt")
     set_tests_properties(${name} PROPERTIES
@@ -61,9 +61,9 @@ function(merivo_set_test_properties name timeout labels)
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;TSAN_OPTIONS=suppressions=${suppressions}:halt_on_error=1:second_deadlock_stack=1;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1")
 endfunction()
 
-# merivo_export_only(NAME SYMBOL...): the library's dynamic symbols are these and no others, weak template symbols
-# included, which hidden visibility alone would leave. On Windows only what the code declares is exported anyway. Removes
-# code and virtual tables that nothing refers to, because their relocations take time when a host loads the library.
+# merivo_export_only(NAME SYMBOL...): exports only these symbols from the library. Hidden visibility would still export weak
+# template symbols; on Windows only declared symbols are exported. Also removes unused code and virtual tables, because
+# their relocations slow down loading.
 function(merivo_export_only name)
     set(exports "${CMAKE_CURRENT_BINARY_DIR}/${name}.exports")
     if(WIN32)
