@@ -1,10 +1,10 @@
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
 #
-# Completion of the options of merivo-host, merivo-reader and merivo-gallery, and of their values. The program itself is
-# asked for them, by --help and --list-faults, so this file knows none and can't fall behind.
+# Completes the options of merivo-host, merivo-reader and merivo-gallery, and their values. These are read from the
+# program's --help and --list-faults, so that the completion is always up to date.
 
-# _merivo_offer ACTION...: what compgen makes of the action and the word so far.
+# _merivo_offer ACTION...: offers the matches of compgen for the current word.
 _merivo_offer()
 {
     mapfile -t COMPREPLY < <(compgen "$@" -- "$cur")
@@ -13,7 +13,7 @@ _merivo_offer()
 _merivo()
 {
     local program=$1 cur=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]} help value=
-    # "--log=file" comes in three words.
+    # bash splits "--log=file" into three words.
     if [[ $cur == = ]]; then
         cur=
     elif [[ $option == = ]]; then
@@ -25,7 +25,7 @@ _merivo()
     if [[ $option =~ ^--[a-z-]+$ ]]; then
         value=$(sed -n "s/^  .*$option <\([^>]*\)>.*/\1/p" <<<"$help")
     fi
-    # Also behind an option that takes no value.
+    # An argument, also after an option without a value.
     if [[ -z $value && $cur != -* && $help == *$'\nArguments:\n'* ]]; then
         value=FOLDER # of the reader's drive
     fi
