@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
-# Shared by the scripts of this folder; sourced, not run.
+# Shared by the scripts in this folder, which source it.
 
 set -euo pipefail
 called_from=$PWD
@@ -18,7 +18,7 @@ build_packages=(cmake g++ ninja-build qtbase5-dev qttools5-dev qttools5-dev-tool
 check_packages=("${build_packages[@]}" binutils clang-format clang-tidy doxygen git python3-pytest
                 python3-pytest-xdist)
 
-# from_caller PATH: what the caller means by a path, which may be relative to where the script was called from.
+# from_caller PATH: prints an absolute path. A relative path starts at the folder that the script was called from.
 from_caller() {
     case $1 in
     /*) printf '%s\n' "$1" ;;
@@ -26,7 +26,7 @@ from_caller() {
     esac
 }
 
-# install_missing PACKAGE...: installs by apt-get what dpkg doesn't know as installed, and says what.
+# install_missing PACKAGE...: installs by apt-get the packages that dpkg doesn't list as installed.
 install_missing() {
     command -v dpkg-query >/dev/null || {
         say "No Debian package system here; assuming that these are installed: $*"
@@ -47,7 +47,7 @@ install_missing() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [CMAKE_ARGUMENT...]: configures, and builds what changed.
+# build PRESET [CMAKE_ARGUMENT...]: configures and builds.
 build() {
     local preset=$1
     shift
@@ -57,13 +57,13 @@ build() {
         cat "build/$preset/configure.log" >&2
         fail "configuring the preset $preset failed"
     }
-    # Only our own sources are linted; what moc and rcc generate lies in the build folder.
+    # Generated sources in the build folder aren't linted; clang-tidy needs at least one check.
     printf "Checks: '-*,misc-definitions-in-headers'\n" >"build/$preset/.clang-tidy"
     cmake --build --preset "$preset"
 }
 
-# start_reader FOLDER ARGUMENT...: lets a reader of the demo build serve FOLDER/drive, and waits until it does. It ends
-# with the script.
+# start_reader FOLDER ARGUMENT...: starts the reader of the demo build on FOLDER/drive and waits until it is ready. The
+# reader is terminated when the script exits.
 start_reader() {
     local folder=$1
     shift
