@@ -22,8 +22,6 @@
 #include <QStackedWidget>
 #include <QTimerEvent>
 
-#include <algorithm>
-
 const QString ReaderSilentBox = box("Something is wrong with the devicereader. Please reconnect it to the PC.");
 const QString RemoveBox = box("Are you sure to remove the pump <b>PU1234</b> from patient <b>Doe, Jane</b>?<br/>"
                               "<b>Note:</b><br/><i> The data that was downloaded from the pump remains in the patient "
@@ -44,14 +42,11 @@ namespace {
 
 QPushButton* visibleButton(const QWidget& window, const QString& text)
 {
-    const QList<QPushButton*> buttons = window.findChildren<QPushButton*>();
-    const auto isIt = [&](auto* button) {
-        return button->isVisible() && (button->text().remove('&') == text || button->objectName() == text);
-    };
-    const auto found = std::find_if(buttons.cbegin(), buttons.cend(), isIt);
-    if (found == buttons.cend())
-        qFatal("There is no button %s", qPrintable(text));
-    return *found;
+    for (auto* button : window.findChildren<QPushButton*>()) {
+        if (button->isVisible() && (button->text().remove('&') == text || button->objectName() == text))
+            return button;
+    }
+    qFatal("There is no button %s", qPrintable(text));
 }
 
 QString shownBy(const QLabel& label)
@@ -78,9 +73,6 @@ QString box(const QString& text)
 
 DialogRun::DialogRun(Kind kind, const DialogSetup& setup)
 {
-    if (setup.isTranslated &&
-        (!m_translator.load(":/lang/i18n/mc_en_GB.qm") || !QCoreApplication::installTranslator(&m_translator)))
-        qFatal("The translation can't be loaded");
     Logger::instance(nullptr, &host.services);
     PatientSession::setHost(&host.services, &host.database);
     host.database.records = {{"1", {"P1", setup.pids}}, {"9", {"P9", {"%3 <Old", "R&D"}}}};
@@ -146,12 +138,6 @@ QStringList DialogRun::click(const QString& button, Steps inOpenedDialog)
     return events;
 }
 
-QStringList DialogRun::press(Qt::Key key)
-{
-    auto* table = front()->findChild<DevicesTable*>();
-    return step([=] { QTest::keyClick(key == Qt::Key_Down ? static_cast<QWidget*>(table) : front(), key); });
-}
-
 QStringList DialogRun::selectRow(int row)
 {
     auto* table = front()->findChild<DevicesTable*>();
@@ -189,22 +175,18 @@ void DialogRun::listPumps(const QStringList& pumps)
 
 QStringList DialogRun::fireTimer(int ms)
 {
-    const QList<QTimer*> timers = front()->findChildren<QTimer*>();
-    const auto found = std::find_if(timers.cbegin(), timers.cend(),
-                                    [ms](auto* timer) { return timer->isActive() && timer->interval() == ms; });
-    if (found == timers.cend())
-        qFatal("No timer of %d ms is set", ms);
-    QTimerEvent event((*found)->timerId());
-    return step([&] { QCoreApplication::sendEvent(*found, &event); });
+    for (auto* timer : front()->findChildren<QTimer*>()) {
+        QTimerEvent event(timer->timerId());
+        if (timer->isActive() && timer->interval() == ms)
+            return step([&] { QCoreApplication::sendEvent(timer, &event); });
+    }
+    qFatal("No timer of %d ms is set", ms);
 }
 
 void DialogRun::endDiary()
 {
     m_isDiaryOpen = false;
-    if (diaryEnd != OtherDiary)
-        PatientSession::create(nullptr);
-    if (diaryEnd != DiaryClosed)
-        PatientSession::open(diaryEnd == OtherDiary ? "P2" : "P1");
+    PatientSession::open("P2");
     setPump({});
 }
 

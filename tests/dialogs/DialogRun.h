@@ -13,14 +13,12 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-#include <QTranslator>
 
 #include <functional>
 #include <memory>
 
 struct DialogSetup
 {
-    bool isTranslated = false;
     QString simulationPath = {};
     QStringList pids = {"Doe", "Jane", "1970-02-03", "X1"};
     QString pump = "PU1234";
@@ -35,7 +33,6 @@ class DialogRun final
 {
 public:
     enum Kind { Main, MainAfterLeftOverCommand, Read, Add, Remove };
-    enum DiaryEnd { OtherDiary, DiaryClosed, DiaryReopened };
     using Steps = std::function<QStringList(DialogRun&)>;
 
     explicit DialogRun(Kind kind, const DialogSetup& setup = {});
@@ -50,7 +47,10 @@ public:
         buttonBox->setStandardButtons(QDialogButtonBox::Cancel | button);
         return step([=] { buttonBox->button(button)->click(); });
     }
-    QStringList press(Qt::Key key);
+    QStringList press(Qt::Key key)
+    {
+        return step([=] { QTest::keyClick(front(), key); });
+    }
     QStringList closeWindow()
     {
         return step([this] { front()->close(); });
@@ -83,6 +83,7 @@ public:
     void listPumps(const QStringList& pumps);
     /// Lets the timer of that interval fire now.
     QStringList fireTimer(int ms);
+    /// Opens the diary of another patient, who has no pump.
     void endDiary();
     void setPump(const QString& serialNumber);
 
@@ -148,7 +149,6 @@ public:
     QStringList takeEvents();
 
     static RecordingHost host;
-    DiaryEnd diaryEnd = OtherDiary;
     ReaderFolder reader;
     std::unique_ptr<QDialog> dialog;
 
@@ -163,7 +163,6 @@ private:
     BoxAnswerer m_boxes{&host.journal.lines};
     bool m_isDiaryOpen = true;
     QStringList m_session; ///< as last noted
-    QTranslator m_translator;
 };
 Q_DECLARE_METATYPE(DialogRun::Kind)
 Q_DECLARE_METATYPE(DialogRun::Steps)

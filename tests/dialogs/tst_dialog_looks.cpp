@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogRun.h"
-#include "dialogs/DialogUtils.h"
 #include "plugin/session/PatientSession.h"
 
 #include <QAbstractEventDispatcher>
@@ -10,11 +9,10 @@
 #include <QDir>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLayout>
 #include <QProgressBar>
-#include <QPushButton>
-#include <QRegularExpression>
 #include <QTableView>
+#include <QTextDocumentFragment>
+#include <QTranslator>
 
 #include <algorithm>
 #include <ctime>
@@ -23,116 +21,78 @@ namespace {
 
 using Run = DialogRun;
 
-/// The room that the content of a widget needs at the width that it has.
-QSize neededRoom(const QWidget& widget)
+/// Returns true if a text or picture has less space than it needs, or is partly outside the window.
+bool isCut(const QWidget& widget)
 {
-    if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
-        const QSize smallest = label->minimumSizeHint(); // with word wrap: the widest word
-        return label->wordWrap() ? QSize(smallest.width(), label->heightForWidth(label->width())) : smallest;
-    }
-    if (qobject_cast<const QPushButton*>(&widget) || qobject_cast<const QProgressBar*>(&widget))
-        return {widget.minimumSizeHint().width(), widget.fontMetrics().height()};
-    const auto* header = qobject_cast<const QHeaderView*>(&widget);
-    const auto* table = header ? qobject_cast<const QTableView*>(header->parentWidget()) : nullptr;
-    // With large fonts on a screen that isn't scaled the serial number alone must be whole.
-    const int columns = table && header->orientation() == Qt::Horizontal ? header->count() : 0;
-    for (int i = 0; i < (widget.logicalDpiX() > 96 ? qMin(columns, 1) : columns); ++i) {
+    if (const auto* table = qobject_cast<const QTableView*>(&widget)) {
         const QAbstractItemView* cells = table; // where the hint is public
-        if (qMax(header->sectionSizeHint(i), cells->sizeHintForColumn(i)) > header->sectionSize(i) &&
-            !table->isColumnHidden(i))
-            return {header->width() + 1, 0};
+        // With large fonts on a screen that isn't scaled only the serial number must be whole.
+        for (int i = 0; i < (table->logicalDpiX() > 96 ? 1 : 3); ++i) {
+            const int needed = qMax(table->horizontalHeader()->sectionSizeHint(i), cells->sizeHintForColumn(i));
+            if (needed > table->columnWidth(i) && !table->isColumnHidden(i))
+                return true;
+        }
     }
-    return {0, 0};
-}
-
-bool isPicture(const QWidget* widget)
-{
-    const auto* label = qobject_cast<const QLabel*>(widget);
-    return label && (label->movie() || !label->pixmap(Qt::ReturnByValue).isNull());
-}
-
-/// Buttons of a box have no object name of their own.
-QString nameOf(const QWidget* widget)
-{
-    const auto* button = qobject_cast<const QPushButton*>(widget);
-    return widget->objectName().isEmpty() && button ? button->text() : widget->objectName();
-}
-
-/// The texts and pictures that have less room than they need, and the widgets that reach beyond the window.
-QStringList cutTexts(const QWidget& window)
-{
-    QStringList found;
-    const QList<QWidget*> widgets = window.findChildren<QWidget*>();
-    for (const QWidget* widget : widgets) {
-        if (!widget->isVisible())
-            continue;
-        const QSize needed = neededRoom(*widget);
-        if (needed.boundedTo(widget->size()) != needed)
-            found.append(widget->objectName() + " is cut");
-        if (!window.rect().contains(QRect(widget->mapTo(&window, QPoint(0, 0)), widget->size())))
-            found.append(widget->objectName() + " reaches beyond the window");
+    QSize needed(0, 0);
+    if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
+        needed = label->minimumSizeHint(); // with word wrap: the widest word
+        if (label->wordWrap())
+            needed.setHeight(label->heightForWidth(label->width()));
+    } else if (qobject_cast<const QPushButton*>(&widget) || qobject_cast<const QProgressBar*>(&widget)) {
+        needed = {widget.minimumSizeHint().width(), widget.fontMetrics().height()};
     }
-    return found;
+    const QRect place(widget.mapTo(widget.window(), QPoint(0, 0)), widget.size());
+    return needed.boundedTo(widget.size()) != needed || !widget.window()->rect().contains(place);
 }
 
-/// The visible pictures, buttons and bars that have no name for a screen reader.
-QStringList namelessWidgets(const QWidget& window)
+/// Returns true if a screen reader has nothing to say about a picture or control.
+bool isNameless(QWidget* widget)
 {
-    QStringList found;
+    const auto* label = qobject_cast<QLabel*>(widget);
+    const bool isPicture = label && (label->movie() || !label->pixmap(Qt::ReturnByValue).isNull());
+    const bool needsName = isPicture || qobject_cast<QPushButton*>(widget) || qobject_cast<QProgressBar*>(widget) ||
+                           qobject_cast<QTableView*>(widget);
+    return needsName && QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name).isEmpty();
+}
+
+bool isReadBefore(const QWidget* left, const QWidget* right)
+{
+    const QRect a(left->mapTo(left->window(), QPoint(0, 0)), left->size());
+    const QRect b(right->mapTo(right->window(), QPoint(0, 0)), right->size());
+    const bool isSameRow = a.top() <= b.bottom() && b.top() <= a.bottom();
+    return isSameRow ? a.left() < b.left() : a.top() < b.top();
+}
+
+/// Returns what a user can't read or reach in the active window.
+QStringList faultsIn(const QWidget& window)
+{
+    QStringList faults;
+    QList<QWidget*> tabStops;
     const QList<QWidget*> widgets = window.findChildren<QWidget*>();
     for (QWidget* widget : widgets) {
-        const bool needsName = isPicture(widget) || qobject_cast<QPushButton*>(widget) ||
-                               qobject_cast<QProgressBar*>(widget) || qobject_cast<QTableView*>(widget);
-        if (needsName && widget->isVisible() &&
-            QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name).isEmpty())
-            found.append(nameOf(widget));
+        if (!widget->isVisible())
+            continue;
+        if (isCut(*widget))
+            faults << widget->objectName() + " is cut";
+        if (isNameless(widget))
+            faults << widget->objectName() + " has no name";
+        if (widget->isEnabled() && widget->focusPolicy() & Qt::TabFocus)
+            tabStops << widget;
     }
-    return found;
-}
-
-/// What takes the focus, in the order in which the eye reads.
-QStringList readingOrder(const QWidget& window)
-{
-    QList<QWidget*> widgets = window.findChildren<QWidget*>();
-    widgets.erase(std::remove_if(widgets.begin(), widgets.end(),
-                                 [](const QWidget* widget) {
-                                     return !widget->isVisible() || !widget->isEnabled() ||
-                                            !(widget->focusPolicy() & Qt::TabFocus);
-                                 }),
-                  widgets.end());
-    std::sort(widgets.begin(), widgets.end(), [&window](const QWidget* left, const QWidget* right) {
-        const QRect a(left->mapTo(&window, QPoint(0, 0)), left->size());
-        const QRect b(right->mapTo(&window, QPoint(0, 0)), right->size());
-        const bool sameRow = a.top() <= b.bottom() && b.top() <= a.bottom();
-        return sameRow ? a.left() < b.left() : a.top() < b.top();
-    });
-    QStringList names;
-    for (const QWidget* widget : qAsConst(widgets))
-        names.append(nameOf(widget));
-    return names;
-}
-
-/// What the Tab key reaches in the active window, one round.
-QStringList tabOrder(QWidget& window)
-{
-    QStringList walked;
-    for (;;) {
-        QTest::keyClick(&window, Qt::Key_Tab);
-        const QString name = window.focusWidget() ? nameOf(window.focusWidget()) : QString();
-        if (name.isEmpty() || walked.contains(name))
-            break;
-        walked.append(name);
+    std::sort(tabStops.begin(), tabStops.end(), isReadBefore);
+    if (!tabStops.isEmpty())
+        tabStops.constFirst()->setFocus();
+    for (const QWidget* expected : tabStops.mid(1)) {
+        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+        if (window.focusWidget() != expected)
+            faults << expected->objectName() + " isn't next in the tab order";
     }
-    // A round has no begin of its own: begin with what is read first.
-    const QStringList expected = readingOrder(window);
-    const auto first = expected.isEmpty() ? walked.end() : std::find(walked.begin(), walked.end(), expected.first());
-    std::rotate(walked.begin(), first, walked.end());
-    return walked;
+    return faults;
 }
 
 } // namespace
 
-/// What the dialogs show of any content: whole, reachable, named and in its size.
+/// What the dialogs show of any content: complete, reachable, named and in its size.
 class TestDialogLooks final : public QObject
 {
     Q_OBJECT
@@ -142,58 +102,36 @@ private Q_SLOTS:
     {
         QTest::addColumn<Run::Kind>("kind");
         QTest::addColumn<Run::Steps>("steps");
-        QTest::addColumn<bool>("isTranslated");
-        QTest::addColumn<bool>("isStyled");
-        const auto state = [](const char* name, Run::Kind kind, const Run::Steps& steps = &Run::takeEvents) {
-            for (const char* variant : {"source", "displayed", "source-styled", "displayed-styled"})
-                QTest::addRow("%s-%s", name, variant)
-                    << kind << steps << (variant[0] == 'd') << QString(variant).endsWith("styled");
+        const auto row = [](const char* name, Run::Kind kind, const Run::Steps& steps) {
+            QTest::newRow(name) << kind << steps;
         };
-        const auto end = [](const char* result) {
-            return Run::Steps([result](Run& run) { return run.readerEnds(CommandStatus::Done, result); });
-        };
-        const auto report = [](const Run::Steps& steps, int percentage) {
+        const auto then = [](const Run::Steps& first, const Run::Steps& last) {
             return Run::Steps([=](Run& run) {
-                steps(run);
-                run.setPolling(StatusFileParser::Started);
-                return run.report(percentage);
+                first(run);
+                return last(run);
             });
         };
-        const auto then = [](const Run::Steps& first, const Run::Steps& second) {
-            return Run::Steps([=](Run& run) { return first(run), second(run); });
+        const Run::Steps progress = [](Run& run) {
+            return run.report(42);
         };
-        const auto choose = [](int row) {
-            return Run::Steps([row](Run& run) {
-                run.findPumps({"PU-1003456789", "PU-1003456790=P9", "PU-1003456791=P1", "PU-1003456792"});
-                return row >= 0 ? run.selectRow(row) : QStringList();
-            });
+        const Run::Steps end = [](Run& run) {
+            return run.readerEnds(CommandStatus::Done);
         };
-        const auto reading = report(&Run::startReading, 42);
-        const auto searching = report(&Run::startSearch, 30);
-        state("main-querying", Run::Main);
-        state("main-no-pump", Run::Main, end(""));
-        state("main-pump", Run::Main, end("PU-1003456789"));
-        state("main-simulation", Run::Main, end("PU-1003456789"));
-        state("read-waiting", Run::Read);
-        state("read-reading", Run::Read, reading);
-        state("read-completed", Run::Read, then(reading, end("")));
-        state("read-failed", Run::Read, then(reading, [](Run& run) { return run.readerDoesNotExecute(); }));
-        state("read-simulation", Run::Read, reading);
-        state("add-ready", Run::Add);
-        state("add-searching", Run::Add, searching);
-        state("add-stopping", Run::Add, then(searching, [](Run& run) { return run.click("m_OverviewButton"); }));
-        state("add-simulation", Run::Add, choose(-1));
-        state("add-choosing", Run::Add, choose(1));
-        state("add-one-pump", Run::Add, [](Run& run) { return run.findPumps({"PU-1003456789"}); });
-        state("add-pairing", Run::Add, &Run::assign);
-        state("add-code", Run::Add, &Run::receiveCode);
-        state("add-confirming", Run::Add, &Run::confirmCode);
-        state("add-finished", Run::Add, then(&Run::confirmCode, end("")));
-        state("add-reassign", Run::Add, &Run::openReassignPage);
-        state("add-reassigning", Run::Add, &Run::reassign);
-        state("remove-asking", Run::Remove);
-        state("remove-simulation", Run::Remove);
-        state("remove-removing", Run::Remove, &Run::startRemoving);
+        row("main-no-pump", Run::Main, end);
+        row("main-pump", Run::Main, [](Run& run) { return run.readerEnds(CommandStatus::Done, "PU-1003456789"); });
+        row("read-reading", Run::Read, then(&Run::startReading, progress));
+        row("read-completed", Run::Read, then(&Run::startReading, end));
+        row("read-failed", Run::Read, then(&Run::startReading, [](Run& run) { return run.readerDoesNotExecute(); }));
+        row("add-searching", Run::Add, then(&Run::startSearch, progress));
+        row("add-choosing", Run::Add, [](Run& run) {
+            run.findPumps({"PU-1003456789", "PU-1003456790=P9", "PU-1003456791=P1", "PU-1003456792"});
+            return run.selectRow(1);
+        });
+        row("add-pairing", Run::Add, &Run::assign);
+        row("add-code", Run::Add, &Run::receiveCode);
+        row("add-confirming", Run::Add, &Run::confirmCode);
+        row("add-reassign", Run::Add, &Run::openReassignPage);
+        row("remove-asking", Run::Remove, &Run::takeEvents);
     }
 
     /// With a folder in the environment variable MERIVO_PICTURES each state is saved there as a PNG.
@@ -201,80 +139,41 @@ private Q_SLOTS:
     {
         QFETCH(Run::Kind, kind);
         QFETCH(Run::Steps, steps);
-        QFETCH(bool, isTranslated);
-        QFETCH(bool, isStyled);
-        const QString row = QTest::currentDataTag();
-        if (isStyled) // as a host may do; the dialogs must have room for it
-            qApp->setStyleSheet(
-                "*[BigSizeFont=\"true\"] { font-size: 14pt; } *[HighlightFont=\"true\"] { font-weight: bold; }");
-        DialogSetup setup{isTranslated};
-        setup.pump = "PU-1003456789";
-        if (row.contains("simulation")) {
-            setup.simulationPath = "/home/clinic/Documents/Simulated reader/Test drive 2";
-            setup.pids =
-                QStringList{"Featherstonehaugh-Cholmondeley", "Maximilian Alexander", "1970-02-03", "Ward 12, Room 4"};
-        }
-        Run run(kind, setup);
-        QDialog& dialog = *run.dialog;
+        QTranslator translator;
+        QVERIFY(translator.load(":/lang/i18n/mc_en_GB.qm") && QCoreApplication::installTranslator(&translator));
+        Run run(kind, {"/home/clinic/Documents/Simulated reader/Test drive 2",
+                       {"Featherstonehaugh-Cholmondeley", "Maximilian Alexander", "1970-02-03", "Ward 12, Room 4"},
+                       "PU-1003456789"});
         steps(run);
-        QVERIFY(!isTranslated || dialog.windowTitle().startsWith("Sanvio Merivo Pump Plugin"));
+        QDialog& dialog = *run.dialog;
+        QVERIFY(dialog.windowTitle().startsWith("Sanvio Merivo Pump Plugin"));
         dialog.activateWindow(); // a message box may have been in front
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
         QCoreApplication::processEvents();
         const QString folder = qEnvironmentVariable("MERIVO_PICTURES");
         if (!folder.isEmpty())
-            QVERIFY(dialog.grab().save(QDir(folder).filePath(row + ".png")));
-        QCOMPARE(cutTexts(dialog).join("; "), QString());
-        QCOMPARE(namelessWidgets(dialog).join("; "), QString());
-        QCOMPARE(tabOrder(dialog).join("; "), readingOrder(dialog).join("; "));
-        const QHash<Run::Kind, QRect> sizes{{Run::Main, {700, 400, 640, 360}},
-                                            {Run::Read, {QWIDGETSIZE_MAX, 380, 640, 380}},
-                                            {Run::Add, {QWIDGETSIZE_MAX, 440, 640, 430}},
-                                            {Run::Remove, {QWIDGETSIZE_MAX, 380, 640, 360}}};
-        const auto scaled = [&](int pixels) {
-            return pixels < QWIDGETSIZE_MAX && dialog.logicalDpiY() == 120 ? qRound(pixels * 1.25) : pixels;
-        };
-        const QRect size = sizes[kind];
-        QCOMPARE(dialog.maximumSize(), QSize(scaled(size.x()), scaled(size.y())));
-        QCOMPARE(dialog.size(), QSize(scaled(size.width()), scaled(size.height())));
-        QCOMPARE(dialog.layout()->contentsMargins(), QMargins() + scaled(24));
-        QSet<int> heights; // of the buttons of the footer
-        for (const auto* button : dialog.findChildren<QPushButton*>()) {
-            if (kind == Run::Main && !button->objectName().isEmpty())
-                QCOMPARE(QRect({0, button->height()}, button->iconSize()),
-                         QRect(0, scaled(36), scaled(26), scaled(26)));
-            else if (button->isVisible())
-                heights.insert(button->height());
-        }
-        QCOMPARE(heights.size(), 1);
-        qApp->setStyleSheet({});
+            QVERIFY(dialog.grab().save(QDir(folder).filePath(QTest::currentDataTag() + QString(".png"))));
+        QCOMPARE(faultsIn(dialog).join("; "), QString());
     }
 
-    void showsHeader_data()
+    void showsHeaderInItsSize_data()
     {
         QTest::addColumn<Run::Kind>("kind");
         QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("widths"); // of the pictures; a drawing that keeps its shape can be a pixel narrower
-        QTest::addColumn<QString>("largeWidths"); // at 120 dpi
-        QTest::newRow("main") << Run::Main << "hidden"
-                              << "99 32 99"
-                              << "125 40 124";
-        QTest::newRow("read") << Run::Read << "Read out pump"
-                              << "50"
-                              << "63";
-        QTest::newRow("add") << Run::Add << "Add new pump"
-                             << "200 200 199"
-                             << "250 250 250";
-        QTest::newRow("remove") << Run::Remove << "Remove Pump"
-                                << ""
-                                << "";
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QSize>("maximum");
+        QTest::newRow("main") << Run::Main << "hidden" << QSize(640, 360) << QSize(700, 400);
+        QTest::newRow("read") << Run::Read << "Read out pump" << QSize(640, 380) << QSize(QWIDGETSIZE_MAX, 380);
+        QTest::newRow("add") << Run::Add << "Add new pump" << QSize(640, 430) << QSize(QWIDGETSIZE_MAX, 440);
+        QTest::newRow("remove") << Run::Remove << "Remove Pump" << QSize(640, 360) << QSize(QWIDGETSIZE_MAX, 380);
     }
-    void showsHeader()
+    void showsHeaderInItsSize()
     {
         QFETCH(Run::Kind, kind);
         QFETCH(QString, title);
-        QFETCH(QString, widths);
-        QFETCH(QString, largeWidths);
+        QFETCH(QSize, size);
+        QFETCH(QSize, maximum);
+        const bool isMain = kind == Run::Main;
         for (const bool isSimulated : {true, false}) {
             DialogSetup setup;
             setup.simulationPath = isSimulated ? "/sim" : "";
@@ -294,12 +193,10 @@ private Q_SLOTS:
             QVERIFY(label("m_TitleLabel")->property("BigSizeFont").toBool());
             for (const char* name : {"m_TitleLabel", "m_PatientLine1"})
                 QVERIFY(label(name)->property("HighlightFont").toBool());
-            QStringList found;
-            for (const auto* picture : run.dialog->findChildren<QLabel*>(QRegularExpression("Graphic|Result")))
-                found << QString::number(picture->pixmap(Qt::ReturnByValue).width());
-            QCOMPARE(found.join(' '), run.dialog->logicalDpiY() == 120 ? largeWidths : widths);
             QVERIFY(!run.dialog->windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
-            const bool isMain = kind == Run::Main;
+            const qreal scale = run.dialog->logicalDpiY() == 120 ? 1.25 : 1;
+            QCOMPARE(run.dialog->size(), size * scale);
+            QCOMPARE(run.dialog->maximumSize(), (maximum * scale).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
             QCOMPARE(PatientSession::instance()->deviceName(), QString(isMain ? "Sanvio Merivo" : "stays"));
             QCOMPARE(Run::host.journal.contains("mcp|=?= <[at rest]: BTREAD, 2, 0, > status at open.||"), isMain);
             QCOMPARE(run.takeEvents().contains("err|Device reader simulation used.||/sim"), isMain && isSimulated);
@@ -311,19 +208,18 @@ private Q_SLOTS:
         QTest::addColumn<Run::Kind>("kind");
         QTest::addColumn<QString>("text");
         for (const auto kind : {Run::Main, Run::Read, Run::Add, Run::Remove}) {
-            QTest::addRow("%d, nothing", kind) << kind << "";
             QTest::addRow("%d, one word", kind) << kind << "W" + QString("\xF0\x9D\x90\x96").repeated(5000);
             QTest::addRow("%d, odd words", kind) << kind << QString("<i>\xC3\xA4 \"%1' &amp; %L2</b>\n").repeated(500);
         }
     }
 
-    /// Whatever stands in the reader's files, a dialog keeps its size, a box fits on the screen, and nothing takes
-    /// long.
+    /// Whatever the reader's files contain, a dialog keeps its size, a message box fits on the screen, and nothing
+    /// takes long.
     void staysWhole()
     {
         QFETCH(Run::Kind, kind);
         QFETCH(QString, text);
-        Run run(kind, {false, {}, {text, text, text, text}, text});
+        Run run(kind, {{}, {text, text, text, text}, text});
         const QSize size(700, run.dialog->height()); // as set by the user
         run.dialog->resize(size);
         const std::clock_t start = std::clock(); // of the processor, which others may use too
@@ -343,8 +239,8 @@ private Q_SLOTS:
             run.selectRow(1);
             run.click("Assign");
             run.readerEnds(CommandStatus::Done, text);
-            auto* code = run.dialog->findChild<QLabel*>("m_AssignPairingCode");
-            QCOMPARE((code->text() == text ? text : htmlToPlainText(code->toolTip())).simplified(), text.simplified());
+            const QString toolTip = run.dialog->findChild<QLabel*>("m_AssignPairingCode")->toolTip();
+            QCOMPARE(QTextDocumentFragment::fromHtml(toolTip).toPlainText().simplified(), text.simplified());
         } else {
             run.answerNextBox(QMessageBox::No);
             boxes = run.click("Remove").filter("box");
@@ -377,10 +273,6 @@ private Q_SLOTS:
         }
         QCOMPARE(rows, QStringList({"||||||", "S1||Name|||S1|", "S2|P9|||%3 <Old, R&D|S2|other",
                                     "S3|P1|||Doe, Jane|S3|", "S4|P7||||S4|", "S5|||||S5|other", "||||||"}));
-        QCOMPARE(model.index(0, 0).data(Qt::FontRole).value<QFont>().pointSizeF(), QFont().pointSizeF() * 1.1);
-        QCOMPARE(model.headerData(5, Qt::Horizontal, Qt::FontRole).value<QFont>().pointSizeF(),
-                 QFont().pointSizeF() * 1.2);
-        QCOMPARE(model.index(0, 0).data(Qt::TextAlignmentRole), QVariant(Qt::AlignLeft));
     }
 
     void destroyedDialogIsNotReached()
@@ -401,6 +293,9 @@ int main(int argc, char** argv)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);            // without QTEST_MAIN's fixed 96 dpi
     QApplication::setFont(QFont("DejaVu Sans", 10)); // the largest that the forms are drawn for
+    // As a host may do; the dialogs must have space for it.
+    application.setStyleSheet(
+        "*[BigSizeFont=\"true\"] { font-size: 14pt; } *[HighlightFont=\"true\"] { font-weight: bold; }");
     TestDialogLooks test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -31,6 +31,7 @@ private Q_SLOTS:
         COMPARE_EVENTS(run.takeEvents(), QStringList("pump none") + Query);
         COMPARE_EVENTS(run.press(Qt::Key_Escape) + run.closeWindow() + run.click("Close"), QStringList());
         QCOMPARE(run.shown(), NoAnswer);
+        COMPARE_EVENTS(run.readerStaysSilent(), {ReaderSilentBox, "rejected"});
     }
 
     void firstAnswerDecidesWhetherThereIsAPump()
@@ -50,31 +51,11 @@ private Q_SLOTS:
         }
     }
 
-    void textsAreTranslated()
-    {
-        DialogRun run(DialogRun::Main, {true});
-        run.readerEnds(CommandStatus::Done, "AB1");
-        QCOMPARE(run.dialog->windowTitle(), QString("Sanvio Merivo Pump Plugin"));
-        QVERIFY(run.shown().startsWith("icon_connected, Assigned pump: Serial number 'AB1'., (Add pump)"));
-        COMPARE_EVENTS(DialogRun(DialogRun::Main, {true}).readerStaysSilent(),
-                       {"box|Sanvio Merivo Pump Plugin|The Sanvio Lumo device is not responding. Disconnect the device "
-                        "from the PC and reconnect it.",
-                        "rejected"});
-    }
-
-    void silenceClosesTheDialogOnlyBeforeTheFirstEnd()
-    {
-        COMPARE_EVENTS(DialogRun(DialogRun::Main).readerStaysSilent(), {ReaderSilentBox, "rejected"});
-        DialogRun run(DialogRun::Main);
-        run.readerDoesNotExecute(CommandStatus::Done);
-        COMPARE_EVENTS(run.readerStaysSilent() + run.press(Qt::Key_Escape), QStringList()); // of the second query
-        QCOMPARE(run.shown(), NoAnswer);
-    }
-
     void secondQueryNotExecutedIsReportedAndRepeated()
     {
         DialogRun run(DialogRun::Main);
-        COMPARE_EVENTS(run.readerDoesNotExecute(), QStringList(NotExecuted.arg(1)) + Query);
+        COMPARE_EVENTS(run.readerDoesNotExecute(CommandStatus::Done), QStringList(NotExecuted.arg(1)) + Query);
+        COMPARE_EVENTS(run.readerStaysSilent() + run.press(Qt::Key_Escape), QStringList());
         run.answerNextBox(QMessageBox::Yes);
         COMPARE_EVENTS(run.readerDoesNotExecute(), QStringList{NotExecuted.arg(2), RetryBox} + Query);
         QCOMPARE(run.shown(), NoAnswer);
@@ -127,27 +108,21 @@ private Q_SLOTS:
 
     void endOfTheDiaryEndsTheRun()
     {
-        for (const auto diaryEnd : {DialogRun::OtherDiary, DialogRun::DiaryClosed, DialogRun::DiaryReopened}) {
-            DialogRun answered(DialogRun::Main);
-            answered.diaryEnd = diaryEnd;
-            answered.endDiary();
-            COMPARE_EVENTS(answered.readerEnds(CommandStatus::Done, "PU1"), DiaryEnded);
-            DialogRun failed(DialogRun::Main);
-            failed.diaryEnd = diaryEnd;
-            failed.duringNextBox([&failed] { failed.endDiary(); });
-            COMPARE_EVENTS(failed.readerEnds(CommandStatus::Failed, "xyz", 7), ReaderError + DiaryEnded);
-            DialogRun retried(DialogRun::Main);
-            retried.diaryEnd = diaryEnd;
-            retried.readerDoesNotExecute();
-            retried.duringNextBox([&retried] { retried.endDiary(); });
-            COMPARE_EVENTS(retried.readerDoesNotExecute(), QStringList{NotExecuted.arg(2), RetryBox} + DiaryEnded);
-            for (const QString button : {"Add pump", "Read pump", "Remove pump"}) {
-                DialogRun run(DialogRun::Main);
-                run.diaryEnd = diaryEnd;
-                run.readerEnds(CommandStatus::Done, button == "Add pump" ? "" : "PU1234");
-                run.endDiary();
-                COMPARE_EVENTS(run.click(button), DiaryEnded);
-            }
+        DialogRun answered(DialogRun::Main);
+        answered.endDiary();
+        COMPARE_EVENTS(answered.readerEnds(CommandStatus::Done, "PU1"), DiaryEnded);
+        DialogRun failed(DialogRun::Main);
+        failed.duringNextBox([&failed] { failed.endDiary(); });
+        COMPARE_EVENTS(failed.readerEnds(CommandStatus::Failed, "xyz", 7), ReaderError + DiaryEnded);
+        DialogRun retried(DialogRun::Main);
+        retried.readerDoesNotExecute();
+        retried.duringNextBox([&retried] { retried.endDiary(); });
+        COMPARE_EVENTS(retried.readerDoesNotExecute(), QStringList{NotExecuted.arg(2), RetryBox} + DiaryEnded);
+        for (const QString button : {"Add pump", "Read pump", "Remove pump"}) {
+            DialogRun run(DialogRun::Main);
+            run.readerEnds(CommandStatus::Done, button == "Add pump" ? "" : "PU1234");
+            run.endDiary();
+            COMPARE_EVENTS(run.click(button), DiaryEnded);
         }
     }
 };

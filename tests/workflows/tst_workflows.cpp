@@ -1,172 +1,106 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/StatusFileParser.h"
-#include "support/ModalUser.h"
-#include "support/ReaderFolder.h"
-#include "support/RecordingHost.h"
+#include "dialogs/DialogRun.h"
 #include "workflows/AddPumpControl.h"
 #include "workflows/ReadoutPumpControl.h"
 #include "workflows/RemovePumpControl.h"
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QSignalSpy>
-#include <QTest>
 
-/// What the dialogs, whose tests run the workflows too, neither use nor show.
+/// What the dialogs, whose tests run the workflows too, neither use nor show. The workflows are children of a dialog
+/// that waits for its user.
 class TestWorkflows final : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { Logger::instance(nullptr, &m_host.services); }
-
-    void init()
-    {
-        m_reader = std::make_unique<ReaderFolder>();
-        QVERIFY(m_reader->writeStatus("idle", "NONE", "done"));
-        QVERIFY(m_reader->writeFile("DEVLIST.XML", "<DEVICELIST><DEVICE><SERIALNR>PU1</SERIALNR><INTERFACE><BTADR>B"
-                                                   "</BTADR></INTERFACE></DEVICE></DEVICELIST>"));
-        CommandFileWriter::create(m_reader->drive());
-        QVERIFY(QDir::setCurrent(m_reader->drive()));
-        StatusFileParser::create("."); // as a simulation may be named
-        PatientSession::create(nullptr)->setPatientId("P");
-        m_add = std::make_unique<AddPumpControl>(&m_host.services, &m_host.database);
-        m_read = std::make_unique<ReadoutPumpControl>();
-        m_remove = std::make_unique<RemovePumpControl>();
-        m_host.journal.clear();
-    }
-
-    void cleanup()
-    {
-        delete StatusFileParser::instance();
-        delete CommandFileWriter::instance();
-    }
-
     void statusIsPassedOn()
     {
-        const BoxAnswerer boxes;
-        const auto check = [this](QSignalSpy&& stopped, const std::function<void()>& begin,
-                                  const QVector<CommandStatus>& ends) {
-            for (const CommandStatus status : ends) {
-                begin();
-                end(true, status);
-                begin();
-                end(false, CommandStatus::Done);
-                QCOMPARE(stopped.size(), 2);
-                QCOMPARE(stopped.takeFirst().constFirst().value<CommandStatus>(), status);
-                QCOMPARE(stopped.takeFirst().constFirst().value<CommandStatus>(), CommandStatus::Unknown);
-            }
+        DialogRun run(DialogRun::Remove);
+        AddPumpControl add(&DialogRun::host.services, &DialogRun::host.database, run.dialog.get());
+        ReadoutPumpControl read(run.dialog.get());
+        RemovePumpControl remove(run.dialog.get());
+        const auto check = [&run](const QSignalSpy& stopped, const std::function<void()>& begin,
+                                  CommandStatus status = CommandStatus::Canceled) {
+            begin();
+            run.readerEnds(status);
+            begin();
+            run.readerDoesNotExecute(CommandStatus::Done);
+            QCOMPARE(stopped.size(), 2);
+            QCOMPARE(stopped.first().first().value<CommandStatus>(), status);
+            QCOMPARE(stopped.last().first().value<CommandStatus>(), CommandStatus::Unknown);
         };
-        m_add->startPairingSearch();
-        end(true, CommandStatus::Done);
-        const QVector<CommandStatus> all{CommandStatus::Failed, CommandStatus::Canceled, CommandStatus::Unknown};
+        run.listPumps({"S1"});
+        add.startPairingSearch();
+        run.readerEnds(CommandStatus::Done);
+        check(QSignalSpy(&add, &AddPumpControl::pairingProcessStopped), [&] { add.startPairing(0); });
+        check(QSignalSpy(&add, &AddPumpControl::pairingConfirmStopped), [&] { add.startPairingConfirm(true); });
+        check(QSignalSpy(&add, &AddPumpControl::pairingDeclineFinished), [&] { add.startPairingConfirm(false); });
+        check(QSignalSpy(&add, &AddPumpControl::reassignStopped), [&] { add.startReassign(0); });
+        check(QSignalSpy(&remove, &RemovePumpControl::removingFinished), [&] { remove.startRemoving(); });
+        check(QSignalSpy(&read, &ReadoutPumpControl::readoutFinished), [&] { read.startReadout("PU1"); });
         check(
-            QSignalSpy(m_add.get(), &AddPumpControl::pairingProcessStopped), [this] { m_add->startPairing(0); }, all);
-        check(
-            QSignalSpy(m_add.get(), &AddPumpControl::pairingConfirmStopped),
-            [this] { m_add->startPairingConfirm(true); }, all);
-        check(
-            QSignalSpy(m_add.get(), &AddPumpControl::pairingDeclineFinished),
-            [this] { m_add->startPairingConfirm(false); }, all + QVector<CommandStatus>{CommandStatus::Done});
-        check(
-            QSignalSpy(m_add.get(), &AddPumpControl::reassignStopped), [this] { m_add->startReassign(0); }, all);
-        check(
-            QSignalSpy(m_remove.get(), &RemovePumpControl::removingFinished), [this] { m_remove->startRemoving(); },
-            all);
-        check(QSignalSpy(m_add.get(), &AddPumpControl::pairingSearchStopped), [this] { m_add->startPairingSearch(); },
-              {CommandStatus::Failed});
-        check(QSignalSpy(m_read.get(), &ReadoutPumpControl::readoutFinished), [this] { m_read->startReadout("PU1"); },
-              {CommandStatus::Failed, CommandStatus::Canceled});
+            QSignalSpy(&add, &AddPumpControl::pairingSearchStopped), [&] { add.startPairingSearch(); },
+            CommandStatus::Failed);
     }
 
-    void pairingTakesTheRowsOfItsOwnListAndAnyCode()
+    void pairingTakesTheRowsOfItsOwnList()
     {
-        QSignalSpy codes(m_add.get(), &AddPumpControl::pairingCodeReceived);
-        QSignalSpy progress(m_add.get(), &AddPumpControl::pairingSearchProgress);
-        m_add->startPairing(0); // no list yet
-        m_add->startPairingSearch();
-        end(true, CommandStatus::Done);
-        m_host.journal.clear();
+        DialogRun run(DialogRun::Remove);
+        AddPumpControl add(&DialogRun::host.services, &DialogRun::host.database, run.dialog.get());
+        QSignalSpy progress(&add, &AddPumpControl::pairingSearchProgress);
+        add.startPairing(0); // no list yet
+        run.listPumps({"S1"});
+        add.startPairingSearch();
+        run.readerEnds(CommandStatus::Done);
         for (const int row : {-1, 1}) {
-            m_add->startPairing(row);
-            m_add->startReassign(row);
+            add.startPairing(row);
+            add.startReassign(row);
         }
-        end(true, CommandStatus::Done);
-        QCOMPARE(m_host.journal.lines, QStringList());
-        for (const QString& code : {QString(), QString(" %1<b>\n"), QString(10000, 'x')}) {
-            m_add->startPairing(0);
-            end(true, CommandStatus::Done, code);
-            QCOMPARE(codes.takeFirst(), QVariantList{code});
-        }
-        QCOMPARE(progress, (QList<QVariantList>{{"", 0}, {"", 100}}));
-        QVERIFY(QDir(m_reader->misc()).removeRecursively()); // a command that can't be written is awaited all the same
-        QSignalSpy polling(StatusFileParser::instance(), &StatusFileParser::pollingRequested);
-        m_add->startPairingSearch();
-        QCOMPARE(polling.size(), 1);
-        QCOMPARE(progress.last(), (QVariantList{"PU1", 0})); // of the latest pairing
+        COMPARE_EVENTS(run.takeEvents() + run.readerEnds(CommandStatus::Done), QStringList());
+        add.startPairing(0);
+        run.readerEnds(CommandStatus::Done, "4711");
+        QVERIFY(QDir(run.reader.misc()).removeRecursively()); // a command that can't be written is awaited all the same
+        add.startPairingSearch();
+        COMPARE_EVENTS(run.takeEvents().filter("poll"), {"poll 120 0 500"});
+        QCOMPARE(progress, (QList<QVariantList>{{"", 0}, {"", 100}, {"S1", 0}})); // of the latest pairing
     }
 
-    void searchBeforeAReadOutEndsWithoutOne()
+    void onlyAFoundPumpIsRead()
     {
-        const BoxAnswerer boxes(&m_host.journal.lines);
-        QSignalSpy finished(m_read.get(), &ReadoutPumpControl::searchingFinished);
-        const auto endsWith = [&](bool isExecuted, CommandStatus status, CommandStatus signalled) {
-            m_host.journal.clear();
-            m_read->startSearching("PU");
-            end(isExecuted, status);
-            const bool isSignalled = finished.takeFirst().constFirst().value<CommandStatus>() == signalled;
-            return m_host.journal.lines.filter(QRegularExpression("^(err|box)")).join('\n') +
-                   (isSignalled ? "" : "other status");
+        DialogRun run(DialogRun::Remove);
+        ReadoutPumpControl read(run.dialog.get());
+        connect(&read, &ReadoutPumpControl::searchingFinished, this,
+                [](CommandStatus status) { DialogRun::host.journal.add(QString("finished %1").arg(int(status))); });
+        const auto search = [&](bool isExecuted, CommandStatus status) {
+            read.startSearching("PU");
+            return isExecuted ? run.readerEnds(status, {}, 32) : run.readerDoesNotExecute(status);
         };
         const QString failed = "err|=!= [Read Controller] Searching failed";
-        const QString cancelled = "err|=!= [Read Controller] Searching canceled: error='32'.||";
-        QCOMPARE(endsWith(true, CommandStatus::Canceled, CommandStatus::Canceled), cancelled);
-        QCOMPARE(endsWith(false, CommandStatus::Canceled, CommandStatus::Canceled), cancelled);
-        QCOMPARE(endsWith(false, CommandStatus::Done, CommandStatus::Unknown), failed + ".||");
-        QCOMPARE(endsWith(true, CommandStatus::Failed, CommandStatus::Failed).section("<br/>", 0, 0),
-                 failed + ": error='32'.||\nerr|Error message box: code='32'||\n"
-                          "box|Merivo Connections|<b>Connection lost</b>");
-        QCOMPARE(endsWith(true, CommandStatus::Done, CommandStatus::Done),
-                 "box|Merivo Connections|The paired device for the patient can't be found.\n" + failed +
-                     ": no paired pump with snr='PU' for patient found.||");
+        const QString cancelled = "err|=!= [Read Controller] Searching canceled: error='%1'.";
+        COMPARE_EVENTS(search(true, CommandStatus::Canceled), {cancelled.arg(32), "finished 3"});
+        COMPARE_EVENTS(search(false, CommandStatus::Canceled), {cancelled.arg(0), "finished 3"});
+        COMPARE_EVENTS(search(false, CommandStatus::Done), {failed + '.', "finished 4"});
+        COMPARE_EVENTS(search(true, CommandStatus::Failed),
+                       QStringList(failed + ": error='32'.") + ConnectionLost + QStringList("finished 1"));
+        COMPARE_EVENTS(search(true, CommandStatus::Done),
+                       {box("The paired device for the patient can't be found."),
+                        failed + ": no paired pump with snr='PU' for patient found.", "finished 2"});
+        const QSignalSpy succeeded(&read, &ReadoutPumpControl::readoutSucceeded);
+        QVERIFY(run.reader.writeFile("I1.xml", "<data/>"));
+        run.listPumps({"S1", "PU"});
+        read.startSearching("PU");
+        COMPARE_EVENTS(run.takeEvents(), {"mcp|<== [Read Controller] Start searching: snr='PU'.",
+                                          "command SEARCH 00100", "poll 20 0 500"});
+        COMPARE_EVENTS(run.readerEnds(CommandStatus::Done),
+                       {"mcp|==> [Read Controller] Searching succeeded: status='2'.",
+                        "mcp|<== [Read Controller] Start readout: snr='PU'.", "command BTREAD \"PU\"",
+                        "poll 440 20 500"});
+        COMPARE_EVENTS(run.readerEnds(CommandStatus::Done),
+                       {"file I1.xml", "mcp|==> [Read Controller] Readout succeeded: status='2'.||I1.xml"});
+        QCOMPARE(succeeded.size(), 1);
     }
-
-    void foundPumpIsRead()
-    {
-        m_reader->answer("SEARCH", {{10, "running"}, {200, "done"}});
-        m_reader->answer("BTREAD", {{10, "running"}, {700, "done"}});
-        QVERIFY(m_reader->writeFile("I1.xml", "<x/>"));
-        QSignalSpy succeeded(m_read.get(), &ReadoutPumpControl::readoutSucceeded);
-        QSignalSpy polling(StatusFileParser::instance(), &StatusFileParser::pollingRequested);
-        m_read->startSearching("PU1");
-        QTRY_COMPARE_WITH_TIMEOUT(succeeded.size(), 1, 10000);
-        QCOMPARE(m_reader->commandsSeen, (QStringList{"SEARCH 00100", "BTREAD \"PU1\""}));
-        QCOMPARE(polling, (QList<QVariantList>{{20, 0, 500}, {440, 20, 500}}));
-        QCOMPARE(
-            m_host.journal.lines.filter("Controller]"),
-            (QStringList{"mcp|<== [Read Controller] Start searching: snr='PU1'.||",
-                         "mcp|==> [Read Controller] Searching succeeded: status='2'.||",
-                         "mcp|<== [Read Controller] Start readout: snr='PU1'.||",
-                         "mcp|==> [Read Controller] Readout succeeded: status='2'.||" + m_reader->misc() + "/I1.xml"}));
-    }
-
-private:
-    static void end(bool isExecuted, CommandStatus status, const QString& result = {})
-    {
-        StatusFileParser::instance()->m_lastStatus = {"h", "X", status, result, 32};
-        Q_EMIT StatusFileParser::instance()->finished(isExecuted);
-        QCoreApplication::sendPostedEvents();
-    }
-
-    RecordingHost m_host;
-    std::unique_ptr<ReaderFolder> m_reader;
-    std::unique_ptr<AddPumpControl> m_add;
-    std::unique_ptr<ReadoutPumpControl> m_read;
-    std::unique_ptr<RemovePumpControl> m_remove;
 };
 
 QTEST_MAIN(TestWorkflows)
