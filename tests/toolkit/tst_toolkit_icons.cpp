@@ -5,7 +5,6 @@
 #include "toolkit/LmIcons.h"
 
 #include <QGuiApplication>
-#include <QResource>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
@@ -111,34 +110,19 @@ private Q_SLOTS:
                  QRectF(-3, -4, 20.5, 10.5));
     }
 
-    void pictureOfAResourceOutlivesIt()
+    void pictureOutlivesItsFile()
     {
-        const QString flag = QStringLiteral(":/img/images/flag.svg");
-        QVERIFY(QResource::registerResource(GALLERY_RCC));
-        QVERIFY(!lmIcon(flag).isNull() && QResource::unregisterResource(GALLERY_RCC));
-        QVERIFY(lmPicture(flag).boundingRect() == QRect(0, 0, 48, 48) && lmMirroredPicture(flag).isNull());
-    }
-
-    void hatchesOfNeighboursLineUp()
-    {
-        const QImage image = imageOf({60, 30}, Qt::transparent, [](QPainter& painter) {
-            lmPaintHatched(&painter, {3, 5, 21, 20}, QPen(Qt::black));
-            lmPaintHatched(&painter, {24, 5, 29, 20}, QPen(Qt::red));
-        });
-        const QRect hatched(3, 5, 50, 20);
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                const bool hasLine = hatched.contains(x, y) && (x + y) % 8 == 5;
-                QCOMPARE(image.pixelColor(x, y), QColor(!hasLine ? Qt::transparent : x < 24 ? Qt::black : Qt::red));
-            }
-        }
+        const QString copy = file("copy.svg");
+        QVERIFY(QFile::copy(file("v.svg"), copy) && !lmIcon(copy).isNull() && QFile::remove(copy));
+        QVERIFY(lmPicture(copy).boundingRect() == QRect(0, 0, 40, 20) && lmMirroredPicture(copy).isNull());
+        QCOMPARE(lmPicture(":/img/images/flag.svg").boundingRect(), QRect(0, 0, 48, 48));
     }
 
     void colorizedIconKeepsItsShape()
     {
         // An icon that lists no sizes is drawn at 32 pixels.
-        const QIcon icon = lmColorizeIcon(QIcon(file("v.svg")), Qt::green);
-        const QImage image = icon.pixmap(32, 32, QIcon::Selected, QIcon::On).toImage();
+        const QIcon vector = lmColorizeIcon(QIcon(file("v.svg")), Qt::green);
+        const QImage image = vector.pixmap(32, 32, QIcon::Selected, QIcon::On).toImage();
         QCOMPARE(image.pixelColor(2, 8), QColor(Qt::green));
         QCOMPARE(image.pixelColor(image.width() - 1, 8).alpha(), 0);
 
@@ -149,8 +133,6 @@ private Q_SLOTS:
         raster.addPixmap(half, QIcon::Disabled, QIcon::On);
         const QIcon green = lmColorizeIcon(raster, Qt::green);
         QCOMPARE(green.pixmap(5, 5, QIcon::Disabled, QIcon::On).toImage().pixelColor(2, 2), QColor(0, 255, 0, 128));
-        QCOMPARE(lmColorizePixmap(half, QColor(0, 255, 0, 128)).toImage().pixelColor(2, 2).alpha(), 64);
-        QCOMPARE(green.pixmap(20, 10, QIcon::Normal, QIcon::Off).toImage().pixelColor(2, 2), QColor(Qt::green));
 
         const MessageCapture log;
         QVERIFY(lmColorizeIcon(QIcon(), Qt::green).isNull());

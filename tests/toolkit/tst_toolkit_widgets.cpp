@@ -11,8 +11,9 @@
 #include "toolkit/LmFileDialog.h"
 #include "toolkit/LmGuiConfig.h"
 #include "toolkit/LmListWidget.h"
-#include "toolkit/LmListWidgetDelegate.h"
+#include "toolkit/LmLogging.h"
 #include "toolkit/LmMenu.h"
+#include "toolkit/LmMessageBox.h"
 #include "toolkit/LmProgressBar.h"
 #include "toolkit/LmProgressDialog.h"
 #include "toolkit/LmSpinBox.h"
@@ -21,12 +22,19 @@
 #include "toolkit/LmTooltip.h"
 #include "toolkit/LmWidgets.h"
 
+#include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QDir>
+#include <QFontMetricsF>
+#include <QLabel>
+#include <QMouseEvent>
 #include <QProxyStyle>
+#include <QScreen>
 #include <QSignalSpy>
-#include <QTabBar>
 #include <QTest>
+#include <QTextCharFormat>
+#include <QToolButton>
 
 #include <climits>
 #include <memory>
@@ -82,6 +90,56 @@ QString rows(const QListWidget& list)
     return text;
 }
 
+/// Returns a null date for 0.
+QDate march(int day)
+{
+    return day == 0 ? QDate() : QDate(2024, 3, 1).addDays(day - 1);
+}
+
+/// Shows March 2024 with a range from 10 to 14.
+class Calendar final : public LmCalendarWidget
+{
+public:
+    explicit Calendar(int firstWeekDay = 0)
+    {
+        setUp(firstWeekDay);
+        setCurrentPage(2024, 3);
+        setRangeStart(march(10));
+        setRangeEnd(march(14));
+    }
+
+    QAbstractItemView* const view = findChild<QAbstractItemView*>();
+
+    QImage painted(const QDate& date) const
+    {
+        return imageOf({40, 30}, Qt::blue, [&](QPainter& painter) {
+            painter.setPen(view->palette().color(QPalette::Text));
+            paintCell(&painter, QRect(0, 0, 40, 29), date);
+            painter.drawPoint(0, 29); // In the painter's own pen.
+        });
+    }
+    bool hasLine(const QDate& date) const
+    {
+        const QImage image = painted(date);
+        return image.pixelColor(20, 0) != image.pixelColor(20, 1);
+    }
+};
+
+class RecordingParent final : public QWidget, public LmLogProxy
+{
+public:
+    using LmLogProxy::LmLogProxy;
+    void logCritical(QString title, QString text, QString detail) override { records << title + text + detail; }
+
+    QStringList records;
+};
+
+void sendMouse(QWidget& widget, QEvent::Type type, QPointF local, QPointF screen)
+{
+    QMouseEvent event(type, local, local, screen, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
 } // namespace
 
 class TestToolkitWidgets : public QObject
@@ -89,17 +147,20 @@ class TestToolkitWidgets : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup() { setLocale("C"); }
+    void cleanup()
+    {
+        setLocale("C");
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    }
 
     void typedSeparatorBecomesTheDecimalPoint()
     {
         // The default locale, the field's own locale, a typed text and what becomes of it. One separator is replaced:
-        // the star before the default locale's point, the group separator before any other point.
+        // the star before the default locale's point, that before the group separator, and this before any other point.
         const std::tuple<const char*, const char*, const char*, const char*> rows[] = {
             {"de_DE", "de_DE", "1*5*5", "1,5*5"}, {"de_DE", "de_DE", "#5", ",5"},
             {"en_GB", "fr_CH", "1.5*5", "1.5,5"}, {"fr_CH", "fr_CH", "1.5\u202f", "1.5,"},
-            {"de_DE", "en_GB", "1.5,", "1.5."},   {"fa_IR", "de_DE", "1٫5", "1,5"},
-            {"de_DE", "de_DE", "Off1", "Off1"},   {"de_DE", "de_DE", "off1.off5", "1,5"},
+            {"fa_IR", "de_DE", "1.0٫5", "1.0,5"}, {"de_DE", "de_DE", "off1.off5Off", "1,5Off"},
         };
         int position = 0;
         for (const auto& [locale, own, typed, repaired] : rows) {
@@ -246,50 +307,29 @@ private Q_SLOTS:
 
     void rowsShowIconAndText()
     {
-        for (const bool rightToLeft : {false, true}) {
+        for (const bool rightToLeft : {true, false}) {
+            QGuiApplication::setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
             LmListWidget list;
-            list.setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+            list.setFrameShape(QFrame::NoFrame);
             list.addItems(QStringList{QString(60, 'M'), "i"});
             list.item(0)->setIcon(redIcon(8));                            // Scaled up to 30 pixels.
             list.item(1)->setData(Qt::DecorationRole, QColor(Qt::green)); // Not an icon.
-            const LmListWidgetDelegate delegate(&list);
-            QStyleOptionViewItem option;
-            const auto paint = [&](int row) {
-                option.rect = QRect({10, 10}, delegate.sizeHint(option, list.model()->index(row, 0)) + QSize(200, 0));
-                return imageOf({220, 60}, Qt::white, [&](QPainter& painter) {
-                    painter.setLayoutDirection(list.layoutDirection());
-                    painter.setPen(Qt::yellow);
-                    delegate.paint(&painter, option, list.model()->index(row, 0));
-                    painter.drawPoint(0, 0);
-                });
-            };
-            const auto isText = [](QRgb pixel) {
-                return qGray(pixel) < 60;
-            };
-
-            // The text is at the left in either direction, moved only by an icon at the left, and elided.
-            const QImage withIcon = paint(0);
-            const QRect text = boundsOf(withIcon, isText);
-            const int start = rightToLeft ? 15 : 55;
-            QVERIFY(text.left() >= start && text.left() < start + 5);
-            QVERIFY(text.right() > start + 125 && text.right() < (rightToLeft ? 164 : 205));
-            const QRect icon(rightToLeft ? 175 : 15, 15, 30, 30);
-            QCOMPARE(boundsOf(withIcon, [](QRgb pixel) { return pixel == qRgb(255, 0, 0); }), icon);
-            QCOMPARE(withIcon.pixelColor(0, 0), QColor(Qt::yellow)); // The painter has its own pen again.
-            QCOMPARE(option.rect.height(), 40);
-
-            option.state = QStyle::State_Selected;
-            const QImage selected = paint(0);
-            QVERIFY(selected.pixelColor(icon.center()).red() == 207 && selected.pixelColor(201, 11).red() == 207);
-
-            const QRect shortText = boundsOf(paint(1), isText);
-            QVERIFY(shortText.left() >= 15 && shortText.right() < 25 && option.rect.height() == 25);
+            QVERIFY(list.sizeHintForRow(0) == 40 && list.sizeHintForRow(1) == 25);
+            list.resize(200, 80);
+            const QImage image = list.grab().toImage();
+            const QRect icon = boundsOf(image, [](QRgb pixel) { return pixel == qRgb(255, 0, 0); });
+            QCOMPARE(icon, QRect(rightToLeft ? 165 : 5, 5, 30, 30));
+            // The text is at the left in either direction.
+            const QImage second = image.copy(0, 40, 200, 25);
+            QVERIFY(boundsOf(second, [](QRgb pixel) { return qGray(pixel) < 60; }).right() < 20);
+            list.item(0)->setSelected(true);
+            QVERIFY(list.grab().toImage().pixel(icon.center()) != image.pixel(icon.center()));
         }
     }
 
     void framesReportTheirId()
     {
-        for (const int id : {-1, 0, 7}) {
+        for (const int id : {-1, 0}) {
             LmClickFrame frame;
             QVERIFY(frame.setProperty("id", id) && frame.property("id") == QVariant(id));
             const QSignalSpy clicks(&frame, qOverload<>(&LmClickFrame::clicked));
@@ -298,28 +338,26 @@ private Q_SLOTS:
             const QSignalSpy doubleClicksWithId(&frame, qOverload<int>(&LmClickFrame::doubleClicked));
             QTest::mousePress(&frame, Qt::RightButton);
             QTest::mouseRelease(&frame, Qt::RightButton, {}, QPoint(900, 900)); // Dragged out.
-            const QList<QVariantList> withId = id < 0 ? QList<QVariantList>() : QList<QVariantList>{{id}};
-            QVERIFY(clicksWithId == withId && clicks.size() == 1 - withId.size() && doubleClicks.isEmpty());
             QTest::mouseDClick(&frame, Qt::LeftButton);
+            const QList<QVariantList> withId = id < 0 ? QList<QVariantList>() : QList<QVariantList>{{id}};
+            QVERIFY(clicksWithId == withId && clicks.size() == 1 - withId.size());
             QVERIFY(doubleClicksWithId == withId && doubleClicks.size() == 1 - withId.size());
         }
     }
 
     void styleSheetsSelectOnProperties()
     {
-        qApp->setStyleSheet(QStringLiteral(
-            "LmClickFrame { background: #ff0000; } LmClickFrame[ClickStyle=\"true\"] { background: #00ff00; }"
-            "LmBalticButton[IconStyle=\"night\"] { background: #0000ff; border: none; }"));
+        qApp->setStyleSheet(
+            QStringLiteral("LmClickFrame[ClickStyle=\"true\"] { background: #00ff00; }"
+                           "LmBalticButton[IconStyle=\"night\"] { background: #0000ff; border: none; }"));
         LmClickFrame frame;
-        for (const bool on : {false, true, false, false, true}) {
+        for (const bool on : {false, true, false}) {
             QVERIFY(frame.setProperty("clickStyle", on) && frame.property("clickStyle") == QVariant(on));
-            QCOMPARE(frame.grab().toImage().pixelColor(5, 5), QColor(on ? Qt::green : Qt::red));
+            QCOMPARE(frame.grab().toImage().pixelColor(5, 5) == QColor(Qt::green), on);
         }
-
         LmBalticButton button;
         button.ensurePolished();
         button.setIconFor("night", redIcon(4));
-        QVERIFY(button.icon().isNull());
         for (const char* name : {"night", "day"}) { // The latter has no icon.
             button.setIconStyle(name);
             QVERIFY(button.property("IconStyle") == "night" && !button.icon().isNull());
@@ -333,21 +371,17 @@ private Q_SLOTS:
             parent.setLayoutDirection(direction);
             QCOMPARE(LmTabStackedWidget(&parent).property("LayoutDirInverted"), QVariant(direction == Qt::RightToLeft));
         }
-        QCOMPARE(LmTooltip(nullptr).property("LmTooltip"), QVariant(true));
-        QCOMPARE(LmHoldButton().autoRepeatInterval(), 200);
     }
 
     void styleIsReleasedBeforeTheWidget()
     {
-        auto* const tabs = new LmTabWidget;
-        for (QWidget* widget : QWidgetList{new LmPushButton, new LmCheckButton, new LmDialogButtonBox, tabs}) {
+        for (QWidget* widget : QWidgetList{new LmPushButton, new LmCheckButton, new LmDialogButtonBox}) {
             CountingStyle style;
-            QWidget* const styled = widget == tabs ? tabs->tabBar() : widget;
-            styled->setStyle(&style);
-            styled->ensurePolished();
-            const int before = style.unpolished;
+            widget->setStyle(&style);
+            widget->ensurePolished();
+            style.unpolished = 0;
             delete widget;
-            QCOMPARE(style.unpolished, before + 1);
+            QCOMPARE(style.unpolished, 1);
         }
     }
 
@@ -355,8 +389,7 @@ private Q_SLOTS:
     {
         const std::tuple<const char*, int, int, int, const char*> rows[] = {
             {"%p%", 0, 300, 200, "٦٦%"},
-            {"%L1%", 0, 300, 200, "٦٦%"},
-            {"%L1 of %1", 0, 8, 2, "٢٥ of %p"},
+            {"%L1 of %1", 0, 300, 200, "٦٦ of %p"},
             {"%L1", 0, 0, 0, ""},
             {"%L1", 5, 5, 5, "١٠٠"},
             {"%L1", 10, 20, 9, ""},
@@ -384,7 +417,6 @@ private Q_SLOTS:
     {
         const LmFileDialog plain(nullptr, Qt::Dialog | Qt::WindowContextHelpButtonHint);
         QVERIFY(!(plain.windowFlags() & Qt::WindowContextHelpButtonHint));
-        QVERIFY(!plain.testOption(QFileDialog::DontUseNativeDialog));
         QFileDialog::Options options;
         const ModalUser user([&options](QWidget& modal) {
             auto& dialog = dynamic_cast<QFileDialog&>(modal);
@@ -398,12 +430,13 @@ private Q_SLOTS:
     void openMenuShowsShortcutsInItsTexts()
     {
         const QList<QKeySequence> keys{QKeySequence("Ctrl+P"), QKeySequence("F5")};
-        const QString longText = "Print %1" + QString(8, QChar(' ')) + QChar(0x200f) + "Ctrl+P";
-        for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
-            QAction print(QStringLiteral("Print %1"));
+        const QString text = QStringLiteral("Print %1");
+        const QString longText = text + QString(8, QChar(' ')) + QChar(0x200f) + "Ctrl+P";
+        for (const bool rightToLeft : {false, true}) {
+            QAction print(text);
             print.setShortcuts(keys);
             auto menu = std::make_unique<LmMenu>();
-            menu->setLayoutDirection(direction);
+            menu->setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
             menu->addAction(&print);
             QAction* const deleted = menu->addAction(QStringLiteral("Deleted"));
             deleted->setShortcut(QKeySequence("F6"));
@@ -411,27 +444,15 @@ private Q_SLOTS:
             connect(&print, &QAction::triggered, this, [&] { keysWhenTriggered = print.shortcuts(); });
 
             menu->popup({});
-            QCOMPARE(print.text(), direction == Qt::RightToLeft ? longText : QStringLiteral("Print %1"));
-            QCOMPARE(print.shortcuts().isEmpty(), direction == Qt::RightToLeft);
+            QCOMPARE(print.text(), rightToLeft ? longText : text);
+            QCOMPARE(print.shortcuts().isEmpty(), rightToLeft);
             delete deleted;
             QTest::mouseClick(menu.get(), Qt::LeftButton, {}, menu->actionGeometry(&print).center());
             QCOMPARE(keysWhenTriggered, keys);
-            QCOMPARE(print.text(), QStringLiteral("Print %1"));
             menu->popup({});
             menu.reset(); // Restores them too.
-            QVERIFY(print.text() == QLatin1String("Print %1") && print.shortcuts() == keys);
+            QVERIFY(print.text() == text && print.shortcuts() == keys);
         }
-
-        LmMenu menu;
-        menu.setLayoutDirection(Qt::RightToLeft);
-        QAction* const action = menu.addAction(QStringLiteral("Print %1"));
-        action->setShortcuts(keys);
-        Q_EMIT menu.aboutToShow();
-        menu.setLayoutDirection(Qt::LeftToRight);
-        Q_EMIT menu.aboutToHide();
-        menu.setLayoutDirection(Qt::RightToLeft);
-        Q_EMIT menu.aboutToHide(); // The menu doesn't know the shortcuts any more.
-        QVERIFY(action->shortcuts().isEmpty() && action->text() == longText);
     }
 
     void menuPaddingDependsOnItsActions()
@@ -455,6 +476,176 @@ private Q_SLOTS:
                 QVERIFY2(menu.property("rightPadding") == sides.contains("right"), parts);
             }
         }
+    }
+
+    void eachStateOfADayLooksDifferent()
+    {
+        // The month of the day, the month shown, the range and the first day that isn't disabled; 0 is none.
+        const std::tuple<int, int, int, int, int> states[] = {
+            {3, 3, 0, 16, 1},  {3, 3, 15, 16, 1}, {3, 3, 14, 15, 1}, {3, 3, 14, 16, 1},
+            {3, 4, 14, 16, 1}, {3, 2, 0, 0, 1},   {3, 3, 0, 0, 16},  {6, 6, 0, 0, 1}, // A Saturday.
+        };
+        QList<QImage> looks;
+        for (const auto& [month, shown, start, end, first] : states) {
+            Calendar calendar;
+            calendar.setRangeStart(march(start));
+            calendar.setRangeEnd(march(end));
+            calendar.setMinimumDate(march(first));
+            calendar.setCurrentPage(2024, shown);
+            const QImage look = calendar.painted(QDate(2024, month, 15));
+            QVERIFY2(!looks.contains(look), QByteArray::number(looks.size()));
+            QCOMPARE(look.pixelColor(0, 29), QColor(Qt::black));
+            looks.append(look);
+            calendar.setEditingStart(false);
+            if (looks.size() == 3)
+                QCOMPARE(calendar.painted(march(15)), looks[1]); // Now the end is the edited one.
+        }
+        QVERIFY(qGray(looks[1].pixel(2, 15)) < qGray(looks[2].pixel(2, 15))); // The edited end is the darker one.
+    }
+
+    void unreadableTextIsReplaced()
+    {
+        Calendar calendar;
+        const auto withText = [&calendar](QPalette::ColorGroup group, const QColor& text) {
+            QPalette palette;
+            palette.setColor(group, QPalette::Text, text);
+            calendar.view->setPalette(palette);
+            return calendar.painted(march(7)).copy(0, 0, 40, 29); // Without the point in the painter's pen.
+        };
+        const QColor pale(118, 118, 118); // The palest text that is readable on white.
+        const QColor paler(119, 119, 119);
+        const QImage replaced = withText(QPalette::All, QColor(72, 68, 68));
+        QVERIFY(withText(QPalette::All, pale) != replaced && withText(QPalette::All, paler) == replaced);
+        calendar.setEnabled(false); // It keeps its pale text.
+        QVERIFY(withText(QPalette::Disabled, paler) != replaced);
+    }
+
+    void lineRunsAlongTheFirstRowOfAMonth()
+    {
+        // The days of March 2024, which begins on a Friday, with a line, for each first day of the week.
+        const int counts[] = {3, 6, 6, 6, 0, 1, 2, 3};
+        for (int firstWeekDay = 0; firstWeekDay <= 7; ++firstWeekDay) {
+            const Calendar calendar(firstWeekDay);
+            QCOMPARE(calendar.firstDayOfWeek(), firstWeekDay == 7 ? Qt::Monday : Qt::DayOfWeek(firstWeekDay + 1));
+            QCOMPARE(calendar.weekdayTextFormat(Qt::Sunday), calendar.weekdayTextFormat(Qt::Monday));
+            for (int day : {-1, 1, 2, 3, 4, 5, 6, 7, 32})
+                QVERIFY2(calendar.hasLine(march(day)) == (day <= counts[firstWeekDay]), QByteArray::number(day));
+        }
+    }
+
+    void rangeKeepsItsOrder()
+    {
+        // Which end is set to which day, and both ends then; 0 is none.
+        const std::tuple<bool, int, int, int> rows[] = {
+            {true, 14, 14, 14},  {true, 15, 15, 0}, {true, 0, 0, 14},
+            {false, 10, 10, 10}, {false, 9, 0, 9},  {false, 0, 10, 0},
+        };
+        for (const bool editingStart : {true, false}) {
+            for (const auto& [setsStart, number, start, end] : rows) {
+                Calendar calendar;
+                calendar.setEditingStart(editingStart);
+                calendar.setSelectedDate(march(20));
+                connect(&calendar, &QCalendarWidget::selectionChanged, this,
+                        [&calendar] { QVERIFY(!calendar.isEnabled()); });
+                QVERIFY(calendar.setProperty(setsStart ? "rangeStart" : "rangeEnd", march(number)));
+                QCOMPARE(calendar.property("rangeStart").toDate(), march(start));
+                QCOMPARE(calendar.property("rangeEnd").toDate(), march(end));
+                QCOMPARE(calendar.selectedDate(), march(setsStart == editingStart && number ? number : 20));
+                QVERIFY(calendar.isEnabled());
+            }
+        }
+    }
+
+    void arrowsPointAlongTheLayout()
+    {
+        for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+            Calendar calendar;
+            calendar.setLayoutDirection(direction);
+            calendar.setUp(0);
+            for (const QString button : {"prev", "next"}) {
+                const QIcon icon = calendar.findChild<QToolButton*>("qt_calendar_" + button + "month")->icon();
+                const bool toTheLeft = (button == "prev") == (direction == Qt::LeftToRight);
+                const QString path = QStringLiteral(":/img/images/arrow_%1_default.png");
+                const QPixmap wanted(path.arg(toTheLeft ? "left" : "right"));
+                QCOMPARE(icon.pixmap(wanted.size(), QIcon::Normal, QIcon::On).toImage(), wanted.toImage());
+            }
+        }
+    }
+
+    void numbersHaveTheDigitsOfTheLocale()
+    {
+        const QImage latin = Calendar().painted(march(7));
+        setLocale("ar_EG");
+        Calendar calendar;
+        const auto* year = calendar.findChild<QToolButton*>("qt_calendar_yearbutton");
+        calendar.setCurrentPage(2031, 3);
+        QCOMPARE(year->text(), QString::fromUtf8("٢٠٣١"));
+        QVERIFY(calendar.painted(march(7)) != latin);
+    }
+
+    void boxHasRoomForItsTexts()
+    {
+        const QString text = QStringLiteral("A title that is a good deal longer than any text below it");
+        LmMessageBox box(QMessageBox::Question, text, QStringLiteral("Two"), QMessageBox::Ok, nullptr);
+        const int width = qRound(QFontMetricsF(box.font()).horizontalAdvance(text) + 0.5);
+        QVERIFY(box.minimumWidth() == width + 100 && box.windowFlags() & Qt::MSWindowsFixedSizeDialogHint);
+        const QAbstractButton* ok = box.button(QMessageBox::Ok);
+        box.setButtonText(QMessageBox::Ok, QStringLiteral("i"));
+        QCOMPARE(ok->minimumWidth(), 60);
+        box.setButtonText(QMessageBox::Ok, text);
+        QVERIFY(ok->minimumWidth() == width + 50 && ok->text() == text);
+    }
+
+    void displayedMessageGoesUpTheChain()
+    {
+        RecordingParent parent(nullptr);
+        QWidget stranger;
+        for (int icon = QMessageBox::NoIcon; icon <= QMessageBox::Question; ++icon) {
+            for (QWidget* owner : {static_cast<QWidget*>(&parent), &stranger}) {
+                LmMessageBox box(QMessageBox::Icon(icon), QString::number(icon), "; text", QMessageBox::Ok, owner);
+                box.logDisplayedMessage();
+            }
+        }
+        QCOMPARE(parent.records, QStringList({"1; text", "2; text", "3; text"})); // All as critical messages.
+        struct Box : LmMessageBox
+        {
+            using LmMessageBox::LmMessageBox;
+            using LmMessageBox::nextProxy;
+        };
+        QCOMPARE(Box(&parent).nextProxy(), &parent);
+        QCOMPARE(
+            QByteArrayList({lmProfileLog().categoryName(), lmUsageLog().categoryName(), lmPluginLog().categoryName()}),
+            QByteArrayList({"profile", "usage", "plugin"}));
+    }
+
+    void tooltipStaysWithinTheScreens()
+    {
+        const QRect screen = QGuiApplication::primaryScreen()->geometry();
+        LmTooltip tooltip(nullptr);
+        QVERIFY(tooltip.setProperty("text", "Text") && tooltip.property("LmTooltip") == true);
+        QCOMPARE(tooltip.findChild<QLabel*>()->text() + tooltip.property("text").toString(), QString("TextText"));
+        tooltip.resize(100, 30);
+        tooltip.show();
+        QVERIFY(!tooltip.childAt(50, 15)); // The window itself gets the mouse.
+        const auto drag = [&tooltip](QPointF mouse) {
+            sendMouse(tooltip, QEvent::MouseMove, {}, mouse);
+            return tooltip.pos();
+        };
+        sendMouse(tooltip, QEvent::MouseButtonPress, {5.6, 4.4}, {}); // Held at (6, 4).
+        QCOMPARE(drag({-300, -900}), QPoint(screen.left(), -904));
+        QCOMPARE(drag({screen.right() - 93., 60}), QPoint(screen.right() - 100, 56));
+        tooltip.hide();
+        tooltip.show(); // Resets where the mouse took hold, and the drag goes on.
+        QCOMPARE(drag({50.4, 60.6}), QPoint(50, 61));
+        sendMouse(tooltip, QEvent::MouseButtonRelease, {}, {});
+        QCOMPARE(drag({10, 80}), QPoint(50, 61));
+
+        // What grows is held at the right and bottom edge, and what is larger than the screen at the left and top.
+        tooltip.move(screen.right() - 119, screen.bottom() - 49);
+        tooltip.resize(120, 50);
+        QCOMPARE(tooltip.pos(), QPoint(screen.right() - 120, screen.bottom() - 50));
+        tooltip.resize(screen.width() + 9, screen.height() + 9);
+        QCOMPARE(tooltip.pos(), screen.topLeft());
     }
 };
 

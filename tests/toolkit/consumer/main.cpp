@@ -4,7 +4,6 @@
 #include "toolkit/LmMessageBox.h"
 #include "toolkit/LmXmlMessages.h"
 #include "toolkit/LmXmlValidator.h"
-#include "toolkit/ObserverManager.h"
 
 #include <QApplication>
 #include <QUrl>
@@ -13,12 +12,9 @@
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
-    InstanceObserver observer;
-    observer.setObject(&application, QStringLiteral("QApplication"), false);
     LmXmlMessages messages(nullptr);
     LmXmlValidator validator(QUrl::fromLocalFile(PLACE "/dose.xsd"), nullptr);
     const bool works =
-        ObserverManager::instance().contains(&application) &&
         lmPixmap(QStringLiteral(PLACE "/dose.svg")).size() == QSize(8, 4) &&
         LmMessageBox(nullptr).minimumWidth() == 101 && validator.validate(QByteArray("<dose>1.5</dose>"), messages) &&
         !validator.validate(QByteArray("<dose>many</dose>"), messages) && messages.messages().size() == 1;
