@@ -128,7 +128,7 @@ private Q_SLOTS:
             {"{\n \"seed\": 1,\n}", "line 3, column "},
             {R"({"times": {"read": 0.5}})", "times.read: must be a whole number from 0 to 3600000"},
             {QByteArray(Pumps).replace("confirms", "sleeps"), "pumps[1].user.does: must be \"confirms\""},
-            {QByteArray(Pumps).replace("MV-6", "MV-1"), "pumps[5].serialNumber: \"MV-1\" is that of pumps[0]"},
+            {QByteArray(Pumps).replace("MV-6", "MV-1"), "pumps[5].serialNumber: \"MV-1\" is also that of pumps[0]"},
             {R"({"faults": ["no-start", "no-stop"]})", "faults[1]: fault \"no-stop\": unknown"},
             {R"({"faults": ["vanish=now"]})", "faults[0]: fault \"vanish=now\": the value must be command,"},
         };
@@ -204,7 +204,7 @@ list-devices=99 = BTREAD done IMV-1_0001.xml 0, 99; exchange-grows = BTREAD done
             const QTemporaryDir folder;
             RunningReader reader(folder, world(fault));
             reader.send("BTREAD \"MV-1\"");
-            QTRY_VERIFY(!reader.trigger() || !reader.log.filter("took the drive away").isEmpty());
+            QTRY_VERIFY(!reader.trigger() || !reader.log.filter("drive removed").isEmpty());
             QTRY_COMPARE(reader.log.filter("start 2").size(), 1);
             QCOMPARE(reader.answer("BTISPAIRED p1"), QString("BTISPAIRED done MV-1 0"));
         }
@@ -246,7 +246,7 @@ list-devices=99 = BTREAD done IMV-1_0001.xml 0, 99; exchange-grows = BTREAD done
         QVERIFY(write(dir.filePath("bad.jsonl"), "{\"ms\":0,\"file\":\"../x\",\"text\":\"\"}\n"));
         const QString calls = R"(--list-faults = 0 ; --fault no-stop . = 2 --fault: fault "no-stop": unknown
  = 2 exactly one DRIVE expected; --seed x . = 2 --seed: 'x' isn't a whole number; none = 1 none: there is no such folder
---pair MV . = 2 --pair: "MV" isn't SERIAL=PATIENT; --replay x --seed 1 . = 2 --replay: plays what was recorded
+--pair MV . = 2 --pair: "MV" isn't SERIAL=PATIENT; --replay x --seed 1 . = 2 --replay: excludes --scenario
 --check-scenario --scenario bad.json = 1 bad.json: times.reed: unknown field
 broken = 1 broken/.merivo-reader.json: pumps[0].serialNumber: is missing
 --replay bad.jsonl . = 1 bad.jsonl: line 1: file: "../x" isn't a file of the reader)";

@@ -34,8 +34,8 @@ struct FaultEntry
 {
     const char* name;
     const ValueForm& form;
-    const char* fallback; ///< what counts without a value; null if the fault must have one
-    const char* command;  ///< the only one that it can apply to
+    const char* fallback; ///< the default value; null if a value is required
+    const char* command;  ///< the only command that it can apply to; null for any
     const char* effect;
 
     bool appliesTo(const QString& word) const { return command ? word == QLatin1String(command) : !word.isEmpty(); }
@@ -44,23 +44,22 @@ struct FaultEntry
 namespace {
 
 const FaultEntry Catalogue[] = {
-    {"no-start", NoValue, "", AnyCommand, "takes the command and never shows it"},
-    {"no-running", NoValue, "", AnyCommand, "shows the end without having shown \"running\""},
+    {"no-start", NoValue, "", AnyCommand, "receives the command and never shows it"},
+    {"no-running", NoValue, "", AnyCommand, "ends without having shown \"running\""},
     {"no-end", NoValue, "", AnyCommand, "shows \"running\" and never ends"},
     {"slow", Number, nullptr, AnyCommand, "takes N ms longer before \"running\" and again before the end"},
     {"fail", Number, nullptr, AnyCommand, "ends with \"failed\" and the error code N, without an effect"},
     {"fail-without-code", NoValue, "", AnyCommand,
      "ends with \"failed\" and no number as its error code, without an effect"},
     {"foreign-abort", NoValue, "", AnyCommand,
-     "shows \"running\", and 300 ms after a trigger made that visible an ABORT that nobody sent; gives up the command"},
+     "shows \"running\" and, 300 ms after a trigger made that visible, an unsolicited ABORT; cancels the command"},
     {"stale-status", NoValue, "", AnyCommand, "executes the command and never shows a status of it"},
-    {"stale-until", Number, nullptr, AnyCommand, "shows each status from the Nth trigger after its change on"},
+    {"stale-until", Number, nullptr, AnyCommand, "shows each status only from the Nth trigger after its change"},
     {"same-header", NoValue, "", AnyCommand,
      "repeats the status file's first line, so that two equal answers are the same file"},
     {"header-only", NoValue, "", AnyCommand, "changes only the status file's first line"},
-    {"unchanged-status", NoValue, "", AnyCommand, "ends with all five lines of the status as before the command"},
-    {"half-status", Number, nullptr, AnyCommand,
-     "rewrites the status in place: only N bytes for 250 ms, then the rest"},
+    {"unchanged-status", NoValue, "", AnyCommand, "ends with the five lines that the status had before the command"},
+    {"half-status", Number, nullptr, AnyCommand, "rewrites the status in place: N bytes, and the rest 250 ms later"},
     {"empty-status", NoValue, "", AnyCommand, "shows an empty status file"},
     {"folder-status", NoValue, "", AnyCommand, "shows an empty folder in place of the status file"},
     {"wrong-word", Text, nullptr, AnyCommand, "shows this command word instead of the command's"},
@@ -71,12 +70,12 @@ const FaultEntry Catalogue[] = {
     {"vanish-folder", Moment, nullptr, AnyCommand,
      "removes the folder MISC (renames it to .MISC.away) at MOMENT: command, running or done; restores it after MS"},
     {"blocked-trigger", Number, "", AnyCommand,
-     "puts a folder in the trigger file's place when the command is taken, for N ms or until the next start"},
+     "puts a folder in the trigger file's place when the command is received, for N ms or until the next start"},
     {"blocked-command", Number, "", AnyCommand,
-     "puts a folder in the command file's place when the command is taken, for N ms or until the next start"},
+     "puts a folder in the command file's place when the command is received, for N ms or until the next start"},
     {"list-missing", NoValue, "", AnyCommand, "ends without a device list"},
     {"list-cut", Number, "200", AnyCommand, "ends with the first N bytes of the device list"},
-    {"list-devices", Number, nullptr, AnyCommand, "ends with a device list that unknown pumps fill up to N"},
+    {"list-devices", Number, nullptr, AnyCommand, "ends with a device list of N pumps, filled up with unknown ones"},
     {"no-exchange-file", NoValue, "", ReadOut, "ends with \"done\" but leaves no exchange file"},
     {"two-exchange-files", NoValue, "", ReadOut, "leaves two exchange files"},
     {"exchange-folder", NoValue, "", ReadOut, "leaves a folder with the exchange file's name"},
@@ -85,7 +84,7 @@ const FaultEntry Catalogue[] = {
     {"log-missing", NoValue, "", AtStart, "has no firmware log"},
     {"log-binary", NoValue, "", AtStart, "has 4096 random bytes in its firmware log"},
     {"log-several", Text, "3.2.23", AtStart, "has a second firmware log with this version"},
-    {"left-running", Text, "BTREAD", AtStart, "shows this command as running, as an earlier user may have left it"},
+    {"left-running", Text, "BTREAD", AtStart, "shows this command as running, as an earlier session may have left it"},
 };
 
 QString shownName(const FaultEntry& entry)
@@ -117,7 +116,7 @@ bool FaultSet::add(const QString& text, QString* error)
         return false;
     };
     if (entry == std::end(Catalogue))
-        return refuse("unknown; --list-faults names them all");
+        return refuse("unknown; see --list-faults");
     if (at >= 0 && entry->command == AtStart)
         return refuse("can't be restricted to a command");
     if (at >= 0 && !isCommandWord(command))

@@ -11,9 +11,8 @@ using ActiveFaults = QHash<QString, QString>;
 
 struct FaultEntry;
 
-/// The faults of one run, from the scenario and the command line. Each is written NAME or NAME=VALUE. With @COMMAND
-/// after that it applies to that command only, and with :once at the end only to the first command that it can apply
-/// to.
+/// The faults of one run, from the scenario and the command line. Each is written NAME[=VALUE][@COMMAND][:once]. With
+/// @COMMAND it applies to that command only, with :once only to the first command that it can apply to.
 class FaultSet final
 {
 public:
@@ -25,7 +24,7 @@ public:
     /// the same name the last one counts. Removes those that apply only once.
     ActiveFaults take(const QString& word);
 
-    /// Returns the catalogue for people, one line a fault.
+    /// Returns the catalogue as text, one line for each fault.
     static QString catalogue();
 
 private:

@@ -16,15 +16,15 @@
 
 namespace {
 
-const int LookEveryMs = 10;
-/// A command file is emptied first and written then. One of good form is whole at its second look; anything else gets
-/// the time that a busy writer may need between the two.
-const int LooksForGood = 2;
-const int LooksForBad = 10;
-/// A few ticks of whoever polls the status.
+const int CheckIntervalMs = 10;
+/// A command file is truncated before it is written. A valid one is complete if two checks in a row find it unchanged;
+/// anything else gets the time that a busy writer may need.
+const int ChecksIfValid = 2;
+const int ChecksIfInvalid = 10;
+/// Lasts several polls of the status.
 const int HalfStatusMs = 250;
 
-/// Gives a file or folder its new name in one step; what went wrong, or nothing.
+/// Renames a file or folder atomically. Returns the error, or an empty text.
 QString rename(const QString& from, const QString& to)
 {
     std::error_code error;
@@ -33,7 +33,7 @@ QString rename(const QString& from, const QString& to)
 }
 
 /// Returns true if the file was written since the last call. Sets the file's time back by a day, so that the next write
-/// changes it however coarse the time stamps of the drive are (two seconds on FAT).
+/// changes it even if the drive's time stamps are coarse (two seconds on FAT).
 bool takeWrite(const QString& path, FileStamp* seen)
 {
     const FileStamp stamp = FileStamp::of(path);
@@ -55,13 +55,13 @@ ReaderDrive::ReaderDrive(const QString& path, QObject* parent)
     : QObject(parent)
     , m_path(QDir(path).absolutePath())
 {
-    m_timer.setInterval(LookEveryMs);
+    m_timer.setInterval(CheckIntervalMs);
     m_timer.setTimerType(Qt::PreciseTimer);
-    connect(&m_timer, &QTimer::timeout, this, &ReaderDrive::look);
+    connect(&m_timer, &QTimer::timeout, this, &ReaderDrive::checkFiles);
     m_rest.setInterval(HalfStatusMs);
     m_rest.setSingleShot(true);
     connect(&m_rest, &QTimer::timeout, this, [this] { writeInPlace(filePath(ReaderNames::Status), m_halfStatus); });
-    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &ReaderDrive::lookAtTrigger);
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, &ReaderDrive::checkTrigger);
 }
 
 QString ReaderDrive::filePath(const QString& name) const
@@ -72,14 +72,14 @@ QString ReaderDrive::filePath(const QString& name) const
 
 bool ReaderDrive::open(QString* error)
 {
-    if (!comeBack(error))
+    if (!restore(error))
         return false;
     if (!QFileInfo(m_path).isDir()) {
         *error = QString("%1: there is no such folder").arg(m_path);
         return false;
     }
     if (!QDir().mkpath(filePath())) {
-        *error = QString("%1: the folder can't be made").arg(filePath());
+        *error = QString("%1: the folder can't be created").arg(filePath());
         return false;
     }
     m_lock = std::make_unique<QLockFile>(m_path + "/.merivo-reader.lock");
@@ -103,7 +103,7 @@ void ReaderDrive::listen()
 
 void ReaderDrive::setStatus(const ShownStatus& status)
 {
-    // An older one that isn't seen earlier is never seen.
+    // Older statuses that wouldn't become visible earlier never become visible.
     while (!m_statuses.isEmpty() && m_statuses.last().triggers >= status.triggers)
         m_statuses.removeLast();
     m_statuses.append(status);
@@ -147,8 +147,8 @@ bool ReaderDrive::writeInPlace(const QString& path, const QByteArray& bytes)
 
 bool ReaderDrive::replaceFile(const QString& name, const QByteArray& bytes)
 {
-    // QSaveFile would do the same, but it waits until the bytes are on the disk, which on a stick takes several ticks
-    // of whoever polls the status.
+    // Not QSaveFile, which waits until the bytes are on the disk: on a USB stick that takes longer than several polls
+    // of the status.
     const QString beside = filePath(name) + ".new";
     return writeInPlace(beside, bytes) && moveInto(beside, name);
 }
@@ -179,7 +179,7 @@ void ReaderDrive::keepBlocked()
             it = m_blocked.erase(it);
             continue;
         }
-        // Someone who writes the file at this moment can be the quicker; the next look tries again.
+        // Fails if another program writes the file at this moment; the next check tries again.
         if (!QFileInfo(it.key()).isDir()) {
             QFile::remove(it.key());
             QDir().mkdir(it.key());
@@ -188,16 +188,16 @@ void ReaderDrive::keepBlocked()
     }
 }
 
-bool ReaderDrive::goAway(bool wholeDrive)
+bool ReaderDrive::removeDrive(bool wholeDrive)
 {
     m_timer.stop();
     m_rest.stop();
     m_statuses.clear();
-    // Its file goes along, where no one could remove it any more.
+    // The lock file is moved along with the drive and couldn't be removed later.
     m_lock->unlock();
     const auto [place, away] = placesOf(wholeDrive);
     const QString trouble = rename(place, away);
-    return trouble.isEmpty() || fail(QString("%1: can't be taken away: %2").arg(place, trouble));
+    return trouble.isEmpty() || fail(QString("%1: can't be removed: %2").arg(place, trouble));
 }
 
 std::pair<QString, QString> ReaderDrive::placesOf(bool wholeDrive) const
@@ -207,18 +207,18 @@ std::pair<QString, QString> ReaderDrive::placesOf(bool wholeDrive) const
     return {filePath(), m_path + "/." + ReaderNames::Folder + ".away"};
 }
 
-/// Undoes goAway() and block(), also those of an earlier run.
-bool ReaderDrive::comeBack(QString* error)
+/// Undoes removeDrive() and block(), also those of an earlier run.
+bool ReaderDrive::restore(QString* error)
 {
     for (const bool wholeDrive : {true, false}) {
         const auto [place, away] = placesOf(wholeDrive);
         if (!QFileInfo(away).isDir())
             continue;
-        // Someone may have made the folder anew, but then nothing is in it.
+        // Removes a folder that another program has created in its place, if it is empty.
         QDir().rmdir(place);
         const QString trouble = rename(away, place);
         if (!trouble.isEmpty()) {
-            *error = QString("%1: can't be brought back as %2: %3").arg(away, place, trouble);
+            *error = QString("%1: can't be restored as %2: %3").arg(away, place, trouble);
             return false;
         }
     }
@@ -237,48 +237,48 @@ bool ReaderDrive::fail(const QString& what)
     return false;
 }
 
-void ReaderDrive::look()
+void ReaderDrive::checkFiles()
 {
     if (!QFileInfo(filePath()).isDir()) {
-        fail(QString("%1: the folder has gone").arg(filePath()));
+        fail(QString("%1: the folder was removed").arg(filePath()));
         return;
     }
     keepBlocked();
-    // The watcher only saves the wait for the next look. It loses a file that is replaced.
+    // The watcher only saves the wait for the next check. It stops watching a file that is replaced.
     if (m_watcher.files().isEmpty())
         m_watcher.addPath(triggerPath());
-    lookAtTrigger();
-    lookAtCommand();
+    checkTrigger();
+    checkCommand();
 }
 
-void ReaderDrive::lookAtTrigger()
+void ReaderDrive::checkTrigger()
 {
     if (!takeWrite(triggerPath(), &m_triggerStamp))
         return;
-    int ripe = 0;
+    int due = 0;
     for (ShownStatus& status : m_statuses)
-        ripe += --status.triggers <= 0;
-    if (ripe > 0) {
-        const ShownStatus newest = m_statuses.at(ripe - 1);
-        m_statuses.remove(0, ripe);
+        due += --status.triggers <= 0;
+    if (due > 0) {
+        const ShownStatus newest = m_statuses.at(due - 1);
+        m_statuses.remove(0, due);
         show(newest);
     }
     Q_EMIT triggered();
 }
 
-void ReaderDrive::lookAtCommand()
+void ReaderDrive::checkCommand()
 {
     if (takeWrite(commandPath(), &m_commandStamp)) {
-        m_quietLooks = 0;
+        m_unchangedChecks = 0;
         m_commandTaken = false;
     }
     QFile file(commandPath());
     if (m_commandTaken || !file.open(QIODevice::ReadOnly))
         return;
     const QByteArray bytes = file.readAll();
-    ++m_quietLooks;
+    ++m_unchangedChecks;
     QString fault;
-    if (m_quietLooks >= (parseCommandFile(bytes, &fault) ? LooksForGood : LooksForBad)) {
+    if (m_unchangedChecks >= (parseCommandFile(bytes, &fault) ? ChecksIfValid : ChecksIfInvalid)) {
         m_commandTaken = true;
         Q_EMIT commandWritten(bytes);
     }

@@ -17,84 +17,82 @@
 #include <memory>
 #include <utility>
 
-/// A status, and how it becomes visible. The defaults are those of a drive without a fault.
+/// A status and how it becomes visible. The defaults are those of a drive without faults.
 struct ShownStatus
 {
     QByteArray bytes;
-    /// From which trigger on, counted from when it was set, the status is seen.
+    /// The trigger after setStatus() that makes the status visible, counted from 1.
     int triggers = 1;
-    /// If above 0, the file is rewritten in place: that many bytes are there for a moment before the rest follows.
+    /// If above 0, the file is rewritten in place: first that many bytes, the rest a moment later.
     int firstBytes = 0;
-    /// A folder takes the file's place.
+    /// Shows a folder in place of the file.
     bool isFolder = false;
 };
 
-/// The reader's end of its drive: takes command files in, and gives the reader's files out.
+/// The reader's side of its drive: receives command files and writes the reader's files.
 ///
-/// The drive is cached. A status that is set stays with the reader until the trigger file is written the next time, so
-/// whoever reads STATUS.TXT without writing the trigger sees an old one. Every file is replaced in one step.
-///
-/// What spoils the drive (a status with other values than the defaults, block(), goAway()) is made good by open().
+/// The drive is cached: a status becomes visible only when the trigger file is written the next time. Every file is
+/// replaced atomically. open() undoes all faults (a status without the default values, block(), removeDrive()).
 class ReaderDrive final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ReaderDrive)
 
 public:
-    /// @p path is the drive's root, which must exist by the time of open().
+    /// @p path is the drive's root, which must exist when open() is called.
     explicit ReaderDrive(const QString& path, QObject* parent = nullptr);
 
-    /// Brings back what an earlier run took away, makes the folder MISC if need be and claims the drive, so that no
-    /// second reader serves it. False with a sentence that names the file if that isn't possible.
+    /// Restores what an earlier run removed, creates the folder MISC if it is missing, and locks the drive for this
+    /// reader. Returns false with an error that names the file if that fails.
     bool open(QString* error);
 
-    /// Begins to look at the drive. A command file that lies there already counts as an old one.
+    /// Starts to watch the drive. Ignores a command file that exists already.
     void listen();
 
     QString path() const { return m_path; }
-    /// The path of a file in MISC, or of MISC itself.
+    /// Returns the path of a file in MISC, or of MISC itself.
     QString filePath(const QString& name = {}) const;
 
-    /// Keeps the newest status, to be shown at the next trigger.
+    /// Sets the status that the next triggers make visible.
     void setStatus(const ShownStatus& status);
-    /// Shows the newest status at once, as a reader does that has just been connected.
+    /// Shows the latest status at once, as a reader does that has just been connected.
     void showStatus();
-    /// True if no status waits for its trigger.
+    /// Returns true if no status waits for its trigger.
     bool isStatusShown() const { return m_statuses.isEmpty(); }
 
     bool replaceFile(const QString& name, const QByteArray& bytes);
-    /// Gives the file @p from, a path beside MISC's files, the name @p name in one step.
+    /// Renames the file with the path @p from to @p name in MISC, atomically.
     bool moveInto(const QString& from, const QString& name);
-    /// Removes a file of MISC, or a folder that has nothing in it.
+    /// Removes a file or an empty folder from MISC.
     void removeFile(const QString& name);
 
     QString commandPath() const { return filePath(ReaderNames::Command); }
     QString triggerPath() const { return m_path + '/' + ReaderNames::Trigger; }
-    /// Keeps an empty folder in the place of the file @p path, which so can't be written; for good with @p ms 0.
+    /// Puts an empty folder in place of the file @p path, which then can't be written; permanently if @p ms is 0.
     void block(const QString& path, int ms);
 
-    /// Takes the whole drive away, or MISC alone, until open() is called, and gives up the claim to it. False, with
-    /// failed(), if that isn't possible.
-    bool goAway(bool wholeDrive);
+    /// Removes the whole drive, or only MISC, until open() is called, and unlocks it. Emits failed() and returns false
+    /// if that fails.
+    bool removeDrive(bool wholeDrive);
 
 Q_SIGNALS:
-    /// A command file was written and has rested long enough to be whole.
+    /// Emitted when a command file was written and hasn't changed for a while, so that it is complete.
     void commandWritten(const QByteArray& bytes);
-    /// The trigger file was written, and the status that it brings to light is shown by now.
+    /// Emitted when the trigger file was written and the status that it makes visible is shown.
     void triggered();
-    /// The drive can't be written any more; nothing will work from here on.
+    /// Emitted when the drive can't be written any more; it is no longer served.
     void failed(const QString& error);
 
 private:
-    bool comeBack(QString* error);
-    /// The path of the drive or of MISC, and the one that it has while it is away.
+    bool restore(QString* error);
+    /// Returns the path of the drive or of MISC, and its path while it is removed.
     std::pair<QString, QString> placesOf(bool wholeDrive) const;
     void show(const ShownStatus& status);
     bool writeInPlace(const QString& path, const QByteArray& bytes);
     void keepBlocked();
-    void look();
-    void lookAtTrigger();
-    void lookAtCommand();
+    void checkFiles();
+    void checkTrigger();
+    void checkCommand();
     bool fail(const QString& what);
 
     const QString m_path;
@@ -102,7 +100,7 @@ private:
     QFileSystemWatcher m_watcher;
     QTimer m_timer;
 
-    /// Those that wait for a trigger, each for a later one than its neighbour in front.
+    /// The statuses that wait for a trigger, in the order of their triggers.
     QVector<ShownStatus> m_statuses;
     QByteArray m_halfStatus;
     QTimer m_rest;
@@ -110,6 +108,6 @@ private:
 
     FileStamp m_triggerStamp;
     FileStamp m_commandStamp;
-    int m_quietLooks = 0;
+    int m_unchangedChecks = 0;
     bool m_commandTaken = true;
 };

@@ -7,7 +7,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// An error code that leaves no number in the status.
+/// An error code for which the status has no number.
 inline constexpr int NoErrorCode = -1;
 
 /// What the reader shows in STATUS.TXT.
@@ -20,16 +20,16 @@ struct ReaderStatus
     int error = 0;
 };
 
-/// The five lines of STATUS.TXT, each with a line feed. Readers skip the labels by count: 4 characters in front of the
-/// command, 10 in front of the status word and of the result; the code stands between the last hyphen and one last
-/// character.
+/// Returns the five lines of STATUS.TXT, each with a line feed. Programs that parse it skip the labels by count: 4
+/// characters before the command, 10 before the status word and before the result; the code is between the last hyphen
+/// and the last character.
 QByteArray statusText(const ReaderStatus& status);
 
-/// DEVLIST.XML for @p pumps in their order; a pump that is paired with nobody has the patient id "0".
+/// Returns DEVLIST.XML for @p pumps in their order; an unpaired pump has the patient id "0".
 QByteArray deviceListXml(const QVector<Pump>& pumps);
 
-/// The firmware log: the version is the last word of the fifth line.
+/// Returns the firmware log: the version is the last word of the fifth line.
 QByteArray firmwareLogText(const QString& version);
 
-/// A pump's history day by day, the same for the same pump, settings and seed.
+/// Returns a pump's history day by day; the same pump, settings and seed yield the same bytes.
 QByteArray exchangeFileXml(const Pump& pump, const ExchangeSettings& settings, quint32 seed);

@@ -7,25 +7,25 @@
 #include <QString>
 #include <QVector>
 
-/// What the reader keeps when it loses its power.
+/// The data that the reader keeps without power.
 struct ReaderMemory
 {
-    /// How often it was started, this time included.
+    /// Number of starts, including this one.
     int starts = 0;
-    /// How many exchange files it has made; the next one's name counts on.
+    /// Number of exchange files created, from which the next one's name is made.
     int readouts = 0;
-    /// Every pump that it has ever known, with its pairing.
+    /// Every pump ever known, with its pairing.
     QVector<Pump> pumps;
 
-    /// Pairs a pump with a patient, who has one pump at most, so that BTISPAIRED has one answer.
+    /// Pairs a pump with a patient and unpairs any other pump of that patient, so that BTISPAIRED has one answer.
     void pair(const QString& serialNumber, const QString& patientId);
 };
 
-/// Reads what an earlier run has kept in @p fileName and brings it together with the pumps of the scenario: the kept
-/// pairing wins over the scenario's, and a pump that the scenario no longer has is out of range. Without such a file
-/// the scenario's pairings hold. False with a sentence that names file and field if the file can't be understood; it is
-/// left alone then.
+/// Loads what an earlier run saved in @p fileName and merges it with the pumps of the scenario: a saved pairing
+/// overrides the scenario's, and a pump that the scenario no longer has is out of range. Without such a file the
+/// scenario's pairings apply. If the file is invalid, leaves it unchanged and returns false with an error that names
+/// file and field.
 bool loadMemory(const QString& fileName, const QVector<Pump>& scenarioPumps, ReaderMemory* memory, QString* error);
 
-/// Writes the memory in one step, and to the disk before it returns.
+/// Saves the memory atomically, and on the disk before it returns.
 bool saveMemory(const QString& fileName, const ReaderMemory& memory, QString* error);

@@ -20,18 +20,18 @@ const QString Failed = "failed";
 const QString Done = "done";
 const QString NoCommand = "NONE";
 const QString NoPump = "0";
-const int LongestSerialInName = 64;
+const int MaxSerialInName = 64;
 const QString SecondLog = ReaderNames::FirmwareLog + ".1";
-/// Longer than the pause between two reads of the status, so one of them has seen what a trigger brought to light.
+/// Longer than the interval between two reads of the status, so that the computer has read what a trigger made visible.
 const int SeenAfterMs = 300;
 const int GrowEveryMs = 100;
 const int GrowingPieces = 10;
 
-/// The codes with which the reader itself fails. Those below 30 are its own: no one else has a name for them.
+/// The reader's own error codes. The plug-in has no texts for those below 30.
 enum ReaderError {
     NothingToConfirm = 20,
-    UserSaidNo = 21,
-    UserSilent = 22,
+    DeclinedByUser = 21,
+    UserTimedOut = 22,
     NotPaired = 24,
     NoPatient = 25,
     PumpNotFound = 31,
@@ -47,8 +47,8 @@ QString memoryFile(const ReaderDrive& drive)
 QString exchangeName(const Pump& pump, int number)
 {
     QString serial;
-    // The number tells the files apart; a name has an end, a serial number hasn't.
-    for (const QChar c : pump.serialNumber.left(LongestSerialInName))
+    // The number makes the name unique; the serial number is cut because file names have a maximum length.
+    for (const QChar c : pump.serialNumber.left(MaxSerialInName))
         serial += c.unicode() < 0x80 && c.isLetterOrNumber() ? c : '-';
     return QString("I%1_%2.xml").arg(serial).arg(number, 4, 10, QChar('0'));
 }
@@ -67,7 +67,7 @@ ReaderSimulator::ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, b
     connect(&m_step, &QTimer::timeout, this, [this] { std::exchange(m_next, nullptr)(); });
     connect(&m_progress, &QTimer::timeout, this, &ReaderSimulator::onProgress);
     m_return.setSingleShot(true);
-    connect(&m_return, &QTimer::timeout, this, &ReaderSimulator::comeBack);
+    connect(&m_return, &QTimer::timeout, this, &ReaderSimulator::restore);
     m_growth.setInterval(GrowEveryMs);
     connect(&m_growth, &QTimer::timeout, this, &ReaderSimulator::growExchangeFile);
     connect(&m_drive, &ReaderDrive::triggered, this, [this] {
@@ -80,23 +80,23 @@ ReaderSimulator::ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, b
     connect(&m_drive, &ReaderDrive::failed, this, &ReaderSimulator::fail);
 }
 
-void ReaderSimulator::pairBeforehand(const QString& serialNumber, const QString& patientId)
+void ReaderSimulator::pairAtStart(const QString& serialNumber, const QString& patientId)
 {
-    m_pairedBeforehand.insert(serialNumber, patientId);
+    m_pairedAtStart.insert(serialNumber, patientId);
 }
 
 bool ReaderSimulator::start(QString* error)
 {
     if (!loadMemory(memoryFile(m_drive), m_scenario.pumps, &m_memory, error))
         return false;
-    for (auto it = m_pairedBeforehand.cbegin(); it != m_pairedBeforehand.cend(); ++it) {
+    for (auto it = m_pairedAtStart.cbegin(); it != m_pairedAtStart.cend(); ++it) {
         if (!find(it.key())) {
             *error = QString("there is no pump \"%1\" to pair").arg(it.key());
             return false;
         }
         pair(it.key(), it.value());
     }
-    m_pairedBeforehand.clear();
+    m_pairedAtStart.clear();
     m_statusCount = 0;
     ++m_memory.starts;
     if (!saveMemory(memoryFile(m_drive), m_memory, error))
@@ -121,8 +121,8 @@ void ReaderSimulator::showFirstStatus()
         showAtOnce(m_activeFaults.value("left-running"), Running);
     else if (!isRunning(m_status))
         showAtOnce(NoCommand, Done);
-    else // The reader has forgotten the command, but as long as nobody asks it for more, nothing rewrites the file.
-        Q_EMIT logged("left the status of a command that an earlier run didn't end");
+    else // The reader no longer knows the command, but doesn't rewrite the file before the next one.
+        Q_EMIT logged("kept the status of a command that an earlier run didn't finish");
 }
 
 void ReaderSimulator::showAtOnce(const QString& command, const QString& word)
@@ -143,19 +143,19 @@ void ReaderSimulator::onCommandWritten(const QByteArray& bytes)
 
 void ReaderSimulator::begin(const ReaderCommand& command)
 {
-    Q_EMIT logged(QString("took %1").arg(command.word));
-    const bool isLeaving = m_isLeaving;
-    dropCommand();
-    if (isLeaving) {
-        leave();
+    Q_EMIT logged(QString("received %1").arg(command.word));
+    const bool isVanishing = m_isVanishing;
+    cancelCommand();
+    if (isVanishing) {
+        vanish();
         return;
     }
     m_activeFaults.clear();
-    if (std::exchange(m_isStatusSpoilt, false))
+    if (std::exchange(m_statusNeedsReset, false))
         showAtOnce(NoCommand, Done);
-    if (std::exchange(m_isListSpoilt, false))
+    if (std::exchange(m_listNeedsReset, false))
         writeDeviceList();
-    // A code that the user hasn't answered is given up by whatever else comes.
+    // Any other command cancels a pairing whose code the user hasn't confirmed.
     if (command.word != "BTPAIRCONFIRM")
         m_toConfirm.reset();
     m_active = command.word;
@@ -165,12 +165,12 @@ void ReaderSimulator::begin(const ReaderCommand& command)
         m_drive.block(m_drive.triggerPath(), m_activeFaults.value("blocked-trigger").toInt());
     if (m_activeFaults.contains("blocked-command"))
         m_drive.block(m_drive.commandPath(), m_activeFaults.value("blocked-command").toInt());
-    if (leavesAt("command")) {
-        leave();
+    if (vanishesAt("command")) {
+        vanish();
         return;
     }
     if (m_activeFaults.contains("no-start")) {
-        Q_EMIT logged(QString("leaves %1 unanswered, as the fault no-start says").arg(command.word));
+        Q_EMIT logged(QString("doesn't answer %1: fault no-start").arg(command.word));
         return;
     }
 
@@ -192,14 +192,14 @@ void ReaderSimulator::begin(const ReaderCommand& command)
     m_step.start(duration(m_scenario.times.pickup));
 }
 
-void ReaderSimulator::dropCommand()
+void ReaderSimulator::cancelCommand()
 {
     m_step.stop();
     m_progress.stop();
     m_whenSeen = nullptr;
-    m_isLeaving = false;
+    m_isVanishing = false;
     if (!m_active.isEmpty())
-        Q_EMIT logged(QString("dropped %1, which hadn't ended").arg(m_active));
+        Q_EMIT logged(QString("cancelled %1").arg(m_active));
     m_active.clear();
 }
 
@@ -211,11 +211,11 @@ void ReaderSimulator::showRunning()
     m_plan.durationMs = duration(m_plan.durationMs);
     if (m_scenario.times.progress > 0 && m_plan.durationMs > 0)
         m_progress.start(m_scenario.times.progress);
-    if (leavesAt("running"))
-        leaveWhenSeen();
+    if (vanishesAt("running"))
+        vanishWhenSeen();
     else if (m_activeFaults.contains("foreign-abort"))
         m_whenSeen = [this] {
-            dropCommand();
+            cancelCommand();
             setStatus("ABORT", Done);
         };
     if (m_whenSeen || m_activeFaults.contains("no-end"))
@@ -239,62 +239,62 @@ void ReaderSimulator::finish()
     QString result;
     if (m_plan.failCode == 0 && m_plan.effect)
         result = m_plan.effect();
-    m_isListSpoilt = m_activeFaults.contains("list-missing") || m_activeFaults.contains("list-cut") ||
-                     m_activeFaults.contains("list-devices");
-    if (m_isListSpoilt)
+    m_listNeedsReset = m_activeFaults.contains("list-missing") || m_activeFaults.contains("list-cut") ||
+                       m_activeFaults.contains("list-devices");
+    if (m_listNeedsReset)
         writeDeviceList();
-    // What couldn't be kept isn't shown as done.
+    // A change that couldn't be saved isn't shown as done.
     if (m_hasFailed)
         return;
     setStatus(m_active, m_plan.failCode == 0 ? Done : Failed, result, m_plan.failCode);
     m_active.clear();
-    if (leavesAt("done"))
-        leaveWhenSeen();
+    if (vanishesAt("done"))
+        vanishWhenSeen();
 }
 
-bool ReaderSimulator::leavesAt(const QString& moment) const
+bool ReaderSimulator::vanishesAt(const QString& moment) const
 {
-    return leaving().section(',', 0, 0) == moment;
+    return vanishFault().section(',', 0, 0) == moment;
 }
 
-QString ReaderSimulator::leaving() const
+QString ReaderSimulator::vanishFault() const
 {
     return m_activeFaults.value("vanish", m_activeFaults.value("vanish-folder"));
 }
 
-void ReaderSimulator::leaveWhenSeen()
+void ReaderSimulator::vanishWhenSeen()
 {
-    m_isLeaving = true;
+    m_isVanishing = true;
     m_whenSeen = [this] {
-        leave();
+        vanish();
     };
 }
 
-/// Unplugged, the reader loses what it was at, and keeps its memory.
-void ReaderSimulator::leave()
+/// Loses the current command and keeps the memory, like an unplugged reader.
+void ReaderSimulator::vanish()
 {
-    dropCommand();
+    cancelCommand();
     m_growth.stop();
     m_toConfirm.reset();
     m_seen.clear();
-    m_isStatusSpoilt = false;
-    m_isListSpoilt = false;
-    if (!m_drive.goAway(m_activeFaults.contains("vanish")))
+    m_statusNeedsReset = false;
+    m_listNeedsReset = false;
+    if (!m_drive.removeDrive(m_activeFaults.contains("vanish")))
         return;
-    Q_EMIT logged("took the drive away");
-    const int awayMs = leaving().section(',', 1).toInt();
+    Q_EMIT logged("drive removed");
+    const int awayMs = vanishFault().section(',', 1).toInt();
     if (awayMs > 0)
         m_return.start(awayMs);
 }
 
-void ReaderSimulator::comeBack()
+void ReaderSimulator::restore()
 {
     QString error;
     if (!m_drive.open(&error) || !start(&error))
         fail(error);
 }
 
-/// The plan, unless the link to the pump breaks before it is through.
+/// Returns the plan, or its failure if the link to the pump breaks before its end.
 ReaderSimulator::Plan ReaderSimulator::overLink(const Pump& pump, const Plan& plan)
 {
     return plan.durationMs > pump.linkHoldsMs ? Plan{pump.linkHoldsMs, LinkLost, {}} : plan;
@@ -350,7 +350,7 @@ ReaderSimulator::Plan ReaderSimulator::planPair(const ReaderCommand& command)
         return fails(NoPatient);
     if (!pump || pump->address != command.address)
         return fails(PumpNotFound);
-    // The reader's own memory says so, however far the pump is.
+    // Answered from the reader's memory, also if the pump is out of range.
     if (!pump->patientId.isEmpty())
         return fails(AlreadyPaired);
     if (!pump->inRange)
@@ -372,9 +372,9 @@ ReaderSimulator::Plan ReaderSimulator::planConfirm(const ReaderCommand& command)
     const Pump& pump = *find(pairing->serialNumber);
     const int limit = m_scenario.times.userLimit;
     if (pump.user == PumpUser::DoesNothing || pump.userTakesMs > limit)
-        return overLink(pump, {limit, UserSilent, {}});
+        return overLink(pump, {limit, UserTimedOut, {}});
     if (pump.user == PumpUser::Declines)
-        return overLink(pump, {pump.userTakesMs, UserSaidNo, {}});
+        return overLink(pump, {pump.userTakesMs, DeclinedByUser, {}});
     if (pump.user == PumpUser::WalksAway)
         return overLink(pump, {pump.userTakesMs, LinkLost, {}});
     return overLink(pump, {pump.userTakesMs + m_scenario.times.confirm, 0, [this, pairing] {
@@ -449,7 +449,7 @@ ReaderSimulator::Plan ReaderSimulator::planReassign(const ReaderCommand& command
         return {m_scenario.times.reassign, NoPatient, {}};
     if (!pump)
         return {m_scenario.times.reassign, PumpNotFound, {}};
-    // A pump without a pairing needs its code compared first.
+    // An unpaired pump must be paired first, as its user has to compare the code.
     if (pump->patientId.isEmpty())
         return {m_scenario.times.reassign, NotPaired, {}};
     return {m_scenario.times.reassign, 0, [this, command] {
@@ -520,7 +520,7 @@ void ReaderSimulator::writeFirmwareLogs(const QString& version)
 
 void ReaderSimulator::setStatus(const QString& command, const QString& word, const QString& result, int error)
 {
-    // Nothing else in the file would distinguish a second equal answer from the first.
+    // The counter distinguishes two equal answers.
     if (!m_activeFaults.contains("same-header"))
         ++m_statusCount;
     const QString header = QString("QD17-C RemoteControl File %1-%2")
@@ -542,7 +542,7 @@ void ReaderSimulator::setStatus(const QString& command, const QString& word, con
         status.triggers = m_activeFaults.value("stale-until", "1").toInt();
         status.firstBytes = m_activeFaults.value("half-status").toInt();
         status.isFolder = m_activeFaults.contains("folder-status");
-        m_isStatusSpoilt = text.isEmpty() || status.isFolder;
+        m_statusNeedsReset = text.isEmpty() || status.isFolder;
         m_status = text;
         m_drive.setStatus(status);
     }

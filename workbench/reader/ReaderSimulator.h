@@ -16,32 +16,32 @@
 
 class ReaderDrive;
 
-/// Plays the device reader on a drive. One command is at work at a time: a new one takes the place of an unfinished
-/// one, as a reader has no queue. Lives on one thread, whose event loop carries it.
+/// Simulates the device reader on a drive. Executes one command at a time: a new one replaces an unfinished one, as a
+/// reader has no queue. Needs a thread with an event loop.
 class ReaderSimulator final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(ReaderSimulator)
 
 public:
-    /// The drive is open already, not owned, and outlives this object. With @p instant every duration is 0.
+    /// The drive must be open and outlive this object; it is not owned. With @p instant every duration is 0.
     ReaderSimulator(ReaderDrive& drive, const Scenario& scenario, bool instant, QObject* parent = nullptr);
 
-    /// Takes up what an earlier run has kept, writes the first status, the firmware log and the device list, and
-    /// listens. False with a sentence for the user if the kept pairings can't be read or written.
+    /// Loads the saved pairings, writes the first status, the firmware log and the device list, and starts to watch the
+    /// drive. Returns false with an error for the user if the pairings can't be read or written.
     bool start(QString* error);
 
-    /// Pairs a pump with a patient at start(), whatever the scenario or an earlier run says.
-    void pairBeforehand(const QString& serialNumber, const QString& patientId);
+    /// Pairs a pump with a patient at start(), overriding the scenario and earlier runs.
+    void pairAtStart(const QString& serialNumber, const QString& patientId);
 
 Q_SIGNALS:
-    /// One line of what the reader does, for people.
+    /// Emitted with one line about what the reader does.
     void logged(const QString& line);
-    /// The reader can't go on.
+    /// Emitted when the reader can't continue.
     void failed(const QString& error);
 
 private:
-    /// What a command comes to: it takes a time, and then fails with a code or has an effect and a result.
+    /// The execution of a command: after a time it fails with a code, or has an effect and a result.
     struct Plan
     {
         int durationMs = 0;
@@ -51,16 +51,16 @@ private:
 
     void onCommandWritten(const QByteArray& bytes);
     void begin(const ReaderCommand& command);
-    void dropCommand();
+    void cancelCommand();
     void showRunning();
     void onProgress();
     void finish();
 
-    bool leavesAt(const QString& moment) const;
-    QString leaving() const;
-    void leaveWhenSeen();
-    void leave();
-    void comeBack();
+    bool vanishesAt(const QString& moment) const;
+    QString vanishFault() const;
+    void vanishWhenSeen();
+    void vanish();
+    void restore();
 
     static Plan overLink(const Pump& pump, const Plan& plan);
     Plan planFor(const ReaderCommand& command);
@@ -91,7 +91,7 @@ private:
     const bool m_instant;
     FaultSet m_faults;
     ReaderMemory m_memory;
-    QHash<QString, QString> m_pairedBeforehand;
+    QHash<QString, QString> m_pairedAtStart;
     QSet<QString> m_seen;
     int m_statusCount = 0;
     bool m_hasFailed = false;
@@ -103,15 +103,15 @@ private:
     QTimer m_progress;
     QElapsedTimer m_running;
     std::function<void()> m_next;
-    /// Called some time after a trigger has made the latest status visible, so that the computer has read it.
+    /// Called some time after a trigger has made the latest status visible, when the computer has read it.
     std::function<void()> m_whenSeen;
     std::optional<ReaderCommand> m_toConfirm;
-    /// The bytes of the latest status, and of the one ahead of the command at work.
+    /// The bytes of the latest status, and of the one before the current command.
     QByteArray m_status;
     QByteArray m_oldStatus;
-    bool m_isStatusSpoilt = false;
-    bool m_isListSpoilt = false;
-    bool m_isLeaving = false;
+    bool m_statusNeedsReset = false;
+    bool m_listNeedsReset = false;
+    bool m_isVanishing = false;
     QTimer m_return;
     QTimer m_growth;
     QString m_growingFile;

@@ -11,7 +11,7 @@
 namespace {
 
 const int LongestMs = 3600 * 1000;
-/// The commands that speak to one pump, and so can fail because of it.
+/// The commands that address one pump and can fail because of it.
 const QStringList PumpCommands = {"BTPAIR", "BTPAIRCONFIRM", "BTREAD", "BTDELETEADDR", "BTPUMPREASSIGN"};
 
 const QHash<QString, PumpUser> Users{{"confirms", PumpUser::Confirms},
@@ -73,13 +73,13 @@ void readPump(JsonFields& fields, Pump* pump)
         }
     });
 
-    // A result of fewer than three characters says that there is no pump, so no serial number can be as short.
+    // A result of fewer than three characters means that there is no pump, so serial numbers must be longer.
     if (!pump->serialNumber.isNull() && (pump->serialNumber.size() < 3 || pump->serialNumber.contains('"')))
         fields.fail("serialNumber", "must have three characters or more, and no quote");
     if (!pump->address.isNull() && (pump->address.isEmpty() || pump->address.contains(' ')))
-        fields.fail("address", "must not be empty or hold a blank");
+        fields.fail("address", "must not be empty or contain a space");
     if (!pump->patientId.isEmpty() && !isPatientId(pump->patientId))
-        fields.fail("patientId", "must not be \"0\" or begin or end with a blank");
+        fields.fail("patientId", "must not be \"0\", or begin or end with a space");
 }
 
 void refuseTwins(const QVector<Pump>& pumps, const QString& field, QString Pump::*member, QStringList* errors)
@@ -91,7 +91,7 @@ void refuseTwins(const QVector<Pump>& pumps, const QString& field, QString Pump:
             continue;
         if (seen.contains(value))
             errors->append(
-                QString("pumps[%1].%2: \"%3\" is that of pumps[%4] too").arg(i).arg(field, value).arg(seen[value]));
+                QString("pumps[%1].%2: \"%3\" is also that of pumps[%4]").arg(i).arg(field, value).arg(seen[value]));
         seen.insert(value, i);
     }
 }

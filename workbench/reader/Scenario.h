@@ -13,18 +13,18 @@
 #include <limits>
 #include <optional>
 
-/// What the person who carries a pump does when the pump asks for the pairing.
+/// What the pump's user does when the pump asks to confirm the pairing.
 enum class PumpUser {
     Confirms,
     Declines,
-    /// Takes the pump along, so that the link to it breaks.
+    /// Walks away with the pump, so that the link to it breaks.
     WalksAway,
-    /// Leaves the pump's question unanswered until the reader gives up.
+    /// Doesn't answer until the reader times out.
     DoesNothing,
 };
 
-/// True if a pump can be tied to @p patientId. "0" stands for nobody in the device list, and a command file can't tell
-/// a blank at an end from its own.
+/// Returns true if a pump can be paired with @p patientId. "0" means no patient in the device list, and in a command
+/// file a space at either end of an id would be ambiguous.
 bool isPatientId(const QString& patientId);
 
 struct Pump
@@ -33,16 +33,16 @@ struct Pump
     QString name = "Cygnara";
     QString model = "M-300";
     QString address;
-    /// What the pump shows for the user to compare, and BTPAIR answers.
+    /// The code that the pump shows, and that BTPAIR returns for comparison.
     QString confirmationCode = "000000";
     bool inRange = true;
-    /// A command that needs the link to the pump for longer loses it.
+    /// A command that needs the link to the pump for longer fails.
     int linkHoldsMs = std::numeric_limits<int>::max();
     /// The patient that the pump is paired with; empty for none.
     QString patientId;
     PumpUser user = PumpUser::Confirms;
     int userTakesMs = 1000;
-    /// Error codes by command word: such a command fails half way with its code.
+    /// Error codes by command: such a command fails half-way with its code.
     QHash<QString, int> errors;
 };
 
@@ -59,9 +59,9 @@ struct ReaderTimes
     int reassign = 600;
     int remove = 600;
     int abort = 300;
-    /// How long the reader waits for the pump's user.
+    /// The maximum time that the reader waits for the pump's user.
     int userLimit = 30000;
-    /// The pause between two statuses of a command that runs; 0 for a single one.
+    /// The interval between two statuses of a running command; 0 for a single status.
     int progress = 500;
 };
 
@@ -71,7 +71,7 @@ struct ExchangeSettings
     QDate lastDay = QDate(2026, 3, 1);
 };
 
-/// The reader's whole world.
+/// The reader and the pumps around it.
 struct Scenario
 {
     QString firmware = "3.2.23";

@@ -28,7 +28,7 @@ void TrafficReplay::start()
         playNext();
     m_drive.showStatus();
     m_drive.listen();
-    // The plug-in's commands hold its patient's key, so whoever plays the recording has to know it.
+    // The plug-in's commands contain its patient's key, so the replay needs a patient with the same one.
     const QByteArray query = QByteArrayLiteral("Command=BTISPAIRED ");
     for (const TrafficEntry& entry : m_entries) {
         const int at = entry.isCommand() && entry.bytes ? entry.bytes->indexOf(query) : -1;
@@ -41,13 +41,13 @@ void TrafficReplay::start()
 
 bool TrafficReplay::atAnswer() const
 {
-    // A command that goes away, as with the whole drive, waits for nobody.
+    // A removed command file, as with the whole drive, isn't a command to wait for.
     return m_next < m_entries.size() && !(m_entries.at(m_next).isCommand() && m_entries.at(m_next).bytes);
 }
 
 void TrafficReplay::onCommandWritten(const QByteArray& bytes)
 {
-    // A computer that is quicker than the one recorded finds the drive as that one left it.
+    // A computer that is faster than the recorded one finds the drive in the same state.
     m_timer.stop();
     while (atAnswer())
         playNext();
@@ -57,7 +57,7 @@ void TrafficReplay::onCommandWritten(const QByteArray& bytes)
     });
     const QString command = QString::fromUtf8(bytes).section('\n', 1);
     if (found == m_entries.cend()) {
-        Q_EMIT logged(QString("left \"%1\" unanswered: the recording has no such command from here on").arg(command));
+        Q_EMIT logged(QString("doesn't answer \"%1\": the rest of the recording has no such command").arg(command));
         return;
     }
     Q_EMIT logged(QString("answers \"%1\" as recorded at %2 ms").arg(command).arg(found->ms));

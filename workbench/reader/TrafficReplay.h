@@ -9,24 +9,24 @@
 
 class ReaderDrive;
 
-/// Plays the reader's side of a recording: each command that the drive gets is looked up in the recording, from the
-/// last one on, and answered with what the reader did there, at the same pace.
+/// Replays the reader's side of a recording: searches each command that the drive receives in the recording, after the
+/// previous one, and repeats what the reader did, at the same pace.
 class TrafficReplay final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(TrafficReplay)
 
 public:
-    /// The drive is open already, not owned, and outlives this object. With @p instant nothing takes time.
+    /// The drive must be open and outlive this object; it is not owned. With @p instant every duration is 0.
     TrafficReplay(ReaderDrive& drive, const QVector<TrafficEntry>& entries, bool instant, QObject* parent = nullptr);
 
-    /// Lays out what the reader had before the first command, and listens.
+    /// Writes the files that the reader had before the first command, and starts to watch the drive.
     void start();
 
 Q_SIGNALS:
-    /// One line of what happens, for people.
+    /// Emitted with one line about what happens.
     void logged(const QString& line);
-    /// The reader can't go on.
+    /// Emitted when the replay can't continue.
     void failed(const QString& error);
 
 private:

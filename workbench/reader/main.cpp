@@ -20,19 +20,19 @@
 namespace {
 
 const QVector<CommandLine::Option> Options{
-    {"scenario", "FILE", "Play the world that FILE describes."},
-    {"check-scenario", nullptr, "Check the scenario file and end. Needs no DRIVE."},
-    {"fault", "FAULT", "Misbehave: NAME[=VALUE][@COMMAND][:once]. Repeatable."},
-    {"list-faults", nullptr, "Name all faults and end."},
-    {"pair", "SERIAL=PATIENT", "Begin with this pump paired with this patient. Repeatable."},
-    {"instant", nullptr, "Let no step take time."},
-    {"seed", "N", "Draw everything that varies from N; the same N gives the same run."},
-    {"record", "FILE", "Write all traffic of the drive down in FILE, as JSON lines."},
-    {"watch-only", nullptr, "Record a drive that another reader serves; play nothing."},
-    {"replay", "FILE", "Answer as the reader did whose traffic FILE recorded."},
+    {"scenario", "FILE", "Simulate the reader and pumps that FILE describes."},
+    {"check-scenario", nullptr, "Check the scenario file and exit. Needs no DRIVE."},
+    {"fault", "FAULT", "Inject a fault: NAME[=VALUE][@COMMAND][:once]. Repeatable."},
+    {"list-faults", nullptr, "List all faults and exit."},
+    {"pair", "SERIAL=PATIENT", "Start with this pump paired with this patient. Repeatable."},
+    {"instant", nullptr, "Run without delays."},
+    {"seed", "N", "Seed for everything that varies; the same seed yields the same run."},
+    {"record", "FILE", "Record all traffic of the drive in FILE, as JSON lines."},
+    {"watch-only", nullptr, "Only record a drive that another reader serves."},
+    {"replay", "FILE", "Answer as the reader in the recording FILE did."},
     {"anonymise", "FILE",
-     "Write the recording FILE without personal data to a second one, named in place of DRIVE, and end."},
-    {"log", "FILE", "Append what happens to FILE instead of standard error."},
+     "Write the recording FILE without personal data to a second one, named in place of DRIVE, and exit."},
+    {"log", "FILE", "Append the log to FILE instead of standard error."},
 };
 
 const struct
@@ -43,16 +43,14 @@ const struct
 } Exclusions[] = {
     {"watch-only",
      {"scenario", "fault", "pair", "instant", "seed", "replay"},
-     "plays nothing, so only --record and --log go with it"},
-    {"replay",
-     {"scenario", "fault", "pair", "seed"},
-     "plays what was recorded, so no scenario, fault, pair or seed goes with it"},
+     "excludes all options except --record and --log"},
+    {"replay", {"scenario", "fault", "pair", "seed"}, "excludes --scenario, --fault, --pair and --seed"},
     {"anonymise",
      {"scenario", "check-scenario", "fault", "pair", "instant", "seed", "record", "replay", "log"},
-     "converts a recording, and no other option goes with it"},
+     "excludes all other options"},
 };
 
-/// The scenario with what the command line adds to it.
+/// Loads the scenario and adds the options of the command line.
 int scenarioFor(const CommandLine& line, Scenario* scenario)
 {
     if (line.isSet("scenario")) {
@@ -92,14 +90,14 @@ std::optional<int> checkCall(const CommandLine& line)
                                                        : "exactly one DRIVE expected");
 }
 
-/// Runs until the program is told to stop or something fails.
+/// Runs until the program is asked to stop or something fails.
 int serve(const QString& announcement)
 {
     print(announcement);
     return QCoreApplication::exec();
 }
 
-/// Logs with the time what the simulator or the replay does, and ends the program with the first failure.
+/// Logs the messages of the simulator or the replay with their time, and ends the program on the first failure.
 template <class Reader>
 void observe(const Reader& reader, LogFile& log)
 {
@@ -114,7 +112,7 @@ void observe(const Reader& reader, LogFile& log)
     QObject::connect(&reader, &Reader::failed, qApp, giveUp, Qt::QueuedConnection);
 }
 
-int playRecording(const CommandLine& line, ReaderDrive& drive, LogFile& log)
+int replayRecording(const CommandLine& line, ReaderDrive& drive, LogFile& log)
 {
     QStringList errors;
     const std::optional<QVector<TrafficEntry>> entries = loadTraffic(line.value("replay"), &errors);
@@ -126,7 +124,7 @@ int playRecording(const CommandLine& line, ReaderDrive& drive, LogFile& log)
     return serve(QString("merivo-reader: replaying on %1").arg(drive.path()));
 }
 
-int playScenario(const CommandLine& line, const Scenario& scenario, ReaderDrive& drive, LogFile& log)
+int runScenario(const CommandLine& line, const Scenario& scenario, ReaderDrive& drive, LogFile& log)
 {
     ReaderSimulator reader(drive, scenario, line.isSet("instant"));
     observe(reader, log);
@@ -136,7 +134,7 @@ int playScenario(const CommandLine& line, const Scenario& scenario, ReaderDrive&
         const QString patientId = pair.section('=', 1);
         if (serialNumber.isEmpty() || !isPatientId(patientId))
             return complain(WrongCall, QString("--pair: \"%1\" isn't SERIAL=PATIENT").arg(pair));
-        reader.pairBeforehand(serialNumber, patientId);
+        reader.pairAtStart(serialNumber, patientId);
     }
     QString error;
     if (!reader.start(&error))
@@ -149,8 +147,8 @@ int serveDrive(const CommandLine& line, const Scenario& scenario, ReaderDrive& d
     if (line.isSet("watch-only"))
         return serve(QString("merivo-reader: watching %1").arg(drive.path()));
     if (line.isSet("replay"))
-        return playRecording(line, drive, log);
-    return playScenario(line, scenario, drive, log);
+        return replayRecording(line, drive, log);
+    return runScenario(line, scenario, drive, log);
 }
 
 int run(const CommandLine& line)
@@ -171,7 +169,7 @@ int run(const CommandLine& line)
     if (const int status = scenarioFor(line, &scenario))
         return status;
     if (line.isSet("check-scenario")) {
-        print(QString("%1: sound").arg(line.value("scenario")));
+        print(QString("%1: valid").arg(line.value("scenario")));
         return Success;
     }
 
@@ -185,7 +183,7 @@ int run(const CommandLine& line)
     if (!line.isSet("watch-only") && !drive.open(&error))
         return complain(Failure, error);
     TrafficRecorder recorder(drive.path());
-    // Told at once, also behind the event loop's end; only the end has to wait until the loop runs.
+    // Reports at once, also after the event loop has ended; only exit() needs a running loop.
     QObject::connect(&recorder, &TrafficRecorder::failed, qApp, [](const QString& fault) { complain(Failure, fault); });
     QObject::connect(
         &recorder, &TrafficRecorder::failed, qApp, [] { QCoreApplication::exit(Failure); }, Qt::QueuedConnection);
@@ -202,7 +200,7 @@ int run(const CommandLine& line)
 int main(int argc, char** argv)
 {
     CommandLine line("merivo-reader", MERIVO_VERSION,
-                     "Plays the device reader on the folder or removable drive DRIVE.");
+                     "Simulates the device reader on the folder or removable drive DRIVE.");
     line.addPositionalArgument("DRIVE", "The root of the reader's drive; it must exist.");
     if (const auto status = line.read(argc, argv, Options, {"fault", "pair"}))
         return *status;
