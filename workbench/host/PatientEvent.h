@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Merivo Connections developers
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/HostEvents.h"
+#include "host/IDatabase.h"
+
+/// An event that brings a patient. Events are shared, so it holds the values of the moment.
+template <class Event>
+class PatientEvent final : public Event
+{
+public:
+    explicit PatientEvent(const PatientRecord& patient)
+        : m_patient(patient)
+    {}
+
+    QString puid() const override { return m_patient.puid; }
+    QStringList pids() const override { return m_patient.ids; }
+    QString pid(int index) const override { return m_patient.ids.value(index); }
+    QString patientText0() const override { return {}; }
+    QString diaryName() const override { return QString("%1.dia").arg(m_patient.puid); }
+    QString patientText1() const override { return {}; }
+    QString patientText2() const override { return {}; }
+
+private:
+    const PatientRecord m_patient;
+};
