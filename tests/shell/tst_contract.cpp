@@ -89,14 +89,6 @@ private Q_SLOTS:
         QVERIFY(m_loader.unload());
     }
 
-    void defaults()
-    {
-        const IExtension extension;
-        QCOMPARE(extension.title() + ' ' + extension.description() + ' ' + extension.copyright(), QString("? ??? ??"));
-        QCOMPARE(extension.version(), QString("x.x.x.x"));
-        QVERIFY(IServices::DatabasePath == 2 && IServices::TranslationsPath == 9);
-    }
-
     void orderOfOperations()
     {
 #if !defined(__x86_64__) || defined(_WIN32)

@@ -8,8 +8,15 @@
 
 namespace {
 
+struct Message
+{
+    QtMsgType type;
+    QString category;
+    QString text;
+};
+
 std::mutex s_mutex;
-QList<MessageCapture::Message> s_messages;
+QList<Message> s_messages;
 QStringList* s_journal = nullptr;
 QtMessageHandler s_previous = nullptr;
 
@@ -19,12 +26,9 @@ void capture(QtMsgType type, const QMessageLogContext& context, const QString& t
     if (text == QLatin1String("This plugin does not support propagateSizeHints()"))
         return;
     const std::lock_guard<std::mutex> lock(s_mutex);
-    QString origin;
-    if (context.file || context.line || context.function)
-        origin = QStringLiteral("%1:%2 %3").arg(context.file).arg(context.line).arg(context.function);
-    s_messages.append({type, QString::fromLatin1(context.category), text, origin});
+    s_messages.append({type, QString::fromLatin1(context.category), text});
     if (s_journal)
-        s_journal->append(QStringLiteral("qt|") + text);
+        s_journal->append(QStringLiteral("qt|") + QLatin1String(context.file) + text);
 }
 
 } // namespace
@@ -43,17 +47,11 @@ MessageCapture::~MessageCapture()
     QLoggingCategory::setFilterRules({});
 }
 
-QList<MessageCapture::Message> MessageCapture::messages() const
-{
-    const std::lock_guard<std::mutex> lock(s_mutex);
-    return s_messages;
-}
-
 QStringList MessageCapture::texts(QtMsgType type, const QString& category) const
 {
+    const std::lock_guard<std::mutex> lock(s_mutex);
     QStringList found;
-    const QList<Message> all = messages();
-    for (const Message& message : all) {
+    for (const Message& message : qAsConst(s_messages)) {
         if (message.type == type && (category.isEmpty() || message.category == category))
             found.append(message.text);
     }

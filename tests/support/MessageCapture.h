@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -12,19 +11,11 @@ class MessageCapture final
     Q_DISABLE_COPY_MOVE(MessageCapture)
 
 public:
-    struct Message
-    {
-        QtMsgType type;
-        QString category;
-        QString text;
-        QString origin; ///< "file:line function" as far as the message names them
-    };
-
-    /// Each message gets a line "qt|text" in @p journal, if given, at the moment when it comes.
+    /// Each message gets a line "qt|text" in @p journal, if given, at the moment when it comes. A source file that
+    /// it names precedes the text.
     explicit MessageCapture(QStringList* journal = nullptr);
     ~MessageCapture();
 
-    QList<Message> messages() const;
     /// The texts of one level, of all categories or of one.
     QStringList texts(QtMsgType type, const QString& category = {}) const;
     void clear();

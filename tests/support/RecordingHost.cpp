@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "support/RecordingHost.h"
 
+#include "workbench/host/PatientEvent.h"
+
 IExtensionPoint* RecordingHost::extensionPoint(const QString& name)
 {
     journal.add(QStringLiteral("extensionPoint('%1')").arg(name));
@@ -17,6 +19,12 @@ IExtensionPoint* RecordingHost::extensionPoint(const QString& name)
 
 void RecordingHost::openDiary(const QString& puid, const QStringList& pids)
 {
-    Q_EMIT publisher.diarySessionOpened(IDiarySessionOpenedEvtPtr(
-        new PatientEvent<IDiarySessionOpenedEvt>(puid, pids, QStringLiteral("diary ") + puid)));
+    using Event = PatientEvent<IDiarySessionOpenedEvt>;
+    Q_EMIT publisher.diarySessionOpened(IDiarySessionOpenedEvtPtr(new Event({puid, pids})));
+}
+
+void RecordingHost::changePatient(const QString& puid, const QStringList& pids)
+{
+    using Event = PatientEvent<IPatientChangedEvt>;
+    Q_EMIT publisher.patientChanged(IPatientChangedEvtPtr(new Event({puid, pids})));
 }

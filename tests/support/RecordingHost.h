@@ -65,7 +65,7 @@ public:
         return static_cast<quintptr>(level);
     }
 
-    QHash<int, QString> paths{{DatabasePath, QStringLiteral("/data/open.db")}};
+    QHash<int, QString> paths{{2, QStringLiteral("/data/open.db")}};
     IPlugin* lastSource = nullptr;
     std::function<void(const QString& message)> beforeLogLine; ///< called before each record, if set
 };
@@ -102,7 +102,7 @@ public:
     IDevice* acquireDevice(int type, const QString& name) override
     {
         m_journal.add(QStringLiteral("acquireDevice(%1, '%2')").arg(type).arg(name));
-        return hasDevice ? new RecordingDevice(m_journal, drivePath) : nullptr;
+        return new RecordingDevice(m_journal, drivePath);
     }
     bool setDeviceHold(bool hold) override
     {
@@ -110,7 +110,6 @@ public:
         return holdChanges;
     }
 
-    bool hasDevice = true;
     QString drivePath;
     bool holdChanges = false; ///< what setDeviceHold() returns
 };
@@ -128,11 +127,6 @@ public:
     }
 
     std::vector<std::unique_ptr<IImportDataCmd>> imports; ///< the import commands received, owned as a host owns them
-};
-
-class RecordingEventPublisher final : public IEventPublisher
-{
-    Q_OBJECT
 };
 
 class RecordingDatabase final : public IDatabase, private Recorder
@@ -165,40 +159,16 @@ class RecordingHost final : public IExtensionRegistry
 public:
     void* reserved0() override { return nullptr; }
     IExtensionPoint* extensionPoint(const QString& name) override;
-    /// Emits diarySessionOpened() for that patient.
+    /// Emit diarySessionOpened() and patientChanged() for that patient.
     void openDiary(const QString& puid, const QStringList& pids = {});
+    void changePatient(const QString& puid, const QStringList& pids);
 
     Journal journal;
     RecordingServices services{journal};
     RecordingDeviceAdmin deviceAdmin{journal};
     RecordingCommandHandler commandHandler{journal};
-    RecordingEventPublisher publisher;
+    IEventPublisher publisher;
     RecordingDatabase database{journal};
     IEventPublisher* foundPublisher = &publisher; ///< the plug-in deletes it when it finds another one
     IDatabase* foundDatabase = &database;         ///< likewise
-};
-
-/// A diary or patient event with settable values: PatientEvent<IDiarySessionOpenedEvt>,
-/// PatientEvent<IPatientChangedEvt>.
-template <typename Event>
-class PatientEvent final : public Event
-{
-public:
-    PatientEvent(const QString& puid, const QStringList& pids, const QString& diaryName)
-        : m_puid(puid)
-        , m_pids(pids)
-        , m_diaryName(diaryName)
-    {}
-    QString puid() const override { return m_puid; }
-    QStringList pids() const override { return m_pids; }
-    QString pid(int index) const override { return m_pids.value(index); }
-    QString patientText0() const override { return {}; }
-    QString diaryName() const override { return m_diaryName; }
-    QString patientText1() const override { return {}; }
-    QString patientText2() const override { return {}; }
-
-private:
-    QString m_puid;
-    QStringList m_pids;
-    QString m_diaryName;
 };
