@@ -33,6 +33,8 @@
 
 #include <unistd.h>
 
+int runStaleDrive(int commands);
+
 namespace {
 
 constexpr unsigned MaxRealSeconds = 240; // from one report to the next
@@ -315,6 +317,8 @@ int main(int argc, char** argv)
     VirtualTime::endIdleThreads();
     QLocale::setDefault(QLocale("de_DE"));
     const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == "stale-drive")
+        return runStaleDrive(arguments.value(2).toInt());
     HostOptions options;
     options.plugin = arguments.value(1);
     const QString folder = arguments.value(2);

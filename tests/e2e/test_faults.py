@@ -7,10 +7,11 @@ import collections
 import itertools
 import random
 import signal
+import subprocess
 
 import faults
 from conftest import is_whole
-from station import FREE, RICHARDS, TIMES, Unexpected, Wrong, plain
+from station import ENVIRONMENT, FREE, RICHARDS, TIMES, Unexpected, Wrong, plain, programs
 
 FILE_FAILURES = ["open", "read", "cut-read", "write", "no-space", "close", "list", "kill", "full-database"]
 # For cases that go through all file operations: each state of a command is seen by few polls.
@@ -145,3 +146,18 @@ def test_random_faults(seed, make_station):
         if not run.boxes and not any("half-status" in case.name for case in cases):
             station.check_label("P-1", run.label)
     check_next_run(station, True)
+
+
+def test_equal_runs_are_alike(make_station):
+    """Time and order don't depend on how busy the computer is."""
+    runs = []
+    for _ in range(2):
+        run = carry_out(make_station(faults=["slow=700", "stale-until=2@BTPAIR"]), "add")
+        runs.append((run.records, run.now))
+    assert runs[0] == runs[1]
+
+
+def test_stale_drive(build, request):
+    """No command takes the result of another one from a drive that shows old statuses first."""
+    count = "10000" if is_whole(request.config) else "1000"
+    subprocess.run([programs(build)["station"], "stale-drive", count], env=ENVIRONMENT, check=True)
