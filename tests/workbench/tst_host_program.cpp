@@ -177,7 +177,7 @@ private Q_SLOTS:
             {"quit", "--plugin=iid.so", "1 merivo-host: plug-in 'iid.so': has the interface id"},
             {"# steps\n\nquit\njump m_Button", "--log=log", "1 merivo-host: steps:4: unknown step 'jump'"},
             {"click", "--log=log", "1 merivo-host: steps:1: write click NAME"},
-            {"quit\ntype \"a", "--log=log", "1 merivo-host: steps:2: a quote isn't closed"},
+            {"quit\ntype \"a", "--log=log", "1 merivo-host: steps:2: unterminated quote"},
             {"click a within soon", "--log=log", "1 merivo-host: steps:1: 'within' takes seconds"},
         };
         for (const auto& [steps, options, end] : rows) {
@@ -208,7 +208,7 @@ private Q_SLOTS:
     {
         const std::pair<const char*, const char*> rows[] = {
             {"expect m_x text equals new", "there is no 'm_x'"},
-            {"click patientTable within 0.1", "'patientTable' is behind a modal window"},
+            {"click patientTable within 0.1", "'patientTable' is blocked by a modal window"},
             {"quit within 0.1", "the window stays open"},
         };
         for (const auto& [step, seen] : rows) {

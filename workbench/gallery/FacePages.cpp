@@ -37,7 +37,7 @@ LmClickFrame* makeFrame(const QString& text, bool isMarked)
     return frame;
 }
 
-/// Pictures at the edges, corners and the middle of a rectangle, and two hatched areas side by side.
+/// Paints pictures at the edges, corners and the centre of a rectangle, and two hatched areas.
 class Canvas final : public QWidget
 {
 public:
@@ -168,9 +168,9 @@ GalleryPage messagesPage()
         new LmMessageBox(QMessageBox::Warning, "A title that is wider than the text", "Short.", QMessageBox::Ok, page);
     QObject::connect(addButton("A warning"), &QAbstractButton::clicked, warning, &QDialog::open);
     auto* const question =
-        new LmMessageBox(QMessageBox::Question, "Question", "The first line of the question.<br/>Shall it be so?",
+        new LmMessageBox(QMessageBox::Question, "Question", "The first line of the question.<br/>Continue?",
                          QMessageBox::Yes | QMessageBox::No, page);
-    question->setButtonText(QMessageBox::Yes, "Yes, with a text of its own");
+    question->setButtonText(QMessageBox::Yes, "Yes, with a custom text");
     QObject::connect(addButton("A question"), &QAbstractButton::clicked, question, &QDialog::open);
 
     auto* const tooltip = new LmTooltip(page);

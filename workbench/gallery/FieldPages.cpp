@@ -21,7 +21,7 @@ namespace {
 
 const QDate Sample(2024, 3, 12);
 
-/// QCalendarWidget's own size is too small for some locales' names of days: it would cut "Mo.".
+/// Widens the calendar: the size of QCalendarWidget cuts off the names of days in some locales.
 void widen(QCalendarWidget* calendar)
 {
     calendar->setMinimumWidth(calendar->sizeHint().width() + 70);
@@ -71,7 +71,7 @@ GalleryPage numbersPage()
     auto* const low = new LmDoubleSpinBox;
     low->setSpecialValueText("low");
     low->setRange(0.5, 20);
-    form->addRow("The least reads \"low\"", low);
+    form->addRow("The minimum reads \"low\"", low);
 
     auto* const glucose = new BgDoubleSpinBox;
     glucose->setSuffix(" mg/dl");
@@ -93,7 +93,7 @@ GalleryPage datesPage()
     auto* const quarters = new LmTimeEdit(QTime(10, 15));
     quarters->setMinuteStep(15);
     auto* const edits = new QFormLayout;
-    edits->addRow("Date, with the house calendar", date);
+    edits->addRow("Date, with the toolkit's calendar", date);
     edits->addRow("Time", minutes);
     edits->addRow("Time, in quarters of an hour", quarters);
 

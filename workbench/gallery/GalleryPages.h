@@ -7,14 +7,14 @@
 
 class QWidget;
 
-/// A group of widgets that belong together, each at work. Its texts are English in any locale; what the toolkit itself
-/// writes, numbers, dates and names of days, is in the default locale, which has to be set before.
+/// A group of related widgets. The labels are English in any locale; numbers, dates and names of days are in the
+/// default locale, which must be set before.
 struct GalleryPage
 {
-    QString name; ///< Of its picture's file, without the ending.
+    QString name; ///< File name of its picture, without the extension.
     QString title;
-    QWidget* widget = nullptr;      ///< Without a parent; whoever asked for the page owns it.
-    QVector<QWidget*> windows = {}; ///< Menus and windows that the page opens, children of its widget.
+    QWidget* widget = nullptr;      ///< Without a parent; owned by the caller.
+    QVector<QWidget*> windows = {}; ///< Menus and windows that the page opens; children of its widget.
 };
 
 GalleryPage numbersPage();
@@ -27,5 +27,5 @@ GalleryPage buttonsPage();
 GalleryPage picturesPage();
 GalleryPage messagesPage();
 
-/// All of them in the order of the window.
+/// Returns all pages in their order in the window.
 QVector<GalleryPage> galleryPages();

@@ -128,7 +128,7 @@ GalleryPage progressPage()
     form->addRow("Hold", row);
 
     auto* const dialog = new LmProgressDialog("%L1%", page);
-    dialog->setMinimumDuration(24 * 60 * 60 * 1000); // It opens by its button, not by itself.
+    dialog->setMinimumDuration(24 * 60 * 60 * 1000); // Opened only by its button.
     dialog->reset();
     dialog->setAutoClose(false);
     dialog->setAutoReset(false);

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Weeks and days off as the default locale has them.
+/// The first day of the week and the weekend of the default locale.
 class GalleryConfig final : public LmGuiConfig
 {
 public:
@@ -27,7 +27,7 @@ public:
     int firstWeekDay() const override { return QLocale().firstDayOfWeek() - Qt::Monday; }
 };
 
-/// Shows the widget for a moment.
+/// Returns a picture of the widget, which is shown for a moment.
 QPixmap pictureOf(QWidget* widget)
 {
     if (auto* menu = qobject_cast<QMenu*>(widget)) {
@@ -46,7 +46,7 @@ QPixmap pictureOf(QWidget* widget)
 int writePictures(const QVector<GalleryPage>& pages, const QDir& folder)
 {
     if (!folder.mkpath("."))
-        return complain(Failure, QString("can't make the folder %1").arg(folder.path()));
+        return complain(Failure, QString("can't create the folder %1").arg(folder.path()));
     for (const GalleryPage& page : pages) {
         QVector<QWidget*> widgets = page.windows;
         widgets.prepend(page.widget);
@@ -71,10 +71,11 @@ void passMessage(QtMsgType, const QMessageLogContext&, const QString& text)
 int main(int argc, char** argv)
 {
     CommandLine line("merivo-gallery", MERIVO_VERSION, "Shows every widget of the toolkit in one window.");
-    const auto status = line.read(argc, argv,
-                                  {{"locale", "NAME", "Locale of the run, such as de_DE. Default: the system's."},
-                                   {"rtl", nullptr, "Lay out from right to left. Default: as the locale is written."},
-                                   {"write", "FOLDER", "Write PNGs of each group into this folder, and end."}});
+    const auto status =
+        line.read(argc, argv,
+                  {{"locale", "NAME", "Locale, such as de_DE. Default: the system's."},
+                   {"rtl", nullptr, "Lay out from right to left. Default: the direction of the locale."},
+                   {"write", "FOLDER", "Write PNGs of each group into this folder, and exit."}});
     if (status)
         return *status;
     if (const auto wrong = line.refusePositional())
@@ -83,13 +84,13 @@ int main(int argc, char** argv)
         return *wrong;
     const QString folder = line.value("write");
     if (!folder.isEmpty())
-        qputenv("QT_QPA_PLATFORM", "offscreen"); // So the pictures don't depend on a display, nor need one.
+        qputenv("QT_QPA_PLATFORM", "offscreen"); // The pictures need no display and don't depend on one.
     else if (Platform::isWithoutDisplay())
         return complain(Failure, "there is no display for the window; --write needs none");
 
     qInstallMessageHandler(passMessage);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    int onlyTheName = 1; // the rest are options of ours, of which Qt would take some for its own
+    int onlyTheName = 1; // Qt would interpret some of our options as its own
     QApplication application(onlyTheName, argv);
     QApplication::setApplicationDisplayName("Merivo Gallery");
     const GalleryConfig config;
@@ -97,7 +98,7 @@ int main(int argc, char** argv)
     QApplication::setLayoutDirection(line.isSet("rtl") ? Qt::RightToLeft : QLocale().textDirection());
     QFile styleSheet(":/gallery.qss");
     if (!styleSheet.open(QIODevice::ReadOnly))
-        return complain(Failure, "the gallery's own style sheet is missing");
+        return complain(Failure, "the gallery's style sheet is missing");
     application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
 
     const QVector<GalleryPage> pages = galleryPages();

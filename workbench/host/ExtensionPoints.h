@@ -12,7 +12,7 @@ class HostLog;
 class ICommandHandler;
 class IEventPublisher;
 
-/// "ServicesExtensionPoint" over the log and the open database.
+/// "ServicesExtensionPoint", based on the log and the open database.
 class HostServices final : public IServices
 {
 public:
@@ -30,7 +30,7 @@ private:
     HostDatabase& m_database;
 };
 
-/// "DatabaseExtensionPoint": the open database as plug-ins see it. Any other path or GUID is unknown.
+/// "DatabaseExtensionPoint": access to the open database. Any other path or GUID is unknown.
 class DatabasePoint final : public IDatabase
 {
     Q_OBJECT
@@ -38,7 +38,7 @@ class DatabasePoint final : public IDatabase
 public:
     DatabasePoint(HostLog& log, HostDatabase& database);
 
-    /// Imports by a cache file aren't offered; says so in the log.
+    /// Logs an error: imports by a cache file aren't supported.
     void import(QString cache, IPlugin* pPlugin) override;
     QString databaseGuid(const QString& path) override;
     void reserved2() override {}
@@ -50,10 +50,10 @@ private:
     HostLog& m_log;
     HostDatabase& m_database;
     QMap<QString, PatientRecord> m_patients; ///< as of m_revision
-    QString m_revision;                      ///< empty if there are none
+    QString m_revision;                      ///< empty if nothing was read
 };
 
-/// The registry that a plug-in gets: finds the five extension points by their names. Owns those made here; the others
+/// The registry passed to a plug-in: finds the five extension points by name. Owns those that it creates; the others
 /// must outlive it, and all must outlive the plug-in.
 class ExtensionPoints final : public IExtensionRegistry
 {

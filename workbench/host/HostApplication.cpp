@@ -24,13 +24,13 @@ QString inDataFolder(const QString& name)
     return QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).filePath(name);
 }
 
-/// The database of a user who names none.
+/// Returns the path of the default database.
 QString databaseOf(const HostOptions& options)
 {
     return options.database.isEmpty() ? inDataFolder("patients.sqlite") : options.database;
 }
 
-/// What a run without a user at the window leaves behind is for whoever runs it to say.
+/// Returns the folder for diagnostics, or an empty path: the robot keeps none by default.
 QString diagnosticsFolderOf(const HostOptions& options)
 {
     if (!options.diagnostics.isEmpty())
@@ -50,7 +50,7 @@ HostApplication::~HostApplication()
 {
     if (m_reportThread)
         m_reportThread->wait();
-    // No event loop delivers its end any more, but the log is to have it.
+    // The event loop has ended and can't deliver the thread's end, which must be logged.
     QCoreApplication::sendPostedEvents(&m_window, QEvent::MetaCall);
     m_events.closeDiary();
     Q_EMIT m_events.appShutdown(IShutdownEvtPtr::create());
@@ -116,22 +116,22 @@ bool HostApplication::startDiagnostics(QString* error)
         return true;
     m_folderLock = std::make_unique<QLockFile>(folder + "/.lock");
     m_folderLock->setStaleLockTime(0);
-    // Two hosts in one folder would rotate each other's log.
-    QString problem = QString("diagnostics folder '%1': it can't be made, written to, or is in use").arg(folder);
+    // Two hosts in one folder would rotate each other's log files.
+    QString problem = QString("diagnostics folder '%1': it can't be created or written to, or is in use").arg(folder);
     const bool isOurs = QDir().mkpath(folder) && m_folderLock->tryLock();
     if (isOurs && (!m_options.log.isEmpty() || m_log.openFile(QDir(folder).filePath(LogName), &problem, KeptLog))) {
         m_diagnosticsFolder = folder;
         keepTraffic();
         return true;
     }
-    // A user who hasn't asked for diagnostics can work without them.
+    // Diagnostics that weren't requested are optional.
     if (m_options.diagnostics.isEmpty())
         m_log.write("host", "Warning", problem);
     *error = problem;
     return m_options.diagnostics.isEmpty();
 }
 
-/// The drive is looked at while the plug-in holds it, and left alone otherwise.
+/// Watches the drive only while the plug-in holds it.
 void HostApplication::keepTraffic()
 {
     m_trafficKeeper = std::make_unique<TrafficKeeper>(m_diagnosticsFolder, TrafficLimits());
@@ -146,7 +146,7 @@ void HostApplication::keepTraffic()
     });
 }
 
-/// On a thread of its own, since the window mustn't wait for much text.
+/// Writes the report on a separate thread, as large logs would block the window.
 void HostApplication::writeReport(const QString& path, bool withPersonalData)
 {
     if (m_reportThread && m_reportThread->isRunning()) {
@@ -177,7 +177,7 @@ bool HostApplication::saveReport(const HostOptions& options, QString* sentence)
 {
     m_options = options;
     m_diagnosticsFolder = diagnosticsFolderOf(options);
-    // Opening would make a new one.
+    // HostDatabase::open() would create a missing file.
     if (QFileInfo::exists(databaseOf(options)))
         m_database.open(databaseOf(options));
     ReportSources sources = reportSources();

@@ -20,8 +20,7 @@
 struct ReportSources;
 class QThread;
 
-/// The whole host: owns all its pieces, in the order in which they depend on each other, and starts them. The plug-in
-/// goes before all that it was given.
+/// The host: owns and starts all its parts. Destroys the plug-in before the objects passed to it.
 class HostApplication final
 {
 public:
@@ -29,12 +28,12 @@ public:
     ~HostApplication();
     Q_DISABLE_COPY_MOVE(HostApplication)
 
-    /// Opens log and database, loads the plug-in, opens the asked-for diary and shows the window. On a failure the
-    /// error is one sentence and nothing is shown.
+    /// Opens log and database, loads the plug-in, opens the requested diary and shows the window. If that fails, sets
+    /// @p error to one sentence and shows nothing.
     bool start(const HostOptions& options, QString* error);
 
-    /// Writes a report on earlier runs, without starting anything. The sentence tells what was written, or what was
-    /// wrong.
+    /// Writes a report on earlier runs without starting anything. The sentence describes what was written, or the
+    /// error.
     bool saveReport(const HostOptions& options, QString* sentence);
 
     HostLog& log() { return m_log; }
@@ -51,7 +50,7 @@ private:
     ReportSources reportSources();
 
     HostOptions m_options;
-    QString m_diagnosticsFolder; // empty: nothing is kept
+    QString m_diagnosticsFolder; // empty: no diagnostics
     std::unique_ptr<QLockFile> m_folderLock;
     HostLog m_log;
     HostDatabase m_database;
@@ -62,5 +61,5 @@ private:
     PluginHost m_pluginHost;
     HostWindow m_window;
     std::unique_ptr<TrafficKeeper> m_trafficKeeper;
-    std::unique_ptr<QThread> m_reportThread; // of the last report
+    std::unique_ptr<QThread> m_reportThread; // of the latest report
 };

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// "MVHO": tells our databases from SQLite files of other programs.
+/// "MVHO": distinguishes our databases from SQLite files of other programs.
 constexpr int ApplicationId = 0x4d56484f;
 
 constexpr const char* Schema[] = {
@@ -30,12 +30,12 @@ constexpr const char* Schema[] = {
     " imported_at TEXT NOT NULL, file_name TEXT NOT NULL, file_size INTEGER NOT NULL CHECK (file_size >= 0),"
     " mac TEXT NOT NULL CHECK (length(mac) = 64), device_state TEXT NOT NULL,"
     " UNIQUE (puid, mac))",
-    // The bytes stand apart, so that a list of imports doesn't read them.
+    // The bytes have their own table, so that listing the imports doesn't read them.
     ("CREATE TABLE import_files ("
      " import_id INTEGER PRIMARY KEY REFERENCES imports (id) ON DELETE CASCADE, bytes BLOB NOT NULL)"),
 };
 
-/// What a result code of SQLite means to the user; the extended codes carry the plain one in their low byte.
+/// Describes a result code of SQLite for users. The low byte of an extended code is the primary code.
 QString meaningOf(const QSqlError& error)
 {
     switch (error.nativeErrorCode().toInt() & 0xff) {
@@ -51,7 +51,7 @@ QString meaningOf(const QSqlError& error)
     case 13:
         return "the drive is full";
     case 14:
-        return "the file can't be opened or made; check that its folder exists and can be written to";
+        return "the file can't be opened or created; check that its folder exists and can be written to";
     case 26:
         return "the file isn't a database";
     default:
@@ -143,8 +143,8 @@ void HostDatabase::close()
 
 bool HostDatabase::checkAndPrepare()
 {
-    // A rollback journal rather than a write-ahead log: it also holds on a clinic's network drive. With EXTRA, which is
-    // FULL with the folder synced too, what was told as imported is still there after a power failure.
+    // A rollback journal, as a write-ahead log doesn't work on network drives. EXTRA also syncs the folder, so that a
+    // reported import survives a power failure.
     for (const char* setting :
          {"PRAGMA foreign_keys = ON", "PRAGMA journal_mode = DELETE", "PRAGMA synchronous = EXTRA"})
         if (!query(setting))
@@ -165,7 +165,7 @@ bool HostDatabase::checkAndPrepare()
     if (isEmpty && !createSchema())
         return false;
 
-    // A write at each opening finds a file that can't be written to now, and not when a read-out is to be stored.
+    // Writes at each opening, to detect a file that can't be written to before a read-out must be stored.
     const bool isWritten = inTransaction([this] {
         return query("INSERT INTO meta (key, value) VALUES ('opened', ?)"
                      " ON CONFLICT (key) DO UPDATE SET value = excluded.value",
@@ -199,12 +199,12 @@ template <class Change>
 bool HostDatabase::inTransaction(Change change)
 {
     m_errorText.clear();
-    // IMMEDIATE, since a transaction that begins by reading can be refused the right to write half-way.
+    // IMMEDIATE, as a transaction that starts with reading can fail to get the write lock later.
     if (!query("BEGIN IMMEDIATE"))
         return false;
     if (change() && query("COMMIT"))
         return true;
-    QSqlQuery(m_connection).exec("ROLLBACK"); // its own failure would hide the one that led here
+    QSqlQuery(m_connection).exec("ROLLBACK"); // ignores its own failure, to keep the original error
     return false;
 }
 
@@ -246,7 +246,7 @@ bool HostDatabase::fail(const QString& sentence)
 
 QString HostDatabase::revision()
 {
-    // Both numbers belong to a connection: other connections' commits, and rows that this one has changed.
+    // data_version counts the commits of other connections, total_changes() the rows changed by this one.
     const auto numbers = select<QString>("SELECT data_version || ' ' || total_changes() FROM pragma_data_version", {},
                                          [](const QSqlQuery& row) { return row.value(0).toString(); });
     return numbers.isEmpty() ? QString() : QString("%1 %2").arg(m_openCount).arg(numbers.first());

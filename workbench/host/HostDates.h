@@ -5,8 +5,7 @@
 #include <QDate>
 #include <QLocale>
 
-/// The date as this host shows dates: the locale's short form, with the whole year, since two digits of a birthday say
-/// nothing of the century.
+/// Returns a date in the locale's short format, with a four-digit year, as birthdays of two centuries occur.
 inline QString shownDate(const QDate& date)
 {
     QString format = QLocale().dateFormat(QLocale::ShortFormat);

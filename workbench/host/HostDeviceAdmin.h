@@ -7,7 +7,7 @@
 
 #include <QString>
 
-/// The reader as a device: nothing but its drive.
+/// The reader as a device that has only a drive.
 class HostDevice final : public IDevice
 {
     Q_OBJECT
@@ -26,18 +26,18 @@ private:
     const QString m_drivePath;
 };
 
-/// The administration of the one reader that this host knows: "DeviceAdminExtensionPoint".
+/// "DeviceAdminExtensionPoint" for the host's only reader.
 class HostDeviceAdmin final : public IDeviceAdmin
 {
 public:
-    /// The folder that stands for the reader's drive; empty: none. The reader is there while the folder exists, so it
-    /// can be plugged in and pulled out at any time.
+    /// Sets the folder that represents the reader's drive; empty: none. The reader is plugged in while the folder
+    /// exists.
     void setDrivePath(const QString& path) { m_drivePath = path; }
     QString drivePath() const { return m_drivePath; }
     bool isReaderThere() const;
     bool isHeld() const { return m_isHeld; }
 
-    /// The caller owns the device. Null for another type, or while the reader isn't there.
+    /// Returns a device that the caller owns, or null for another type or while the reader isn't plugged in.
     IDevice* acquireDevice(int type, const QString& name) override;
     bool setDeviceHold(bool hold) override;
 

@@ -12,11 +12,11 @@
 namespace {
 
 constexpr int MaxRows = 20000;
-constexpr int MaxWaiting = MaxRows / 10; ///< records that aren't shown yet
-/// Nobody reads faster, and each showing lays the table out and draws it.
+constexpr int MaxWaiting = MaxRows / 10; ///< the most records that wait for the table
+/// Users don't read faster, and each update lays out and paints the table.
 constexpr int ShowEveryMs = 50;
 
-/// Colours that stand out on the table's background, a light or a dark one.
+/// Returns a colour with enough contrast on the table's light or dark background.
 QColor colourOf(HostLog::Level level)
 {
     const bool isDark = QGuiApplication::palette().color(QPalette::Base).lightness() < 128;

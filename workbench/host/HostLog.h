@@ -10,8 +10,8 @@
 #include <QTimer>
 #include <QVector>
 
-/// The host's log, as a table for the window and as lines in a file. The file holds every record, at once; the table
-/// shows what has come together a little later, and lets the oldest go when it grows long. GUI thread only.
+/// The host's log, as a table for the window and as lines in a file. A record is in the file at once; the table shows
+/// new records in groups, a little later, and has a maximum size. GUI thread only.
 class HostLog final : public QAbstractTableModel
 {
     Q_OBJECT
@@ -23,18 +23,19 @@ public:
 
     explicit HostLog(QObject* parent = nullptr);
 
-    /// Appends every record from now on to that file as well, one line each. False if it can't be opened.
+    /// Also appends every record from now on to that file, one line each. Returns false if it can't be opened.
     bool openFile(const QString& path, QString* error, const LogLimits& limits = {});
     /// Returns the files of the log, the oldest first.
     QStringList files() const { return m_file.files(); }
 
-    /// One record. @p channel tells the level; details may be empty.
+    /// Adds a record. @p channel determines the level; details may be empty.
     void write(const QString& source, const QString& channel, const QString& message, const QStringList& details = {});
 
-    /// True if a record in the table, or about to come to it, holds that text in its message or details.
+    /// Returns true if a record in the table, or waiting for it, contains that text in its message or details.
     bool contains(const QString& text) const;
 
-    /// "Info" and "txt" are information, "Warning" a warning, "Error" and "err" an error, all else the trace.
+    /// Returns the level: "Info" and "txt" are information, "Warning" a warning, "Error" and "err" an error, any other
+    /// channel is trace.
     static Level levelOf(const QString& channel);
     static QString levelName(Level level);
 
@@ -44,7 +45,7 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 Q_SIGNALS:
-    /// The log file can't be written any more; records still come to the table.
+    /// Emitted when the log file can't be written any more; the table still gets records.
     void fileFailed(const QString& sentence);
 
 private:
@@ -61,7 +62,7 @@ private:
     void showWaiting();
 
     QVector<Record> m_records;
-    int m_rowCount = 0; ///< how many of them the table shows; the others wait for the timer
+    int m_rowCount = 0; ///< the records that the table shows; the others wait for the timer
     QTimer m_showTimer;
     LogFile m_file;
 };

@@ -8,31 +8,30 @@
 std::optional<int> HostOptions::read(int argc, char** argv)
 {
     const std::pair<CommandLine::Option, QString HostOptions::*> texts[] = {
-        {{"database", "FILE", "Patient database; made if there is none. Default: a file in the user's data folder."},
+        {{"database", "FILE", "Patient database; created if missing. Default: a file in the user's data folder."},
          &HostOptions::database},
         {{"plugin", "LIBRARY", "Plug-in library. Default: the one beside the program or in the build tree."},
          &HostOptions::plugin},
-        {{"drive", "FOLDER", "Folder that stands for the reader's drive. The reader is there while the folder exists."},
+        {{"drive", "FOLDER", "Folder that represents the reader's drive. The reader is plugged in while it exists."},
          &HostOptions::drive},
-        {{"simulation", "FOLDER", "Let the plug-in run against this folder in place of a reader."},
-         &HostOptions::simulation},
+        {{"simulation", "FOLDER", "Run the plug-in in simulation mode on this folder."}, &HostOptions::simulation},
         {{"patient", "PUID", "Open the diary of the patient with this key at start."}, &HostOptions::patient},
-        {{"locale", "NAME", "Locale of the run, such as de_DE."}, &HostOptions::locale},
-        {{"robot", "STEPS", "Do the steps of this file as a user would, and end."}, &HostOptions::robot},
-        {{"pictures", "FOLDER", "Folder for the robot's pictures; made if there is none. Default: the current one."},
+        {{"locale", "NAME", "Locale, such as de_DE."}, &HostOptions::locale},
+        {{"robot", "STEPS", "Perform the steps of this file as a user would, and exit."}, &HostOptions::robot},
+        {{"pictures", "FOLDER", "Folder for the robot's pictures; created if missing. Default: the current one."},
          &HostOptions::pictures},
-        {{"log", "FILE", "Append the host's log to this file, without a limit."}, &HostOptions::log},
+        {{"log", "FILE", "Append the log to this file, without a size limit."}, &HostOptions::log},
         {{"diagnostics", "FOLDER",
-          "Keep the log and the last traffic of the drive here. Default: a folder in the user's data folder; with "
+          "Keep the log and the latest traffic of the drive here. Default: a folder in the user's data folder; with "
           "--robot none."},
          &HostOptions::diagnostics},
-        {{"report", "FILE", "Write log, versions, settings and the last traffic to this archive, and end."},
+        {{"report", "FILE", "Write log, versions, settings and the latest traffic to this archive, and exit."},
          &HostOptions::report},
     };
     QVector<CommandLine::Option> options;
     for (const auto& [option, target] : texts)
         options.append(option);
-    options.append({"with-personal-data", nullptr, "With --report: leave names, ids and serial numbers as they are."});
+    options.append({"with-personal-data", nullptr, "With --report: keep names, ids and serial numbers."});
     CommandLine line("merivo-host", MERIVO_PLUGIN_VERSION, "A stand-in host that runs, shows and tests the plug-in.");
     if (const auto status = line.read(argc, argv, options))
         return status;

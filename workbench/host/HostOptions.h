@@ -6,7 +6,7 @@
 
 #include <optional>
 
-/// What the program was asked for.
+/// The options of the command line.
 struct HostOptions
 {
     QString database;      ///< empty: a file in the user's data folder
@@ -15,13 +15,13 @@ struct HostOptions
     QString simulation;    ///< empty: no simulation
     QString patient;       ///< puid of the diary to open at start; empty: none
     QString locale;        ///< empty: the system's
-    QString robot;         ///< steps file; empty: a user is at the window
+    QString robot;         ///< steps file; empty: no robot
     QString pictures;      ///< folder of the robot's pictures; empty: the current one
     QString log;           ///< empty: rotating files in the diagnostics folder
-    QString diagnostics;   ///< folder of log and traffic; empty: in the user's data folder, with a robot none
-    QString report;        ///< archive to write and end; empty: none
-    bool personal = false; ///< the report holds personal data
+    QString diagnostics;   ///< folder of log and traffic; empty: the default, or none with a robot
+    QString report;        ///< archive to write before exiting; empty: none
+    bool personal = false; ///< the report contains personal data
 
-    /// Reads the command line. Returns a status if the program ends with it.
+    /// Parses the command line. Returns an exit status if the program must end.
     std::optional<int> read(int argc, char** argv);
 };

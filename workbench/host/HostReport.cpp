@@ -22,11 +22,11 @@ namespace {
 
 using Numbers = Anonymiser::Numbers;
 
-/// Of one log file; more than the rotating ones hold.
+/// The maximum taken from one log file, above the size of the rotated ones.
 constexpr qint64 MostOfALog = qint64(8) * 1024 * 1024;
 constexpr int LogFields = 5;
 
-/// The last lines of a file; nothing if it can't be read.
+/// Returns the last lines of a file, or nothing if it can't be read.
 std::optional<QByteArray> endOf(const QString& path)
 {
     QFile file(path);
@@ -38,13 +38,13 @@ std::optional<QByteArray> endOf(const QString& path)
     return file.error() == QFile::NoError ? std::make_optional(bytes) : std::nullopt;
 }
 
-/// Of a log's line the time stays, and what the programs write themselves.
+/// Replaces the words of a log line except its time and the vocabulary.
 QByteArray anonymisedLog(const QByteArray& log, Anonymiser& words, Numbers numbers)
 {
     QStringList lines = QString::fromUtf8(log.constData(), log.size()).split('\n');
     for (QString& line : lines) {
         const QString time = line.section('\t', 0, 0);
-        // Written again, since much that isn't a record's time passes for a date, such as a birthday.
+        // Formatted again for comparison, as other text such as a birthday can also be parsed as a date.
         const bool isRecord =
             line.count('\t') == LogFields - 1 &&
             QDateTime::fromString(time, Qt::ISODateWithMs).toString("yyyy-MM-ddTHH:mm:ss.zzz") == time;
@@ -57,7 +57,7 @@ QByteArray anonymisedLog(const QByteArray& log, Anonymiser& words, Numbers numbe
 
 QStringList personalData(HostDatabase& database)
 {
-    // The GUID is part of the key of the files' MACs.
+    // The GUID is part of the key of the file MACs.
     QStringList values{QSysInfo::machineHostName(), QDir::home().dirName(), database.guid()};
     if (database.path().isEmpty())
         return values;
@@ -77,12 +77,12 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
     Anonymiser* words = withPersonalData ? nullptr : &anonymiser.words();
     m_missing.clear();
 
-    // Read first, since the host continues to write and may rotate a file.
+    // Read first, as the host continues to write and may rotate a file.
     QVector<QPair<QString, std::optional<QByteArray>>> logs;
     for (const QString& path : m_sources.logs)
         logs.append({QFileInfo(path).fileName(), endOf(path)});
 
-    // All that is to be replaced is known before the first text is.
+    // The anonymiser must know all personal values before it replaces the first text.
     QMap<QString, QVector<TrafficEntry>> recordings;
     const QDir traffic(m_sources.trafficFolder);
     const QStringList names =
@@ -99,14 +99,14 @@ QVector<HostReport::Member> HostReport::members(bool withPersonalData)
     QVector<Member> result;
     const Numbers numbers = m_sources.unknown.isEmpty() ? Numbers::KeepShort : Numbers::Hide;
     if (words && numbers == Numbers::Hide)
-        m_missing.append(QString("all numbers of log and settings, since nobody could tell which are a patient's (%1)")
+        m_missing.append(QString("all numbers of log and settings, as those of patients are unknown (%1)")
                              .arg(words->scrub(m_sources.unknown, numbers)));
     for (const auto& [name, bytes] : qAsConst(logs)) {
         if (!bytes) {
             m_missing.append((words ? words->scrub(name, numbers) : name) + " (can't be read)");
             continue;
         }
-        // The file's name may be the user's own.
+        // The user may have chosen the file's name.
         const QString number = m_sources.logs.size() > 1 ? QString("-%1").arg(result.size() + 1) : QString();
         result.append({QString("log/host%1.log").arg(number), words ? anonymisedLog(*bytes, *words, numbers) : *bytes});
     }
@@ -135,8 +135,8 @@ QByteArray HostReport::contents(const QVector<Member>& members, bool withPersona
 {
     QString text = QString("Report of merivo-host, %1\n\n%2\n\n")
                        .arg(QDateTime::currentDateTime().toString(Qt::ISODate),
-                            withPersonalData ? "It HOLDS PERSONAL DATA: names, ids, serial numbers, paths."
-                                             : "Personal data is replaced: the same word by the same other word.");
+                            withPersonalData ? "It CONTAINS PERSONAL DATA: names, ids, serial numbers, paths."
+                                             : "Personal data is replaced, each word always by the same other word.");
     for (const auto& [name, bytes] : members)
         text += QString("%1  %2 bytes\n").arg(name).arg(bytes.size());
     text += QString("\nNot in it: the patient database, its GUID, keys, the bytes of large exchange files%1.\n")
@@ -156,7 +156,7 @@ bool HostReport::save(const QString& path, bool withPersonalData, QString* sente
         return refuse("there is a file or folder of that name");
     if (!QFileInfo(QFileInfo(path).path()).isDir())
         return refuse("there is no such folder");
-    // Writes beside the file and moves it there at the end.
+    // QSaveFile writes a temporary file and renames it at the end.
     KZip archive(path);
     if (!archive.open(QIODevice::WriteOnly))
         return refuse(archive.errorString());

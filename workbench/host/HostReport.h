@@ -10,28 +10,27 @@
 
 class HostDatabase;
 
-/// What a report is made of.
+/// The sources of a report.
 struct ReportSources
 {
     QStringList logs;                          ///< paths, the oldest first
     QString trafficFolder;                     ///< empty: no traffic is kept
-    QVector<QPair<QString, QString>> versions; ///< of programs and system
-    QVector<QPair<QString, QString>> settings; ///< that the program runs with
-    QStringList personal;                      ///< what is replaced, wherever it appears
-    QString unknown;                           ///< why that isn't all; empty: it is
+    QVector<QPair<QString, QString>> versions; ///< of the programs and the system
+    QVector<QPair<QString, QString>> settings; ///< of the program
+    QStringList personal;                      ///< values that are always replaced
+    QString unknown;                           ///< why some are unknown; empty: all are known
 };
 
-/// What the database and the system know as somebody's, the database's GUID too. On the thread of the database, which
-/// may be closed. A failure is in its errorText().
+/// Returns the personal values in the database and the system, and the database's GUID. The database may be closed; on
+/// a failure its errorText() is set. On the thread of the database only.
 QStringList personalData(HostDatabase& database);
 
-/// Writes one archive (zip) for whoever is to find out what went wrong: a list of its contents, log, versions, settings
-/// and the last traffic with the reader.
+/// Writes an archive (zip) for troubleshooting: a list of its contents, log, versions, settings and the latest traffic
+/// with the reader.
 ///
-/// Personal data is replaced unless asked for: names, ids, birthdays, serial numbers, addresses, paths, file MACs, all
-/// words that the programs don't write themselves. The database, its GUID, keys and the contents of large exchange
-/// files are in no report. The archive is there as a whole or not at all, and never takes the place of a file. Any
-/// thread: some seconds go by where much was kept.
+/// Personal data is replaced unless requested: names, ids, birthdays, serial numbers, addresses, paths, file MACs and
+/// all words outside the programs' vocabulary. No report contains the database, its GUID, keys or large exchange files.
+/// The archive is created atomically and never replaces a file. Any thread; takes some seconds with much data.
 class HostReport final
 {
 public:
@@ -39,7 +38,7 @@ public:
         : m_sources(std::move(sources))
     {}
 
-    /// False if it couldn't be written. @p sentence says in either case what was written where, or what was wrong.
+    /// Returns false if the archive couldn't be written. Sets @p sentence to the result or the error.
     bool save(const QString& path, bool withPersonalData, QString* sentence);
 
 private:

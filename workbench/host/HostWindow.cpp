@@ -31,7 +31,7 @@ namespace {
 constexpr int PuidRole = Qt::UserRole;
 constexpr int LookForReaderEveryMs = 1000;
 
-/// Returns a model with the rows of @p source that have the filter's text in any column.
+/// Returns a model with the rows of @p source that contain the filter's text in any column.
 QSortFilterProxyModel* textFilter(QAbstractItemModel* source, const QLineEdit* filter, QObject* parent)
 {
     auto* model = new QSortFilterProxyModel(parent);
@@ -42,14 +42,14 @@ QSortFilterProxyModel* textFilter(QAbstractItemModel* source, const QLineEdit* f
     return model;
 }
 
-/// Makes a button do what an action does, and be enabled with it.
+/// Makes a button trigger an action and follow its enabled state.
 void setAction(QAbstractButton* button, QAction* action)
 {
     QObject::connect(button, &QAbstractButton::clicked, action, &QAction::trigger);
     QObject::connect(action, &QAction::changed, button, [=] { button->setEnabled(action->isEnabled()); });
 }
 
-/// "Doe, Jane", or the one part that there is.
+/// Returns "Doe, Jane", or the only part of the name.
 QString nameOf(const PatientRecord& patient)
 {
     QStringList parts{patient.ids.value(0), patient.ids.value(1)};
@@ -67,14 +67,14 @@ QList<QStandardItem*> rowOf(const QStringList& texts)
 {
     QList<QStandardItem*> row;
     for (const QString& text : texts) {
-        auto* item = new QStandardItem(text); // the model takes it over
+        auto* item = new QStandardItem(text); // the model takes ownership
         item->setToolTip(text);
         row.append(item);
     }
     return row;
 }
 
-/// One long text must not push the other columns out; the tooltip has all of it.
+/// Limits a column's width, so that a long text doesn't hide the others; the tooltip shows all of it.
 void fitColumns(QTableView* table, int mostCharacters)
 {
     const int widest = table->fontMetrics().averageCharWidth() * mostCharacters;
@@ -153,14 +153,14 @@ HostWindow::HostWindow(HostDatabase& database, PatientEvents& events, HostLog& l
     connect(&m_events, &IEventPublisher::patientCreated, this, &HostWindow::refresh);
     connect(&m_events, &IEventPublisher::patientChanged, this, &HostWindow::refresh);
     connect(&m_events, &IEventPublisher::patientDeleted, this, &HostWindow::refresh);
-    // A notice about the last patient's import mustn't stand above the next patient's diary.
+    // A notice about one patient's import must not be shown above another patient's diary.
     connect(&m_events, &IEventPublisher::diarySessionOpened, messageBar, &QWidget::hide);
     connect(&m_events, &IEventPublisher::diarySessionClosed, messageBar, &QWidget::hide);
     connect(&m_events, &IEventPublisher::diarySessionOpened, this, &HostWindow::refreshDiary);
     connect(&m_events, &IEventPublisher::diarySessionClosed, this, &HostWindow::refreshDiary);
     connect(&importHandler, &ImportHandler::finished, this, &HostWindow::onImportFinished);
     connect(&m_pluginHost, &PluginHost::runningChanged, this, &HostWindow::refreshActions);
-    // Nothing tells of a folder that comes or goes where there was none.
+    // QFileSystemWatcher can't watch a folder that doesn't exist yet.
     auto* readerTimer = new QTimer(this);
     connect(readerTimer, &QTimer::timeout, this, &HostWindow::refreshStatus);
     readerTimer->start(LookForReaderEveryMs);
@@ -179,7 +179,7 @@ void HostWindow::setUpTables()
 
     logTable->verticalHeader()->hide();
     logTable->verticalHeader()->setDefaultSectionSize(logTable->fontMetrics().height() + 6);
-    // Fixed widths, since measuring every record again would cost more the longer the log grows.
+    // Fixed widths, as measuring all records again becomes slower the longer the log is.
     const int unit = logTable->fontMetrics().averageCharWidth();
     logTable->setColumnWidth(HostLog::TimeColumn, unit * 15);
     logTable->setColumnWidth(HostLog::LevelColumn, unit * 13);
@@ -218,11 +218,12 @@ void HostWindow::runComponent(IComponent* component)
 void HostWindow::askForReport()
 {
     const QString title = tr("Save report");
-    QMessageBox question(QMessageBox::Question, title,
-                         tr("The report has the log, versions, settings and the last traffic with the reader. Without "
-                            "replacement it also has names, ids and serial numbers: give such a report to nobody who "
-                            "may not see the patients' data."),
-                         QMessageBox::Save | QMessageBox::Cancel, this);
+    QMessageBox question(
+        QMessageBox::Question, title,
+        tr("The report contains the log, versions, settings and the latest traffic with the reader. Without "
+           "replacement it also contains names, ids and serial numbers: give such a report only to "
+           "people who may see the patients' data."),
+        QMessageBox::Save | QMessageBox::Cancel, this);
     auto* replacePersonal = new QCheckBox(tr("&Replace names, ids, serial numbers, addresses and paths"), &question);
     replacePersonal->setObjectName("replacePersonal");
     replacePersonal->setChecked(true);
@@ -231,7 +232,7 @@ void HostWindow::askForReport()
         return;
     const QString name = QDateTime::currentDateTime().toString("'merivo-report-'yyyyMMdd-hhmmss'.zip'");
     const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    // A report never takes the place of a file, so there is nothing to confirm.
+    // A report never replaces a file, so no confirmation is needed.
     const QString path = QFileDialog::getSaveFileName(this, title, folder.filePath(name), tr("Archives (*.zip)"),
                                                       nullptr, QFileDialog::DontConfirmOverwrite);
     if (!path.isEmpty())
@@ -310,7 +311,7 @@ void HostWindow::refreshPatients()
 {
     const QModelIndex selected = patientTable->currentIndex();
     const QString puid = selected.siblingAtColumn(0).data(PuidRole).toString();
-    // A list that can't be read stays as it was: an empty one would look like lost patients.
+    // Keeps the list if it can't be read: an empty one would look like lost patients.
     const QVector<PatientRecord> patients = m_database.patients();
     if (reportDatabaseError())
         return;
@@ -359,7 +360,7 @@ void HostWindow::refreshActions()
     for (QAction* action : {editPatientAction, deletePatientAction, openDiaryAction})
         action->setEnabled(isSelected);
     closeDiaryAction->setEnabled(isOpen);
-    // The entry stays open without a diary: what it says then is the plug-in's affair.
+    // The entry is enabled without a diary, too: the plug-in reports that itself.
     for (QAction* action : deviceMenu->actions())
         action->setEnabled(isFree);
 }

@@ -20,8 +20,8 @@ class PatientEvents;
 class PluginHost;
 struct ImportOutcome;
 
-/// The host's window: the patients, the diary of the open one with its imports, the log, and the plug-in's entry in the
-/// menu. Failures show in a bar above it all. What it is made with must outlive it.
+/// The host's window: patients, the open diary with its imports, the log, and the plug-in's menu entry. Shows failures
+/// in a bar at the top. The objects passed to the constructor must outlive it.
 class HostWindow final : public QMainWindow, private Ui::HostWindow
 {
     Q_OBJECT
@@ -30,19 +30,19 @@ public:
     HostWindow(HostDatabase& database, PatientEvents& events, HostLog& log, PluginHost& pluginHost,
                const ImportHandler& importHandler, const HostDeviceAdmin& deviceAdmin, QWidget* parent = nullptr);
 
-    /// Puts the components of the loaded plug-in into the menu "Devices".
+    /// Adds the components of the loaded plug-in to the menu "Devices".
     void showComponents();
-    /// Reads patients and imports anew.
+    /// Reads patients and imports again.
     void refresh();
     void showError(const QString& sentence);
     void showNotice(const QString& sentence);
 
 Q_SIGNALS:
-    /// The user wants a report in that file.
+    /// Emitted when the user requests a report in that file.
     void reportRequested(const QString& path, bool withPersonalData);
 
 protected:
-    /// Keeps the window open while the plug-in runs.
+    /// Ignores the event while the plug-in runs.
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -67,6 +67,6 @@ private:
     PluginHost& m_pluginHost;
     const HostDeviceAdmin& m_deviceAdmin;
     QStandardItemModel m_patients;
-    QSortFilterProxyModel* m_shownPatients = nullptr; // those that the filter lets pass
+    QSortFilterProxyModel* m_shownPatients = nullptr; // those that match the filter
     QStandardItemModel m_imports;
 };

@@ -17,7 +17,7 @@
 
 namespace {
 
-/// Far above what a pump holds, and well below what one database field takes.
+/// Far above the size of a pump's history, and well below the limit of a database field.
 constexpr qint64 MaxFileSize = qint64(256) * 1024 * 1024;
 
 ImportOutcome refused(const QString& sentence)
@@ -38,7 +38,7 @@ QString channelOf(ImportOutcome::Kind kind)
     return "Error";
 }
 
-/// Returns the MAC that the import of a file with these bytes must have, as lower-case hexadecimal text.
+/// Returns the MAC that an import of these bytes must have, as lower-case hexadecimal text.
 QString macOf(const QByteArray& bytes, const QString& databaseGuid)
 {
     const auto* shared = reinterpret_cast<const char*>(SharedMacKey.data());
@@ -66,7 +66,7 @@ bool ImportHandler::execute(ICommand* command)
         const std::unique_ptr<IImportDataCmd> import(static_cast<IImportDataCmd*>(command));
         outcome = carryOut(*import);
     } else {
-        // Only an import can be freed through its interface; of any other command the class isn't known here.
+        // Only an import can be deleted through its interface; the classes of other commands are unknown here.
         outcome = refused(tr("A command of type %1 isn't carried out by this host.").arg(command->type()));
     }
     m_log.write("host", channelOf(outcome.kind), outcome.sentence);
@@ -85,7 +85,7 @@ ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
     if (!patient)
         return refused(tr("Import of '%1' refused: there is no patient '%2'.").arg(name, command.puid()));
 
-    // The file is read once: what is checked is what is stored, whatever the reader does with its file meanwhile.
+    // Reads the file once, so that the checked bytes are stored even if the reader changes the file meanwhile.
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return refused(tr("Import refused: the file '%1' can't be read.").arg(path));
@@ -115,7 +115,7 @@ ImportOutcome ImportHandler::carryOut(const IImportDataCmd& command)
     facts.fileSize = bytes.size();
     facts.mac = mac;
     facts.deviceState = deviceState();
-    // An error of the look-up for an earlier import shows here too, since the same database is written to.
+    // Also reports an error of the search for an earlier import, as writing to the same database fails too.
     if (!m_database.addImport(facts, bytes))
         return refused(tr("Import of '%1' failed: %2.").arg(name, m_database.errorText()));
     return {ImportOutcome::Stored, tr("'%1' imported: %2 bytes, MAC verified, for the patient '%3'.")

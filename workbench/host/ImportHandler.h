@@ -12,13 +12,13 @@ class HostLog;
 class IImportDataCmd;
 class PatientEvents;
 
-/// What became of a command, with the sentence that the user sees.
+/// The result of a command, with the sentence for the user.
 struct ImportOutcome
 {
     enum Kind {
-        Stored,   ///< facts and bytes are in the database
-        Repeated, ///< the same bytes are there already for this patient; nothing was stored
-        Refused   ///< the command isn't one that is carried out, or fails a check; nothing was stored
+        Stored,   ///< the file is in the database
+        Repeated, ///< the patient has an import of the same bytes already; nothing was stored
+        Refused   ///< the command isn't supported or fails a check; nothing was stored
     };
 
     Kind kind = Refused;
@@ -26,8 +26,7 @@ struct ImportOutcome
 };
 Q_DECLARE_METATYPE(ImportOutcome)
 
-/// Carries out the commands of plug-ins: "CommandHandlerExtensionPoint". Only the import is known here. GUI thread
-/// only.
+/// "CommandHandlerExtensionPoint": executes the commands of plug-ins. Supports only the import. GUI thread only.
 class ImportHandler final : public QObject, public ICommandHandler
 {
     Q_OBJECT
@@ -36,11 +35,12 @@ public:
     ImportHandler(HostDatabase& database, PatientEvents& events, HostLog& log, const HostDeviceAdmin& deviceAdmin,
                   QObject* parent = nullptr);
 
-    /// How the reader is reached where it isn't by a drive, as for a simulation; stands in the facts of an import.
+    /// Sets the device state that imports are stored with when the reader isn't accessed by a drive, as in a
+    /// simulation.
     void setSimulation(bool isSimulation) { m_isSimulation = isSimulation; }
 
-    /// Takes the command over and frees it. Writes the outcome in the log, emits finished() and publishes the event.
-    /// True if the file is in the database, also if it was before.
+    /// Takes ownership of the command and deletes it. Logs the result, emits finished() and publishes the event.
+    /// Returns true if the file is in the database, also if it was before.
     bool execute(ICommand* command) override;
 
 Q_SIGNALS:

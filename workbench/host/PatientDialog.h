@@ -7,14 +7,14 @@
 
 #include <QDialog>
 
-/// A patient's data, for a new patient or one that is there. Save is open while they can be saved; what is missing
-/// stands above the buttons.
+/// Edits the data of a new or existing patient. Save is enabled while the data is valid; otherwise the error is shown
+/// above the buttons.
 class PatientDialog final : public QDialog, private Ui::PatientDialog
 {
     Q_OBJECT
 
 public:
-    /// An empty puid in @p patient asks for a new patient: the key gets a proposal, and can be changed.
+    /// With an empty puid in @p patient the patient is new, and the key has a random default that can be changed.
     explicit PatientDialog(const PatientRecord& patient, QWidget* parent = nullptr);
 
     PatientRecord patient() const;

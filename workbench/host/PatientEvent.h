@@ -5,7 +5,7 @@
 #include "host/HostEvents.h"
 #include "host/IDatabase.h"
 
-/// An event that brings a patient. Events are shared, so it holds the values of the moment.
+/// An event with a patient. Has a copy of the values, as events are shared.
 template <class Event>
 class PatientEvent final : public Event
 {

@@ -5,7 +5,7 @@
 #include "host/IDatabase.h"
 #include "host/IEventPublisher.h"
 
-/// Which diary is open, and the events that tell it: "EventPublisherExtensionPoint". GUI thread only.
+/// "EventPublisherExtensionPoint": the open diary, and the events about it. GUI thread only.
 class PatientEvents final : public IEventPublisher
 {
     Q_OBJECT
@@ -13,18 +13,18 @@ class PatientEvents final : public IEventPublisher
 public:
     explicit PatientEvents(QObject* parent = nullptr);
 
-    /// The open patient; an empty puid if no diary is open.
+    /// Returns the patient of the open diary; the puid is empty if no diary is open.
     PatientRecord openPatient() const { return m_openPatient; }
     bool isOpen() const { return !m_openPatient.puid.isEmpty(); }
 
-    /// Publishes diarySessionOpened; another patient's diary that is open is closed first.
+    /// Publishes diarySessionOpened. Closes another patient's open diary first.
     void openDiary(const PatientRecord& patient);
     /// Publishes diarySessionClosed if a diary is open.
     void closeDiary();
-    /// Publishes patientChanged, whoever's diary is open.
+    /// Publishes patientChanged, regardless of the open diary.
     void publishChanged(const PatientRecord& patient);
     void publishCreated();
-    /// Publishes patientDeleted, after the closing of the patient's diary if that is the open one.
+    /// Publishes patientDeleted. Closes the patient's diary first if it is open.
     void publishDeleted(const QString& puid);
     void publishImport(bool succeeded);
 

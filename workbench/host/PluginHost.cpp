@@ -52,15 +52,15 @@ bool PluginHost::load(const QString& library, IExtensionRegistry* registry, cons
         return refuse(QString("not a plug-in library of Qt %1").arg(QLatin1String(qVersion())));
     if (interfaceId != MERIVO_PLUGIN_IID)
         return refuse(
-            QString("has the interface id \"%1\", this host takes only \"%2\"").arg(interfaceId, MERIVO_PLUGIN_IID));
+            QString("has the interface id \"%1\", but this host requires \"%2\"").arg(interfaceId, MERIVO_PLUGIN_IID));
     if (!m_loader.instance())
         return refuse(m_loader.errorString());
     m_plugin = qobject_cast<IPlugin*>(m_loader.instance());
     if (!m_plugin)
-        return refuse("its object isn't of the interface that its metadata names");
+        return refuse("its object doesn't have the interface of its metadata");
 
     m_plugin->setExtensionRegistry(registry);
-    // A file of its own, so that nothing of an earlier run or of the user's other settings comes in.
+    // A separate file, so that earlier runs and the user's other settings have no effect.
     QSettings settings(m_settingsFolder.filePath("plugin.ini"), QSettings::IniFormat);
     if (!simulationPath.isEmpty()) {
         settings.setValue("EnableSimulation", "true");

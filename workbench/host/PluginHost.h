@@ -12,8 +12,8 @@ class IExtensionRegistry;
 class IPlugin;
 class QWidget;
 
-/// Loads one plug-in library and drives it in the order that IPlugin tells. What the registry finds must outlive the
-/// plug-in, that is this object. GUI thread only.
+/// Loads one plug-in library and makes the calls of its life cycle in the order that IPlugin documents. The objects in
+/// the registry must outlive this object. GUI thread only.
 class PluginHost final : public QObject
 {
     Q_OBJECT
@@ -23,20 +23,19 @@ public:
     /// Destroys the plug-in object and unloads the library.
     ~PluginHost() override;
 
-    /// The library beside the program, as it is installed, or where the build leaves it; empty if it is in neither
-    /// place.
+    /// Returns the path of the installed library or of that in the build tree, or an empty path if neither exists.
     static QString defaultLibrary();
 
-    /// Loads the library after a look at its interface id alone, then makes the calls up to components().
-    /// @p simulationPath goes to the plug-in's settings; empty: no simulation. On failure the error is one sentence,
-    /// and no code of a library with another interface id has run.
+    /// Checks the interface id, loads the library and makes the calls up to components(). @p simulationPath is set in
+    /// the plug-in's settings; empty: no simulation. If that fails, sets @p error to one sentence. Runs no code of a
+    /// library with another interface id.
     bool load(const QString& library, IExtensionRegistry* registry, const QString& simulationPath, QString* error);
     void unload();
 
     IPlugin* plugin() const { return m_plugin; }
     QList<IComponent*> components() const;
 
-    /// Runs a menu entry; returns when the user is done with it. Does nothing while one runs.
+    /// Executes a component and returns when it has ended. Does nothing while one runs.
     bool run(IComponent* component, QWidget* parent);
     bool isRunning() const { return m_isRunning; }
 
@@ -46,6 +45,6 @@ Q_SIGNALS:
 private:
     QPluginLoader m_loader;
     QTemporaryDir m_settingsFolder;
-    IPlugin* m_plugin = nullptr; // the loader's
+    IPlugin* m_plugin = nullptr; // owned by the loader
     bool m_isRunning = false;
 };

@@ -25,7 +25,7 @@ using namespace std::chrono_literals;
 
 constexpr auto TickEvery = 20ms;
 
-/// Returns the point to click: near the beginning, since a check box reacts only on its mark and text.
+/// Returns the point to click: near the left or right edge, as a check box reacts only on its mark and text.
 QPoint hitPointOf(const QWidget* widget)
 {
     const int inset = std::min(widget->width(), widget->height()) / 2;
@@ -51,7 +51,7 @@ QModelIndex cellOf(const QAbstractItemView* view, const QString& text)
     return {};
 }
 
-/// Returns what a condition on a widget compares.
+/// Returns the value that a condition on a widget compares.
 QString valueOf(const QWidget* widget, const QString& aspect)
 {
     if (aspect == "text")
@@ -225,7 +225,7 @@ Robot::Outcome Robot::type(const QStringList& words)
     if (outcome.kind != Outcome::Done)
         return outcome;
     field->setFocus(Qt::OtherFocusReason);
-    // As an input method does, since single keys go to the list of proposals that opens at the first ones.
+    // As an input method does, as a list of completions opens after the first keys and takes the others.
     const auto input = [field = QPointer<QWidget>(field), text = words.at(2)] {
         if (!field)
             return;
@@ -284,7 +284,7 @@ Robot::Outcome Robot::checkReachable(const QWidget* widget, const QString& name)
         return waiting(QString("'%1' is hidden").arg(name));
     if (!widget->isEnabled())
         return waiting(QString("'%1' is disabled").arg(name));
-    return doneIf(!modal || widget->window() == modal, QString("'%1' is behind a modal window").arg(name));
+    return doneIf(!modal || widget->window() == modal, QString("'%1' is blocked by a modal window").arg(name));
 }
 
 void Robot::sendClick(QWidget* widget, const QPoint& position)

@@ -17,7 +17,7 @@ class QWidget;
 ///
 /// Steps are started by a timer, so also inside the nested event loop of a modal dialog. Mouse and keyboard events are
 /// sent to windows, as the window system does: a dialog that blocks its parent blocks the robot too. A step that isn't
-/// done within its limit ends the run. A GUI thread that hangs shows as the caller's own time-out.
+/// done within its limit ends the run. The robot doesn't detect a GUI thread that hangs.
 class Robot final : public QObject
 {
     Q_OBJECT
@@ -29,10 +29,10 @@ public:
     /// Returns the forms of all steps.
     static QStringList forms();
 
-    /// Begins with the first step. At the end of the run all event loops of the application are ended.
+    /// Starts with the first step. Ends all event loops of the application after the last one.
     void start();
 
-    /// Returns the first step that failed, and what was seen instead; empty if there was none.
+    /// Returns the step that failed and what was seen instead, or an empty text.
     QString failure() const { return m_failure; }
 
 private:
@@ -40,7 +40,7 @@ private:
     {
         enum Kind { Done, Waiting, Failed };
         Kind kind = Done;
-        QString seen; ///< if it isn't done: what there is instead
+        QString seen; ///< what is seen instead if it isn't done
     };
     struct Verb
     {

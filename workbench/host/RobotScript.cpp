@@ -15,7 +15,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds DefaultLimit{10000};
 constexpr double MaxSeconds = 3600;
 
-/// Splits a line into words; returns none if a quote isn't closed or touches the word beside it.
+/// Splits a line into words. Returns none if a quote is unterminated or not followed by a space.
 QStringList wordsOf(const QString& line)
 {
     static const QRegularExpression word(R"re(\G\s*(?:"([^"]*)"|([^"\s]+))(?=\s|$))re");
@@ -99,7 +99,7 @@ QString RobotScript::parse(const QString& line, const QStringList& forms, RobotS
 {
     QStringList words = wordsOf(line);
     if (words.isEmpty())
-        return "a quote isn't closed, or touches the word beside it";
+        return "unterminated quote, or no space after it";
     step->text = line;
     step->limit = DefaultLimit;
     if (words.size() > 2 && words.at(words.size() - 2) == "within") {

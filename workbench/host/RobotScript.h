@@ -7,7 +7,7 @@
 
 #include <chrono>
 
-/// One step of the robot, with the longest time that it may take.
+/// One step of the robot, with its time limit.
 struct RobotStep
 {
     QString place; ///< "FILE:LINE", the line from 1
@@ -17,14 +17,15 @@ struct RobotStep
     std::chrono::milliseconds limit{0};
 };
 
-/// A file of steps, one a line. Words are separated by blanks; a word with blanks is in double quotes. A line that
-/// begins with # is a comment. The end "within SECONDS" sets the limit of a step. The manual page describes the steps.
+/// A file of steps, one in each line. Words are separated by spaces; a word with spaces is in double quotes. A line
+/// that begins with # is a comment. "within SECONDS" at the end sets the time limit of a step. The manual page
+/// describes the steps.
 class RobotScript final
 {
 public:
     /// Reads and checks the whole file. Each step must have one of the @p forms, such as "wait|expect NAME rows COUNT":
-    /// COUNT is a number, SECONDS a time, KEY a key, any other word in capitals is any text; words in brackets may be
-    /// missing. Returns false if a line is wrong; the error names file and line.
+    /// COUNT is a number, SECONDS a time, KEY a key, any other word in capitals is any text; words in brackets are
+    /// optional. Returns false if a line is wrong; the error names file and line.
     bool load(const QString& path, const QStringList& forms, QString* error);
 
     const QVector<RobotStep>& steps() const { return m_steps; }

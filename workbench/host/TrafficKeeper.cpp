@@ -12,7 +12,7 @@ namespace {
 const QString NameForm = "traffic-%1.jsonl";
 const QString TimeForm = "yyyyMMdd-hhmmss-zzz";
 
-/// Digits only in the place of the time: what someone else has put into the folder stays, and is part of no report.
+/// Matches only digits for the time, so that other files in the folder are neither deleted nor reported.
 QStringList nameFilter()
 {
     static const QRegularExpression letter("[A-Za-z]");
@@ -58,7 +58,7 @@ void TrafficKeeper::end()
     QMetaObject::invokeMethod(m_worker, [this] { qDeleteAll(m_worker->children()); });
 }
 
-/// Removes what is too old, and the oldest until there is room for one more file.
+/// Removes files that are too old, and then the oldest ones until there is space for another file.
 void TrafficKeeper::makeRoom() const
 {
     const QFileInfoList files = m_folder.entryInfoList(nameFilter(), QDir::Files, QDir::Name);

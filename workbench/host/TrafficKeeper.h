@@ -6,20 +6,20 @@
 #include <QObject>
 #include <QThread>
 
-/// How much of the traffic is kept.
+/// The limits of the traffic that is kept.
 struct TrafficLimits
 {
-    qint64 fileBytes = 8388608;   ///< of one run; what follows isn't recorded
-    qint64 totalBytes = 16777216; ///< the oldest files are removed
-    int contentBytes = 1048576;   ///< of a larger file on the drive only the size is kept
+    qint64 fileBytes = 8388608;   ///< of one run; the rest isn't recorded
+    qint64 totalBytes = 16777216; ///< of all files; the oldest are removed
+    int contentBytes = 1048576;   ///< of a file on the drive; of a larger one only the size is kept
     int hours = 72;               ///< older files are removed
 };
 
-/// Keeps the last traffic of the reader's drive in a folder, one recording for each run of the plug-in, so that a run
-/// that failed can be examined and replayed, also after a crash.
+/// Keeps the latest traffic of the reader's drive in a folder, one recording for each run of the plug-in, so that a
+/// failed run can be examined and replayed, also after a crash.
 ///
-/// The drive is watched only while a run holds it, for reading only, on a separate thread: a drive that hangs holds up
-/// neither the window nor the plug-in.
+/// The drive is watched only during a run, read-only and on a separate thread: a drive that hangs blocks neither the
+/// window nor the plug-in.
 class TrafficKeeper final : public QObject
 {
     Q_OBJECT
@@ -30,16 +30,16 @@ public:
     /// Ends the current recording.
     ~TrafficKeeper() override;
 
-    /// Begins a recording; the one before ends.
+    /// Starts a recording and ends the previous one.
     void begin(const QString& drivePath);
-    /// Records what has changed last.
+    /// Records the latest changes.
     void end();
 
     /// Returns the names of the recordings in a folder, the oldest first.
     static QStringList recordingsIn(const QString& folder);
 
 Q_SIGNALS:
-    /// The traffic of this run can't be kept any more.
+    /// Emitted when the traffic of this run can't be recorded any more.
     void failed(const QString& error);
 
 private:

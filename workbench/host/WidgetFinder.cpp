@@ -54,7 +54,7 @@ QWidget* WidgetFinder::inputWindow()
         return modal;
     if (QWidget* active = QApplication::activeWindow())
         return active;
-    // Without a window manager none becomes active when the active one closes.
+    // Without a window manager no window becomes active when the active one closes.
     return openWindows().value(0);
 }
 

@@ -23,13 +23,13 @@ QWidget* window(const QString& name);
 QWidget* widget(const QString& path);
 
 /// Returns the button with that standard name or text in the button box of a window, or in @p parent if that is the
-/// box. Null if there is none.
+/// button box. Null if there is none.
 QAbstractButton* button(QWidget* parent, const QString& name);
 
 /// Returns what the widget shows, without mark-up: its text, value, current item or title.
 QString textOf(const QWidget* widget);
 
-/// Returns one line on the windows that are open.
+/// Returns one line about the open windows.
 QString describeWindows();
 
 } // namespace WidgetFinder

@@ -15,10 +15,10 @@ namespace {
 
 HostLog* hostLog = nullptr; // set once, before the plug-in is loaded
 
-/// Qt's own messages go into the host's log: standard error is for what the caller must know. Any thread.
+/// Writes Qt's messages to the host's log, as standard error has only the program's own errors. Any thread.
 void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    // What the plug-in writes to Qt's log comes to the host's by itself; the rest of the debug output is no news.
+    // The plug-in also logs its messages through the host; other debug output isn't needed.
     if (type == QtDebugMsg || QByteArray(context.category).startsWith("plugin.") || Platform::isKnownNoise(text))
         return;
     if (type == QtFatalMsg || !hostLog) {
@@ -49,10 +49,10 @@ int main(int argc, char** argv)
     }
 
     qInstallMessageHandler(takeQtMessage);
-    int onlyTheName = 1; // the rest are options of ours, of which Qt would take some for its own
+    int onlyTheName = 1; // Qt would interpret some of our options as its own
     QApplication application(onlyTheName, argv);
     QApplication::setApplicationDisplayName("Merivo Host");
-    // Plug-ins mark what shall stand out and leave the looks to the application.
+    // Plug-ins only mark labels to highlight; the application defines their appearance.
     application.setStyleSheet("QLabel[HighlightFont=\"true\"] { font-weight: bold; }"
                               "QLabel[BigSizeFont=\"true\"] { font-size: 16pt; }");
 

@@ -46,7 +46,7 @@ CommandLine::CommandLine(const QString& program, const QString& version, const Q
 
 int CommandLine::refuse(QString error)
 {
-    if (error.endsWith('.')) // as Qt's own sentences do
+    if (error.endsWith('.')) // as Qt's messages do
         error.chop(1);
     return complain(WrongCall, error + "; see --help");
 }
@@ -56,7 +56,7 @@ std::optional<int> CommandLine::read(int argc, char** argv, const QVector<Option
 {
     for (const Option& option : options)
         addOption({option.name, option.description, option.valueName});
-    // Not addHelpOption(): that brings --help-all along, for options that these programs don't have.
+    // Not addHelpOption(), which also adds --help-all.
     addOption({{"h", "help"}, "Show this help."});
     addOption({{"v", "version"}, "Show the version."});
     QStringList arguments;
@@ -68,11 +68,11 @@ std::optional<int> CommandLine::read(int argc, char** argv, const QVector<Option
         if (values(name).contains(QString()))
             return refuse(QString("--%1 needs a value").arg(name));
         if (values(name).size() > 1 && !repeatable.contains(name))
-            return refuse(QString("--%1 is given more than once").arg(name));
+            return refuse(QString("--%1 may occur only once").arg(name));
     }
     if (isSet("help")) {
         int onlyTheName = 1;
-        const QCoreApplication application(onlyTheName, argv); // the text has its name
+        const QCoreApplication application(onlyTheName, argv); // the help text contains the program's name
         print(helpText().trimmed());
         return Success;
     }
@@ -92,7 +92,7 @@ std::optional<int> CommandLine::refusePositional() const
 std::optional<int> CommandLine::setLocale() const
 {
     const QString name = value("locale");
-    // A name that Qt doesn't know gives the C locale.
+    // QLocale returns the C locale for an unknown name.
     if (!name.isEmpty() && name != "C" && QLocale(name).language() == QLocale::C)
         return refuse(QString("--locale: there is no locale '%1'").arg(name));
     if (!name.isEmpty())

@@ -8,12 +8,12 @@
 
 #include <optional>
 
-/// What a program ends with.
+/// The exit status of a program.
 enum ExitStatus { Success = 0, Failure = 1, WrongCall = 2 };
 
 /// Writes one line to standard output.
 void print(const QString& line);
-/// Writes one line on what went wrong to standard error, and returns the status.
+/// Writes one line with an error to standard error, and returns the status.
 int complain(ExitStatus status, const QString& what);
 int complain(ExitStatus status, const QStringList& all);
 
@@ -25,23 +25,23 @@ public:
     struct Option
     {
         const char* name;
-        const char* valueName; ///< null if it takes no value
+        const char* valueName; ///< null for an option without a value
         const char* description;
     };
 
     /// Sets the name and the version of the application.
     CommandLine(const QString& program, const QString& version, const QString& description);
 
-    /// Parses the arguments by the options, which help and version follow. Returns a status if the program ends with
-    /// it: the call was wrong, which includes an option without its value or given twice unless it is one of @p
-    /// repeatable, or help or version was asked for.
+    /// Parses the arguments. Returns a status if the program must end: after a usage error, which includes a missing
+    /// value and a repeated option that isn't one of @p repeatable, and after --help and --version.
     std::optional<int> read(int argc, char** argv, const QVector<Option>& options, const QStringList& repeatable = {});
-    /// Writes what is wrong with the call to standard error, and returns the status for that.
+    /// Writes a usage error to standard error, and returns the status for it.
     static int refuse(QString error);
     /// Returns a status if there is an argument that isn't an option.
     std::optional<int> refusePositional() const;
     /// Sets the default locale to that of the option "locale". Returns a status if there is no such locale.
     std::optional<int> setLocale() const;
-    /// Reads the whole number of an option into @p target, if the option is set. Returns a status if it isn't one.
+    /// Sets @p target to the integer value of an option, if the option is set. Returns a status if the value is
+    /// invalid.
     std::optional<int> readNumber(const QString& name, uint minimum, uint maximum, uint* target) const;
 };

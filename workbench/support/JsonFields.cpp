@@ -74,10 +74,10 @@ void JsonFields::text(const QString& name, QString* target)
     const bool isControl =
         std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7f; });
     if (isControl)
-        return fail(name, "must not hold control characters");
-    // Half a surrogate pair, for instance: a device list with it would break off there.
+        return fail(name, "must not contain control characters");
+    // Half a surrogate pair, for instance, would end a device list there.
     if (QString::fromUtf8(text.toUtf8()) != text || text.contains(QChar(0xfffe)) || text.contains(QChar(0xffff)))
-        return fail(name, "must hold whole characters");
+        return fail(name, "must contain only complete characters");
     *target = text;
 }
 

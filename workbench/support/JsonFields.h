@@ -11,15 +11,14 @@
 
 #include <functional>
 
-/// Reads the fields of a JSON object one by one and collects an error, with the field's path, for each that is wrong. A
-/// field that is absent leaves its target unchanged, unless it is required.
+/// Reads the fields of a JSON object one by one and adds an error with the field's path for each invalid one. An absent
+/// field leaves its target unchanged, unless it is required.
 class JsonFields final
 {
 public:
     using Read = std::function<void(JsonFields&)>;
 
-    /// Reads the fields of the document in @p bytes by @p read, which takes all known ones; others are errors, as is
-    /// text that isn't JSON.
+    /// Reads the fields of the JSON document in @p bytes with @p read. Fields that it doesn't read are errors.
     static void parse(const QByteArray& bytes, QStringList* errors, const Read& read);
 
     bool has(const QString& name) const { return m_object.contains(name); }
@@ -31,7 +30,7 @@ public:
     void flag(const QString& name, bool* target);
     void object(const QString& name, const Read& read);
     void objects(const QString& name, const Read& read);
-    /// Calls @p each with every element of a list and its path.
+    /// Calls @p each with each element of a list and its path.
     void array(const QString& name, const std::function<void(const QJsonValue&, const QString&)>& each);
     QJsonValue take(const QString& name);
 

@@ -13,7 +13,7 @@ QString numbered(const QString& path, int number)
     return number == 0 ? path : path + '.' + QString::number(number);
 }
 
-/// Returns true if the file's last line has no end, as a full disk can leave it.
+/// Returns true if the file's last line is incomplete, as after a full disk.
 bool isTorn(const QString& path)
 {
     QFile file(path);
@@ -48,8 +48,8 @@ QString LogFile::errorText() const
     return QString("log file '%1': %2").arg(m_file.fileName(), m_file.errorString());
 }
 
-/// Where a file can't be renamed, the log goes on in it: no record is lost for a limit. The older ones move up no
-/// further than to the gap that an attempt has left, or each attempt would push one more out.
+/// Rotates the files. A file that can't be renamed is continued beyond its limit, so that no record is lost. Older
+/// files are moved only up to the first gap, so that repeated attempts don't delete one after the other.
 void LogFile::rotate()
 {
     const QString path = m_file.fileName();

@@ -5,28 +5,28 @@
 #include <QFile>
 #include <QStringList>
 
-/// How long a log grows. A file that would grow larger is renamed to FILE.1, the one of that name to FILE.2 and so on;
-/// the oldest is removed.
+/// The size limits of a log. A file that would exceed them is renamed to FILE.1, FILE.1 to FILE.2 and so on; the oldest
+/// is removed.
 struct LogLimits
 {
-    qint64 bytes = 0; ///< of one file, unless one record alone is longer; 0: no limit
-    int files = 2;    ///< with the one that is written, at least 2
+    qint64 bytes = 0; ///< of one file, unless a single record is longer; 0: no limit
+    int files = 2;    ///< including the current one; at least 2
 };
 
-/// A log with one record a line, which reaches the file at once. After a failure nothing more is written.
+/// A log with one record in each line, written to the file at once. Nothing more is written after a failure.
 class LogFile final
 {
 public:
-    /// Appends to @p path from now on; to standard error if it is empty. Returns false, with errorText(), on a failure.
+    /// Opens @p path for appending, or standard error if it is empty. Returns false and sets errorText() if that fails.
     bool open(const QString& path, const LogLimits& limits = {});
     bool isOpen() const { return m_file.isOpen(); }
-    /// Returns false, with errorText(), on a failure; true if no file is open.
+    /// Writes bytes. Returns true also if no file is open, and false with errorText() on a failure.
     bool write(const QByteArray& line);
     QString errorText() const;
 
     /// Returns the files of the log, the oldest first.
     QStringList files() const { return filesAt(m_file.fileName(), m_limits.bytes > 0 ? m_limits.files : 1); }
-    /// Returns those that there are of a log of up to @p count files, the oldest first.
+    /// Returns the existing files of a log of up to @p count files, the oldest first.
     static QStringList filesAt(const QString& path, int count);
 
 private:

@@ -39,7 +39,7 @@ std::filesystem::path Platform::nativePath(const QString& path)
 
 bool Platform::writeThrough(QFile& file, const QByteArray& bytes)
 {
-    // A disk that gets full takes a part without an error, and Qt has no reason to give. The rest brings it.
+    // A write to a full disk can be partial, without an error in Qt. Writing the rest sets the error.
     return file.write(bytes) == bytes.size() && (file.flush() || file.flush());
 }
 

@@ -9,24 +9,24 @@
 
 class QFile;
 
-/// What differs between the systems that the programs run on, and what Qt's platforms make of it. Any thread.
+/// The differences between the operating systems and Qt's platforms. Any thread.
 namespace Platform {
 
-/// True where Qt would end the process for want of a display. A platform that QT_QPA_PLATFORM names is taken to work.
+/// Returns true if Qt would abort the process because there is no display. Assumes that a platform selected by
+/// QT_QPA_PLATFORM works.
 bool isWithoutDisplay();
 
-/// True for what Qt says of a machine without a display or a user's session, where it is no news.
+/// Returns true for Qt's harmless messages on a machine without a display or user session.
 bool isKnownNoise(const QString& message);
 
-/// A path as the standard library takes it, with all characters that the system allows in it.
+/// Returns a path for the standard library, with all characters that the system allows in it.
 std::filesystem::path nativePath(const QString& path);
 
-/// Appends to an open file and hands all to the system. False if that fails, with the reason in the file's
-/// errorString().
+/// Writes to an open file and flushes it. Returns false and sets the file's errorString() if that fails.
 bool writeThrough(QFile& file, const QByteArray& bytes);
 
-/// Ends the application's event loop on an interrupt or a request to terminate, instead of the process at once. GUI
-/// thread only.
+/// Makes an interrupt or a request to terminate end the application's event loop instead of the process. GUI thread
+/// only.
 void quitOnStopRequest();
 
 } // namespace Platform

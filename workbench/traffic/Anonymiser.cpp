@@ -47,7 +47,7 @@ const QSet<QString>& vocabulary()
     return words;
 }
 
-/// Returns true also for halves of characters that don't fit into one, so that no script passes for punctuation.
+/// Returns true also for surrogates, so that no script is treated as punctuation.
 bool isOfWord(QChar c)
 {
     return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c.category() == QChar::Other_PrivateUse;
@@ -63,7 +63,7 @@ bool isOfVocabulary(const QString& word)
     return vocabulary().contains(word) || vocabulary().contains(word.toLower());
 }
 
-/// Returns true for addresses, GUIDs, MACs and keys: twelve hexadecimal digits or more, in marked pairs or not.
+/// Returns true for addresses, GUIDs, MACs and keys: twelve hexadecimal digits or more, also in separated pairs.
 bool isHexadecimal(const QString& text)
 {
     static const QRegularExpression form("\\A(?:[0-9A-Fa-f]{2}[:-]?){5,}[0-9A-Fa-f]{2}\\z");
@@ -88,7 +88,7 @@ bool isWord(const QString& piece)
     return isOfWord(piece.at(0));
 }
 
-/// Returns the end of the words from @p at on that single marks join, as in an address, a date or a path.
+/// Returns the end of the words at @p at that are joined by single marks, as in an address, a date or a path.
 int endOfChain(const QString& text, int at)
 {
     while (at < text.size() && isOfWord(text.at(at))) {
@@ -98,7 +98,7 @@ int endOfChain(const QString& text, int at)
     return at;
 }
 
-/// Returns a text with each chain of words replaced by what @p replace makes of it.
+/// Returns a text with each chain of words replaced by the result of @p replace.
 template <class Replace>
 QString withChains(const QString& text, Replace replace)
 {
@@ -118,7 +118,7 @@ QString withChains(const QString& text, Replace replace)
 void Anonymiser::know(const QString& value)
 {
     m_known.insert(value.toLower());
-    // The day and month of a birthday count in its whole only, or most small numbers would.
+    // The day and month of a birthday are replaced only as part of the date; otherwise most small numbers would be.
     for (const QString& piece : piecesOf(value))
         if (isWord(piece) && (piece == value || !isNumber(piece) || piece.size() > MaxNumberLength))
             m_known.insert(piece.toLower());
@@ -151,7 +151,7 @@ QString Anonymiser::scrubbedChain(const QString& chain, Numbers numbers)
     static const QRegularExpression joint("[-/_]");
     if (m_known.contains(chain.toLower()) || isHexadecimal(chain))
         return hide(chain);
-    // A number counts, or is of seconds, versions or error codes, unless it belongs to something that is replaced.
+    // Short numbers are counts, seconds, versions or error codes unless they are part of a chain that is replaced.
     bool keepsNumbers = numbers == Numbers::KeepShort && !chain.contains(joint);
     const auto isKept = [&](const QString& word) {
         if (m_known.contains(word.toLower()))
@@ -175,7 +175,7 @@ QString Anonymiser::scrubbedChain(const QString& chain, Numbers numbers)
 
 QString Anonymiser::replacementOf(const QString& word)
 {
-    // Neither case nor the marks between the pairs of an address make another value.
+    // Values that differ only in case or in the separators of an address are equal.
     const QString key = word.toLower().remove(':').remove('-');
     const int letters = isHexadecimal(word) ? 6 : 26;
     QString& replacement = m_replacements[key];
@@ -183,8 +183,8 @@ QString Anonymiser::replacementOf(const QString& word)
         QString drawn;
         for (const QChar c : key)
             drawn += c.isDigit() ? QChar('0' + m_random.bounded(10)) : QChar('a' + m_random.bounded(letters));
-        // There are few words of a letter or two. Where they run out a replacement may be a word that means something,
-        // and then a longer one, but never that of another word.
+        // There are few words of one or two letters. When they are used up, a replacement may be a word of the
+        // vocabulary, and then a longer one, but never that of another word.
         drawn += QString(tries / 10000, 'x');
         const bool isGood = !m_known.contains(drawn) && !vocabulary().contains(drawn);
         if (drawn != key && !m_drawn.contains(drawn) && (isGood || tries > 1000))

@@ -8,17 +8,18 @@
 #include <QString>
 
 /// Replaces words that may identify a person, a device or a key by words of the same form: each digit by a digit, each
-/// letter by an ASCII letter of the same case; all else stays. While the object lives a word has one replacement, and
-/// no two words share one. The replacements are drawn at random and kept nowhere, so nothing leads back.
+/// letter by an ASCII letter of the same case. Each word has one replacement, which no other word has, during the
+/// object's lifetime. The replacements are random and not stored, so they can't be reversed.
 ///
-/// Nothing is trusted: in a text every word is replaced that isn't one of the vocabulary that the plug-in, the host and
-/// the reader write themselves, whether it is known to be personal or not.
+/// Every word of a text outside the vocabulary of plug-in, host and reader is replaced, whether it is known to be
+/// personal or not.
 class Anonymiser final
 {
 public:
     enum class Numbers {
-        /// Up to three digits stay unless hyphen, slash or underscore join them to other words, or another mark to one
-        /// that is replaced: they count, or are of seconds, versions and error codes.
+        /// Keeps up to three digits (counts, seconds, versions, error codes) unless they are joined by a hyphen, slash
+        /// or
+        /// underscore to other words, or by another mark to a word that is replaced.
         KeepShort,
         Hide,
     };
@@ -26,12 +27,12 @@ public:
     /// Adds a value whose words are always replaced, also words of the vocabulary and short numbers.
     void know(const QString& value);
 
-    /// Returns a text with all but the vocabulary replaced.
+    /// Returns a text in which all words outside the vocabulary are replaced.
     QString scrub(const QString& text, Numbers numbers = Numbers::KeepShort);
-    /// Returns a text with every word replaced.
+    /// Returns a text in which every word is replaced.
     QString hide(const QString& text);
 
-    /// Returns true if every word of the text is one of the vocabulary.
+    /// Returns true if every word of the text is in the vocabulary.
     static bool isPlain(const QString& text);
 
 private:
@@ -41,7 +42,7 @@ private:
     QSet<QString> m_known;                  // in lower case
     QHash<QString, QString> m_replacements; // of words, both in lower case
     QSet<QString> m_drawn;                  // the replacements
-    // What is drawn doesn't depend on what it replaces, so a predictable sequence serves; the system's own source is
+    // A predictable sequence is safe, as replacements don't depend on the replaced words; the system's generator is
     // slow.
     QRandomGenerator m_random = QRandomGenerator::securelySeeded();
 };

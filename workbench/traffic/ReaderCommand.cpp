@@ -14,7 +14,7 @@ const QString Begin = "QD17-C RemoteControl File\nCommand=";
 struct CommandForm
 {
     const char* word;
-    const char* arguments; ///< follow the name and one blank; words in capitals stand for values
+    const char* arguments; ///< after the name and a space; words in capitals are values
 };
 
 const CommandForm Forms[] = {
@@ -23,7 +23,7 @@ const CommandForm Forms[] = {
     {"BTPAIRCONFIRM", "0|1"},
     {"BTREAD", "\"SERIAL\""},
     {"BTISPAIRED", "PATIENT"},
-    // The one command with a blank of its own in front of the quote, two in all.
+    // The only command with two spaces before the quote.
     {"BTDELETEADDR", " \"SERIAL\""},
     {"BTPUMPREASSIGN", "\"SERIAL\" PATIENT"},
     {"ABORT", ""},
@@ -72,7 +72,7 @@ std::optional<ReaderCommand> parseCommandFile(const QByteArray& bytes, QString* 
     command.address = match.captured("ADDRESS");
     command.patientId = match.captured("PATIENT");
     command.accepted = match.captured(0) == "1";
-    // Nothing in the form tells a blank too many from an id that begins or ends with one, so neither passes.
+    // An additional space can't be distinguished from an id that begins or ends with one, so neither is valid.
     if (!given.contains(' ') || !match.hasMatch() || command.patientId != command.patientId.trimmed())
         return refuse(QString("\"%1\" isn't of the form \"%2 %3\"").arg(given, form->word, form->arguments));
     return command;

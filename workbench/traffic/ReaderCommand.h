@@ -7,7 +7,7 @@
 
 #include <optional>
 
-/// One command as the reader understood it. Values that the command doesn't carry are empty.
+/// A parsed command. Values that the command doesn't have are empty.
 struct ReaderCommand
 {
     QString word;
@@ -17,9 +17,9 @@ struct ReaderCommand
     bool accepted = false;
 };
 
-/// Parses the bytes of a command file. The form is strict to the byte, the blanks included; returns nothing for any
-/// other and sets @p fault to what is wrong.
+/// Parses the bytes of a command file, whose form must match to the byte, spaces included. Otherwise returns nothing
+/// and sets @p fault to the error.
 std::optional<ReaderCommand> parseCommandFile(const QByteArray& bytes, QString* fault);
 
-/// True if @p word is the word of a command that the reader knows, in capitals as the command file has it.
+/// Returns true if @p word is the name of a command that the reader knows, in capitals.
 bool isCommandWord(const QString& word);

@@ -14,11 +14,11 @@ inline const QString Status = "STATUS.TXT";
 inline const QString DeviceList = "DEVLIST.XML";
 inline const QString FirmwareLog = "VERSION.log";
 inline const QString ExchangeFilter = "I*.xml";
-/// Is located beside the folder MISC, not in it: its name begins with the folder's.
+/// Located in the drive's root: its name begins with that of the folder MISC.
 inline const QString Trigger = "MISCNoCommand.txt";
 } // namespace ReaderNames
 
-/// When and how large a file was last seen; two equal stamps mean that nobody has written it in between.
+/// Time and size of a file. Two equal stamps mean that the file wasn't written in between.
 struct FileStamp
 {
     qint64 modifiedMs = -1;
@@ -35,7 +35,7 @@ struct FileStamp
     bool operator!=(const FileStamp& other) const { return !(*this == other); }
 };
 
-/// Returns true if the bytes of a STATUS.TXT show a command at work.
+/// Returns true if the bytes of a STATUS.TXT show a running command.
 inline bool isRunning(const QByteArray& statusText)
 {
     return statusText.split('\n').value(2).mid(10) == "running";

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// What the host takes at most.
+/// The maximum that the host imports.
 constexpr int LargestFiller = 256 * 1024 * 1024;
 const QString InFolder = ReaderNames::Folder + '/';
 
@@ -26,7 +26,7 @@ void readEntry(JsonFields& fields, qint64 earliest, TrafficEntry* target)
     if (entry.ms < earliest)
         fields.fail("ms", "is less than in the line before");
     fields.text("file", &entry.file);
-    // What a recording names is written to the drive, so nothing but the reader's own files passes.
+    // A replay writes these files to the drive, so only the reader's own files are valid.
     if (!entry.file.isNull() && !isTrafficFile(entry.name()))
         fields.fail("file", QString("\"%1\" isn't a file of the reader").arg(entry.file));
 
@@ -104,7 +104,7 @@ std::optional<QVector<TrafficEntry>> loadTraffic(const QString& fileName, QStrin
     for (int line = 1; !file.atEnd(); ++line) {
         QStringList faults;
         const QByteArray text = file.readLine();
-        if (!text.endsWith('\n') && !text.endsWith('}')) // left by a recorder that was killed
+        if (!text.endsWith('\n') && !text.endsWith('}')) // incomplete, as from a killed recorder
             break;
         TrafficEntry entry;
         JsonFields::parse(text, &faults, [&](JsonFields& fields) {

@@ -11,44 +11,44 @@
 
 #include <optional>
 
-/// Stands for the content of a file that isn't kept.
+/// Replaces the content of a file that isn't kept.
 struct TrafficFiller
 {
     int size = 0;   ///< bytes
-    int number = 0; ///< two contents that differed have different ones
+    int number = 0; ///< different contents have different numbers
 
     QByteArray bytes() const;
 };
 
-/// One thing that happened to a file of a reader's drive.
+/// One change of a file on a reader's drive.
 struct TrafficEntry
 {
-    /// Since the recording's begin.
+    /// Time since the start of the recording.
     qint64 ms = 0;
     /// Relative to the drive's root, such as "MISC/STATUS.TXT".
     QString file;
-    /// The file's content from then on; with neither of them it went away.
+    /// The file's content from then on; the file was removed if both are empty.
     std::optional<QByteArray> bytes;
     std::optional<TrafficFiller> filler;
 
-    /// The content, or what stands in its place.
+    /// Returns the content or its replacement.
     std::optional<QByteArray> content() const { return filler ? filler->bytes() : bytes; }
 
     bool isCommand() const { return name() == ReaderNames::Command; }
     bool isStatus() const { return name() == ReaderNames::Status; }
-    /// The name within MISC.
+    /// Returns the name within MISC.
     QString name() const;
 };
 
-/// True for what ReaderNames::ExchangeFilter finds. QDir::match() would compile it anew for each name.
+/// Returns true for the names that ReaderNames::ExchangeFilter matches. QDir::match() would compile it for each name.
 bool isExchangeName(const QString& name);
 
-/// True for the files of MISC, by name, that make up the exchange between reader and computer.
+/// Returns true for the names of files in MISC that reader and computer exchange.
 bool isTrafficFile(const QString& name);
 
-/// One line of a recording, its line feed included. Content that isn't UTF-8 stands in base 64.
+/// Returns one line of a recording with its line feed. Content that isn't UTF-8 is encoded in base 64.
 QByteArray trafficLine(const TrafficEntry& entry);
 
-/// Reads a whole recording. Nothing, with one error for each line that doesn't fit ("FILE: line 3: ms: ..."), unless
-/// all of it is sound. A last line that breaks off, as a recorder leaves it that is killed, is no fault and left out.
+/// Loads a recording. Returns nothing, with one error for each invalid line ("FILE: line 3: ms: ..."), unless all of it
+/// is valid. Ignores an incomplete last line, as a killed recorder leaves it.
 std::optional<QVector<TrafficEntry>> loadTraffic(const QString& fileName, QStringList* errors);

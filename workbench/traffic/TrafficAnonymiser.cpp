@@ -18,8 +18,7 @@ constexpr int CommandLabel = 4;
 constexpr int ValueLabel = 10;
 constexpr int VersionLine = 4;
 
-/// Returns true for a value that stands for nobody, and for the one pump name that isn't somebody's choice: the plug-in
-/// depends on it.
+/// Returns true for values that identify nobody, and for the default pump name, on which the plug-in depends.
 bool isNobodys(const QString& value)
 {
     return value.isEmpty() || value == "0" || value == "Cygnara";
@@ -64,7 +63,7 @@ QString TrafficAnonymiser::hide(const QString& value)
     return m_words.hide(value);
 }
 
-/// What a file is made of, labels and words, stays as it is, also if it is somebody's name.
+/// Keeps the labels and keywords of a file, even if they are also names of persons.
 QString TrafficAnonymiser::form(const QString& text)
 {
     return Anonymiser::isPlain(text) ? text : m_words.scrub(text, Numbers::Hide);
@@ -76,7 +75,7 @@ QString TrafficAnonymiser::nameOf(const QString& name)
         return exchangeName(name);
     if (Anonymiser::isPlain(name))
         return name;
-    // A firmware log: what makes it one stays.
+    // A firmware log: keeps its fixed words.
     const QString ending = ".log";
     const int at = name.indexOf(ending, 1, Qt::CaseInsensitive);
     return name.left(1) + m_words.scrub(name.mid(1, at - 1), Numbers::Hide) + name.mid(at, ending.size()) +
@@ -121,7 +120,7 @@ QString TrafficAnonymiser::status(const QString& text)
     static const QRegularExpression errorCode("^(.*)-\\d{1,3}\\D?\\r?$");
     QStringList lines = text.split('\n');
     const QString command = lines.value(1).mid(CommandLabel).trimmed().toUpper();
-    if (m_isLearning) // nothing else in it identifies
+    if (m_isLearning) // nothing else in it is personal
         return resultOf(command, lines.value(3).mid(ValueLabel));
     for (int i = 0; i < lines.size(); ++i) {
         QString& line = lines[i];
@@ -145,7 +144,7 @@ QString TrafficAnonymiser::resultOf(const QString& command, const QString& text)
     return command == "BTISPAIRED" || command == "BTPAIR" ? hide(text) : m_words.scrub(text);
 }
 
-/// A list that breaks off does so there again; one that isn't XML has no content that could be kept.
+/// An incomplete list stays incomplete at the same place; a list that isn't XML is replaced entirely.
 std::optional<QString> TrafficAnonymiser::deviceList(const QByteArray& bytes)
 {
     const QStringList identities{"NAME", "SERIALNR", "BTADR", "PATIENT_ID"};

@@ -8,15 +8,16 @@
 #include <QHash>
 
 /// Removes names, ids, serial numbers, addresses and all free text from recordings, in the files' contents and names. A
-/// recording plays as before: words that the plug-in depends on stay, and what differed differs. An exchange file's
-/// content becomes filler of the same size, as health data has no place in a report, and so does a file that isn't of
-/// its form; two of the same content get the same filler.
+/// recording can still be replayed: words that the plug-in depends on are kept, and different values stay different.
+/// Exchange files, as health data, and invalid files become filler of the same size; equal contents get the same
+/// filler.
 class TrafficAnonymiser final
 {
 public:
-    /// Makes the anonymiser know what commands, statuses, device lists and file names identify. All recordings first.
+    /// Collects the personal values of commands, statuses, device lists and file names. Call it for all recordings
+    /// first.
     void learn(const QVector<TrafficEntry>& entries);
-    /// Returns the lines of a recording.
+    /// Returns the lines of the anonymised recording.
     QByteArray recording(const QVector<TrafficEntry>& entries);
 
     Anonymiser& words() { return m_words; }
@@ -36,8 +37,8 @@ private:
 
     Anonymiser m_words;
     bool m_isLearning = false;
-    QHash<QByteArray, int> m_fillers; // contents' hashes to the fillers' numbers
+    QHash<QByteArray, int> m_fillers; // fillers' numbers by the contents' hashes
 };
 
-/// Writes the recording @p from without personal data into @p to, which must not exist and is removed on a failure.
+/// Writes the recording @p from without personal data to @p to, which must not exist and is removed on a failure.
 bool anonymiseRecording(const QString& from, const QString& to, QStringList* errors);

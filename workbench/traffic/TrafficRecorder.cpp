@@ -11,20 +11,20 @@
 namespace {
 
 constexpr int CheckEveryMs = 10;
-/// On a busy computer the system's notification of a write can come so late that the write was seen already.
+/// The notification of a write can arrive late on a busy computer, after a check has already seen the write.
 constexpr int LateNoticeMs = 300;
-/// Up to here the content decides whether a file has changed. Stamps don't tell two writes of one second apart on FAT,
+/// Up to this size changes are detected by content: time stamps don't distinguish two writes within one second on FAT,
 /// nor any on a reader without a clock.
 constexpr qint64 SmallFile = 65536; // bytes
 
-/// A command file is emptied before it is written and an exchange file grows; both count once they are the same at two
-/// checks. The others the reader replaces in one step.
+/// A command file is truncated before it is written, and an exchange file grows: both are recorded once two checks find
+/// them unchanged. The reader replaces the other files atomically.
 bool isWrittenInSteps(const QString& name)
 {
     return name == ReaderNames::Command || isExchangeName(name);
 }
 
-/// Returns false where the drive goes away or fails: what could be read until then isn't the file's content.
+/// Returns false if the drive was removed or failed: the bytes read so far aren't the file's content.
 bool read(const QString& path, QByteArray* bytes)
 {
     QFile file(path);
@@ -50,7 +50,7 @@ TrafficRecorder::TrafficRecorder(const QString& drivePath, QObject* parent)
     m_timer.setInterval(CheckEveryMs);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &TrafficRecorder::check);
-    // Notifies of what two checks would miss: the same command again, two statuses in quick succession.
+    // Notifies of changes between two checks: an equal command again, or two statuses in quick succession.
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, [this] {
         m_isCommandWritten = true;
         check();
@@ -75,7 +75,7 @@ bool TrafficRecorder::start(const QString& fileName, QString* error)
         *error = m_drivePath + ": there is no such folder";
         return false;
     }
-    // Never over an older recording: it may be the only one of a failure.
+    // Never replaces a recording: it may be the only one of a failure.
     m_file.setFileName(fileName);
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         *error = fileName + ": " + m_file.errorString();
@@ -118,14 +118,14 @@ void TrafficRecorder::check()
             m_watcher.addPath(path);
     }
     QStringList names = QDir(pathOf({})).entryList(QDir::Files | QDir::Hidden);
-    // The status last: it refers to files that are there by then.
+    // The status comes last, as it refers to other files.
     std::stable_partition(names.begin(), names.end(), [](const QString& name) { return name != ReaderNames::Status; });
     for (const QString& name : qAsConst(names)) {
         if (isTrafficFile(name))
             checkFile(name);
     }
     for (const QString& name : m_seen.keys()) {
-        // A drive that comes back brings an old command along, which nobody gives again.
+        // The command file of a restored drive is an old one.
         if (names.contains(name) || name == ReaderNames::Command)
             continue;
         m_seen.remove(name);
@@ -144,7 +144,7 @@ void TrafficRecorder::checkFile(const QString& name)
     if (stamp.size <= SmallFile && !read(pathOf(name), &bytes))
         return;
     const bool isLate = seen.isRecorded && m_clock.elapsed() - seen.recordedMs < LateNoticeMs;
-    // merivo-reader sets the time of a command back that it has taken.
+    // merivo-reader sets back the time of a command that it has received.
     const bool isSetBack = isCommand && stamp.size == seen.stamp.size && stamp.modifiedMs < seen.stamp.modifiedMs;
     const bool isWritten = stamp != seen.stamp || (isCommand && m_isCommandWritten && !isLate);
     const bool hasChanged = bytes != seen.bytes || (isWritten && !isSetBack);
@@ -153,14 +153,13 @@ void TrafficRecorder::checkFile(const QString& name)
     seen.bytes = bytes;
     if (seen.isRecorded || (isCommand && bytes.isEmpty()) || (hasChanged && isWrittenInSteps(name)))
         return;
-    // The reader can answer a command that isn't recorded yet; the answer follows the command all the same. The end of
-    // a read-out confirms that the exchange file is complete.
+    // Records a pending command before its answer. The end of a read-out confirms that the exchange file is complete.
     if (!isCommand && !(isStatus && !isAnswerTo(bytes, m_seen.value(ReaderNames::Command).bytes)))
         recordPending(isStatus && !isRunning(bytes));
     record(name);
 }
 
-/// Records the command that hasn't been the same at two checks yet.
+/// Records the pending command, which two checks haven't found unchanged yet.
 void TrafficRecorder::recordPending(bool withExchangeFiles)
 {
     for (const QString& name : m_seen.keys()) {
@@ -189,7 +188,7 @@ void TrafficRecorder::write(const QString& name, const std::optional<QByteArray>
         return;
     TrafficEntry entry{m_clock.elapsed(), ReaderNames::Folder + '/' + name, bytes, std::nullopt};
     if (bytes && bytes->size() > m_maxContentBytes) {
-        // The size stays, and whether the content differs from another.
+        // Keeps the size, and whether the content differs from another.
         const uint mark = qHash(*bytes) & uint(std::numeric_limits<int>::max());
         entry.filler = TrafficFiller{bytes->size(), static_cast<int>(mark)};
         entry.bytes.reset();

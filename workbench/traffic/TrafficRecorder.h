@@ -13,9 +13,9 @@
 
 #include <limits>
 
-/// Records what happens on a reader's drive, whichever program serves it, without touching the drive: opens its files
-/// for reading only. An entry is the content of a file of MISC that has changed; those that are there at the start come
-/// first, except a command, which was given before. Needs a thread with an event loop.
+/// Records the changes on a reader's drive, whichever program serves it. Opens files only for reading. An entry is the
+/// new content of a file in MISC; the files that exist at the start come first, except an old command. Needs a thread
+/// with an event loop.
 class TrafficRecorder final : public QObject
 {
     Q_OBJECT
@@ -26,16 +26,16 @@ public:
     /// Stops the recording.
     ~TrafficRecorder() override;
 
-    /// Sets how large the recording grows, and from which size on a content is replaced by filler; both in bytes.
+    /// Sets the maximum size of the recording, and the size above which a content is replaced by filler; both in bytes.
     void setLimits(qint64 fileBytes, int contentBytes);
-    /// Begins to record into @p fileName, which must not exist. Returns false with a sentence that names the file if
-    /// that fails.
+    /// Starts to record to @p fileName, which must not exist. Returns false with an error that names the file if that
+    /// fails.
     bool start(const QString& fileName, QString* error);
-    /// Records what has changed since the last check and ends the recording. Returns false if failed() was emitted.
+    /// Records the changes since the last check and ends the recording. Returns false if failed() was emitted.
     bool stop();
 
 Q_SIGNALS:
-    /// The recording can't be written any more.
+    /// Emitted when the recording can't be written any more.
     void failed(const QString& error);
 
 private:
