@@ -23,7 +23,7 @@ namespace {
 using Numbers = Anonymiser::Numbers;
 
 /// The maximum taken from one log file, above the size of the rotated ones.
-constexpr qint64 MostOfALog = qint64(8) * 1024 * 1024;
+constexpr qint64 MaxLogBytes = qint64(8) * 1024 * 1024;
 constexpr int LogFields = 5;
 
 /// Returns the last lines of a file, or nothing if it can't be read.
@@ -32,7 +32,7 @@ std::optional<QByteArray> endOf(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    if (file.size() > MostOfALog && file.seek(file.size() - MostOfALog))
+    if (file.size() > MaxLogBytes && file.seek(file.size() - MaxLogBytes))
         file.readLine();
     const QByteArray bytes = file.readAll();
     return file.error() == QFile::NoError ? std::make_optional(bytes) : std::nullopt;

@@ -75,9 +75,9 @@ QList<QStandardItem*> rowOf(const QStringList& texts)
 }
 
 /// Limits a column's width, so that a long text doesn't hide the others; the tooltip shows all of it.
-void fitColumns(QTableView* table, int mostCharacters)
+void fitColumns(QTableView* table, int maxCharacters)
 {
-    const int widest = table->fontMetrics().averageCharWidth() * mostCharacters;
+    const int widest = table->fontMetrics().averageCharWidth() * maxCharacters;
     for (int column = 0; column < table->model()->columnCount(); ++column) {
         if (table->horizontalHeader()->sectionResizeMode(column) == QHeaderView::Stretch)
             continue;

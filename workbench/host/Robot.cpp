@@ -23,7 +23,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto TickEvery = 20ms;
+constexpr auto TickInterval = 20ms;
 
 /// Returns the point to click: near the left or right edge, as a check box reacts only on its mark and text.
 QPoint hitPointOf(const QWidget* widget)
@@ -94,7 +94,7 @@ Robot::Robot(HostApplication& host, const QVector<RobotStep>& steps, const QDir&
     , m_steps(steps)
     , m_pictures(pictures)
 {
-    m_timer.setInterval(TickEvery);
+    m_timer.setInterval(TickInterval);
     connect(&m_timer, &QTimer::timeout, this, &Robot::tick);
 }
 

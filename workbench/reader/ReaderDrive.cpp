@@ -155,8 +155,8 @@ bool ReaderDrive::replaceFile(const QString& name, const QByteArray& bytes)
 
 bool ReaderDrive::moveInto(const QString& from, const QString& name)
 {
-    const QString trouble = rename(from, filePath(name));
-    return trouble.isEmpty() || fail(QString("%1: %2").arg(filePath(name), trouble));
+    const QString renameError = rename(from, filePath(name));
+    return renameError.isEmpty() || fail(QString("%1: %2").arg(filePath(name), renameError));
 }
 
 void ReaderDrive::removeFile(const QString& name)
@@ -196,8 +196,8 @@ bool ReaderDrive::removeDrive(bool wholeDrive)
     // The lock file is moved along with the drive and couldn't be removed later.
     m_lock->unlock();
     const auto [place, away] = placesOf(wholeDrive);
-    const QString trouble = rename(place, away);
-    return trouble.isEmpty() || fail(QString("%1: can't be removed: %2").arg(place, trouble));
+    const QString renameError = rename(place, away);
+    return renameError.isEmpty() || fail(QString("%1: can't be removed: %2").arg(place, renameError));
 }
 
 std::pair<QString, QString> ReaderDrive::placesOf(bool wholeDrive) const
@@ -216,9 +216,9 @@ bool ReaderDrive::restore(QString* error)
             continue;
         // Removes a folder that another program has created in its place, if it is empty.
         QDir().rmdir(place);
-        const QString trouble = rename(away, place);
-        if (!trouble.isEmpty()) {
-            *error = QString("%1: can't be restored as %2: %3").arg(away, place, trouble);
+        const QString renameError = rename(away, place);
+        if (!renameError.isEmpty()) {
+            *error = QString("%1: can't be restored as %2: %3").arg(away, place, renameError);
             return false;
         }
     }

@@ -10,7 +10,7 @@
 
 namespace {
 
-const int LongestMs = 3600 * 1000;
+const int MaxMs = 3600 * 1000;
 /// The commands that address one pump and can fail because of it.
 const QStringList PumpCommands = {"BTPAIR", "BTPAIRCONFIRM", "BTREAD", "BTDELETEADDR", "BTPUMPREASSIGN"};
 
@@ -50,7 +50,7 @@ void readUser(JsonFields& fields, Pump* pump)
     pump->user = Users.value(does, pump->user);
     if (!does.isNull() && !Users.contains(does))
         fields.fail("does", "must be \"confirms\", \"declines\", \"walks away\" or \"does nothing\"");
-    fields.number("afterMs", 0, LongestMs, &pump->userTakesMs);
+    fields.number("afterMs", 0, MaxMs, &pump->userTakesMs);
 }
 
 void readPump(JsonFields& fields, Pump* pump)
@@ -64,7 +64,7 @@ void readPump(JsonFields& fields, Pump* pump)
     fields.text("confirmationCode", &pump->confirmationCode);
     fields.text("patientId", &pump->patientId);
     fields.flag("inRange", &pump->inRange);
-    fields.number("linkHoldsMs", 0, LongestMs, &pump->linkHoldsMs);
+    fields.number("linkHoldsMs", 0, MaxMs, &pump->linkHoldsMs);
     fields.object("user", [pump](JsonFields& user) { readUser(user, pump); });
     fields.object("errors", [pump](JsonFields& codes) {
         for (const QString& word : codes.names()) {
@@ -106,7 +106,7 @@ void readScenario(JsonFields& fields, Scenario* scenario, QStringList* errors)
     scenario->seed = static_cast<quint32>(seed);
     fields.object("times", [scenario](JsonFields& times) {
         for (const auto& entry : TimeFields)
-            times.number(entry.name, 0, LongestMs, &(scenario->times.*entry.field));
+            times.number(entry.name, 0, MaxMs, &(scenario->times.*entry.field));
     });
     fields.object("exchange", [scenario](JsonFields& exchange) { readExchange(exchange, &scenario->exchange); });
     fields.objects("pumps", [scenario](JsonFields& pump) {
