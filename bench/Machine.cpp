@@ -69,7 +69,7 @@ bool writeRandomFile(const QString& path, int mebibytes)
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    std::mt19937 random(1); // NOLINT(cert-msc51-cpp): the same bytes at each call
+    std::mt19937 random(1); // NOLINT(cert-msc51-cpp): the same bytes in each call
     QByteArray bytes(1024 * 1024, Qt::Uninitialized);
     for (int i = 0; i < mebibytes; ++i) {
         for (char& byte : bytes)

@@ -7,19 +7,19 @@
 #include <optional>
 #include <vector>
 
-/// Returns the most memory that this process has had resident so far, in KiB, or 0 where the system doesn't report it.
-/// Unlike that of getrusage() it isn't inherited from the parent process.
+/// Returns the peak resident memory of this process in KiB, or 0 if the system doesn't report it. Unlike the value of
+/// getrusage() it isn't inherited from the parent process.
 long peakMemory();
 
-/// Returns the processor time of the calling thread in milliseconds, or -1 where the system doesn't report it.
+/// Returns the processor time of the calling thread in milliseconds, or -1 if the system doesn't report it.
 double threadMilliseconds();
 
 /// Returns a time in milliseconds for work that never waits: threadMilliseconds(), or plain time where that isn't
 /// available. On a busy machine plain time grows faster than the work, as longer work is interrupted more.
 double workMilliseconds();
 
-/// Lets the process keep memory that is freed, if the C library can. Otherwise a call that takes much memory pays the
-/// kernel for new pages each time, which hides how its own work grows.
+/// Makes the process keep freed memory, if the C library supports that. Otherwise a call that allocates much memory
+/// gets new pages from the kernel each time, which hides how its own work grows.
 void keepFreedMemory();
 
 /// Returns a folder on a file system in memory, or the system's temporary folder where there is none.
@@ -29,7 +29,7 @@ QString memoryFolder();
 bool writeRandomFile(const QString& path, int mebibytes);
 
 /// Runs this program in another process as "PROGRAM --child ARGUMENT". Returns the numbers that it prints, separated by
-/// blanks, or nothing if it fails.
+/// spaces, or nothing if it fails.
 std::optional<std::vector<double>> runChild(const QString& argument);
 /// Returns the argument and calls disableLog() if this process was started by runChild().
 std::optional<QString> childArgument(int argc, char** argv);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int LimitMissed = 3;
 
-/// Three significant digits, and no exponent.
+/// Returns a number with three significant digits and without an exponent.
 QString withUnit(double value, const QString& unit)
 {
     const double size = std::abs(value);
@@ -36,7 +36,7 @@ Report::Report(const QString& title, const QVector<Option>& options)
 {
     disableLog();
     QCommandLineParser parser;
-    parser.setApplicationDescription(title + ". Ends with 3 if a limit is missed.");
+    parser.setApplicationDescription(title + ". The exit code is 3 if a limit is exceeded.");
     parser.addHelpOption();
     for (const Option& option : options)
         parser.addOption({option.name, option.description, "N", QString::number(option.number)});
@@ -58,7 +58,7 @@ void Report::add(const QString& what, double figure, const QString& unit, double
 {
     const bool isMet = figure <= limit;
     m_missed |= !isMet;
-    m_rows << row(withUnit(figure, unit), what, "at most " + withUnit(limit, unit), isMet ? "met" : "MISSED");
+    m_rows << row(withUnit(figure, unit), what, "at most " + withUnit(limit, unit), isMet ? "PASS" : "FAIL");
 }
 
 void Report::note(const QString& what, double figure, const QString& unit)

@@ -36,10 +36,10 @@ public:
     void add(const QString& what, double figure, const QString& unit, double limit);
     /// Adds a figure without a limit.
     void note(const QString& what, double figure, const QString& unit);
-    /// Adds a figure that can't be measured here, which counts as a missed limit.
+    /// Adds a figure that can't be measured here, which counts as an exceeded limit.
     void addMissing(const QString& what, const QString& why);
 
-    /// Prints the table. Returns the exit code: 0, or 3 if a limit is missed.
+    /// Prints the table. Returns the exit code: 0, or 3 if a limit is exceeded.
     int print() const;
 
 private:
@@ -49,7 +49,7 @@ private:
     bool m_missed = false;
 };
 
-/// Disables Qt's log messages except critical ones, since they cost time that they don't cost in a host.
+/// Disables Qt's log messages except critical ones, as their output takes time that it doesn't take in a host.
 void disableLog();
 
 /// Prints to standard error why the benchmark couldn't measure, and returns the exit code 1.
@@ -86,8 +86,8 @@ struct Comparison
     void addTo(Report& report, const QString& what, const QString& unit, double limit) const;
 };
 
-/// Calls both, which return their costs, @p rounds times after some rounds that don't count. They take turns in going
-/// first, so that neither always finds the caches as the other left them. Returns nothing if a cost is below 0.
+/// Calls both, which return their costs, @p rounds times after some rounds that are ignored. They take turns in being
+/// called first, as the first call affects the caches for the second. Returns nothing if a cost is below 0.
 template <typename Ours, typename Bare>
 std::optional<Comparison> compare(int rounds, const Ours& ours, const Bare& bare)
 {

@@ -37,8 +37,8 @@ public:
     void keep(bool enabled) { m_keep = enabled; }
 
     std::vector<Turn> turns;
-    /// The turns inside a UsbDeviceAdapter::wait(), without its sleep. They are mostly empty, and would dilute the
-    /// others.
+    /// The turns inside a UsbDeviceAdapter::wait(), without its sleep. They are mostly empty, and would dominate the
+    /// percentiles.
     std::vector<Turn> waitingTurns;
 
 private:

@@ -30,10 +30,10 @@ constexpr std::array<int, 3> Sizes{1, 8, 64}; // MiB
 const QString DatabaseGuid = "{d2f7a4a0-0001-4c1e-9a55-000000000001}";
 const QString Puid = "p-0001";
 
-/// What a child process measures, in milliseconds and KiB.
+/// The results of a child process, in milliseconds and KiB.
 enum Cost { MacTime, MacMemory, ImportTime, ImportMemory, CostCount };
 
-/// The minimum of a MAC: Qt's code over the bytes of the file.
+/// The minimum cost of a MAC: Qt's code applied to the bytes of the file.
 QString bareMac(const QString& path)
 {
     const QByteArray shared(reinterpret_cast<const char*>(SharedMacKey.data()), static_cast<int>(SharedMacKey.size()));
@@ -66,7 +66,7 @@ double workTime(const Work& work)
     return workMilliseconds() - start;
 }
 
-/// Computes one MAC and imports into a new database, in a process of its own, so that each peak of memory is seen.
+/// Computes one MAC and imports into a new database, in a separate process, to measure each peak of memory.
 int runAsChild(const QString& path)
 {
     std::array<double, CostCount> costs{};
@@ -117,7 +117,7 @@ int main(int argc, char** argv)
         const QString path = folder.filePath(QString("I%1.xml").arg(mebibytes));
         if (!writeRandomFile(path, mebibytes) || commandMac(path) != bareMac(path))
             return benchmarkFailed("can't write " + path + ", or the two MACs differ");
-        // A small file needs more rounds for one without disturbance.
+        // A small file needs more rounds to get an undisturbed one.
         const int rounds = report.number("rounds") * std::min(10, Sizes.back() / mebibytes);
         const auto macs = compare(
             rounds, [&] { return workTime([&] { commandMac(path); }); },

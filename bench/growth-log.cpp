@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// What log records cost merivo-host's GUI thread, from one to a thousand a second, and whether any is lost. Another
-// thread writes them with the plug-in's logger, as the polling thread does; the host's window and file show them.
+// The cost of log records on merivo-host's GUI thread, from one to a thousand per second, and whether any is lost.
+// Another thread writes them with the plug-in's logger, as the polling thread does.
 
 #include "bench/Machine.h"
 #include "bench/Report.h"
@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::array<int, 4> Rates{1, 10, 100, 1000};
 constexpr int FullTable = 20000;                     ///< the most records that the host's table keeps
-const char* const Mark = "status of the benchmark."; ///< in none of the host's own records
+const char* const Mark = "status of the benchmark."; ///< not in any of the host's own records
 const QString Message = QString("=?= <%1; BTREAD; running; ; 0> ") + Mark;
 
 /// Returns the percentage of its time that the GUI thread works while records are written at that rate.
@@ -70,7 +70,7 @@ int main(int argc, char** argv)
 
     const double idle = shareOfGuiThread(logger, 0, seconds);
     qint64 written = 0;
-    Growth shares(share, "lines a second", "%");
+    Growth shares(share, "lines per second", "%");
     for (const int rate : Rates) {
         shares.add(rate, shareOfGuiThread(logger, rate, seconds) - idle);
         written += qint64(rate) * seconds;
@@ -82,7 +82,7 @@ int main(int argc, char** argv)
 
     report.note(share + ", no line", idle, "%");
     shares.addTo(report, 1.3);
-    report.add(share + ", 1,000 lines a second, table full", full, "%", 50);
+    report.add(share + ", 1,000 lines per second, table full", full, "%", 50);
     const double logged = file.open(QIODevice::ReadOnly) ? file.readAll().count(Mark) : 0;
     report.add("lines lost or repeated", std::abs(static_cast<double>(written) - logged), "lines", 0);
     return report.print();

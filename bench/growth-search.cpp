@@ -30,7 +30,7 @@
 
 namespace {
 
-constexpr int PatienceMs = 60000;
+constexpr int TimeoutMs = 60000;
 const QString FileName = "DEVLIST.XML";
 
 PatientRecord patientOf(int number)
@@ -39,7 +39,7 @@ PatientRecord patientOf(int number)
     return {"p-" + text, {"Name " + text, "Surname", "1970-02-03", text}};
 }
 
-/// Returns a list of pumps that belong to the first hundred patients, or to patients who are unknown.
+/// Returns a list of pumps that are paired with the first hundred patients, or with unknown ones.
 QByteArray deviceList(int devices, bool isStale)
 {
     QByteArray text("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<DEVICELIST>\n");
@@ -53,7 +53,7 @@ QByteArray deviceList(int devices, bool isStale)
     return text + "</DEVICELIST>\n";
 }
 
-/// Notices when a widget is painted.
+/// Records when a widget is painted.
 class PaintWatch final : public QObject
 {
 public:
@@ -85,7 +85,7 @@ double paintedSearch(const ReaderFolder& reader, RecordingHost& host)
     parser->m_lastStatus.status = CommandStatus::Done;
     const double start = workMilliseconds();
     Q_EMIT parser->finished(true);
-    while (!watch.isPainted && workMilliseconds() - start < PatienceMs)
+    while (!watch.isPainted && workMilliseconds() - start < TimeoutMs)
         QCoreApplication::processEvents();
     return watch.isPainted ? workMilliseconds() - start : -1;
 }
@@ -185,7 +185,7 @@ int main(int argc, char** argv)
                   {{"devices", 10000, "The largest number of devices."},
                    {"patients", 100000, "The largest number of patients."}});
     keepFreedMemory();
-    qputenv("TMPDIR", QFile::encodeName(memoryFolder())); // the time of a disk isn't what grows
+    qputenv("TMPDIR", QFile::encodeName(memoryFolder())); // disk access isn't part of the measurement
     const ReaderFolder reader;
     reader.writeStatus("Reader status 0", "NONE", "done");
     if (!measureDevices(report, reader) || !measurePatients(report))

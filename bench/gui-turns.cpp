@@ -26,13 +26,13 @@
 
 namespace {
 
-constexpr int PatienceMs = 60000;
+constexpr int TimeoutMs = 60000;
 constexpr int PauseMs = 500;     // before each read-out
 constexpr int CheckMs = 1000;    // between two checks of the user, each of which is a turn
 constexpr int ProgressMs = 3000; // the reader's time for the pump's history
 constexpr int ExchangeFileBytes = 512 * 1024;
 
-/// The thread of the reader, as the real one is a device of its own.
+/// A separate thread for the reader, as a real one is a separate device.
 class ReaderThread final : public QThread
 {
 public:
@@ -55,8 +55,8 @@ void prepare(ReaderFolder& reader)
     };
 }
 
-/// Ends the program from within a run, whose objects can't be destroyed in the middle of their work.
-[[noreturn]] void giveUp(const QString& why)
+/// Exits without destroying the objects of the current run, which are still in use.
+[[noreturn]] void exitWithError(const QString& why)
 {
     std::_Exit(benchmarkFailed(why));
 }
@@ -97,7 +97,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     Report report(
         "Blocking of the GUI thread in read-outs (" + QGuiApplication::platformName() + ")",
-        {{"rounds", 5, "Read-outs."}, {"longest", 0, "Lists so many of the longest turns on standard error."}});
+        {{"rounds", 5, "Read-outs."}, {"longest", 0, "Number of the longest turns to list on standard error."}});
     const auto rounds = static_cast<std::size_t>(report.number("rounds"));
     ReaderFolder reader;
     prepare(reader);
@@ -138,7 +138,7 @@ int main(int argc, char** argv)
     std::size_t firstReadOut = 0;
     QObject::connect(&window, &QPushButton::clicked, &window, [&] {
         if (!component->execute(&window))
-            giveUp("the plug-in refused the run");
+            exitWithError("the plug-in refused the run");
         if (readOuts == 0)
             firstReadOut = meter.turns.size();
         ++readOuts;
@@ -147,7 +147,7 @@ int main(int argc, char** argv)
         else
             QTimer::singleShot(PauseMs, &window, &QPushButton::click);
     });
-    QTimer::singleShot(PatienceMs * static_cast<int>(rounds), &window, [] { giveUp("the read-outs don't end"); });
+    QTimer::singleShot(TimeoutMs * static_cast<int>(rounds), &window, [] { exitWithError("the read-outs don't end"); });
     window.show();
     QTimer::singleShot(PauseMs, &window, [&] {
         meter.keep(true);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// What a report of all that merivo-host keeps by default costs, and how long the window is blocked meanwhile: five log
+// The cost of a report with all data that merivo-host keeps by default, and how long it blocks the window: five log
 // files of 1 MiB, and 16 MiB of traffic, which is polling or, with --pumps, device lists.
 
 #include "bench/Machine.h"
@@ -24,7 +24,7 @@ namespace {
 constexpr int LogFiles = 5;
 constexpr int LogBytes = 1024 * 1024;
 
-/// Fills the limits with traffic in which each step has another status, and another list if it has pumps.
+/// Writes traffic up to the limits, in which each step has a new status, and a new list if there are pumps.
 bool writeTraffic(const QString& folder, int pumpsOfAList)
 {
     const TrafficLimits limits;
@@ -56,7 +56,7 @@ bool writeTraffic(const QString& folder, int pumpsOfAList)
     return true;
 }
 
-/// Writes through the host's own log, which deletes the oldest files.
+/// Writes with the host's log, which deletes the oldest files.
 bool writeLog(HostLog& log)
 {
     for (int i = 0; i < LogFiles * LogBytes / 100; ++i)
@@ -75,7 +75,7 @@ double processMilliseconds()
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
-    Report report("Cost of a report of all that the host keeps",
+    Report report("Cost of a report with all data that the host keeps",
                   {{"patients", 1000, "Patients in the database."},
                    {"pumps", 0, "Pumps in each device list of the traffic, or 0 for traffic of polling."}});
     const QTemporaryDir folder;
@@ -100,7 +100,7 @@ int main(int argc, char** argv)
     if (!meter.isMeasuring())
         return benchmarkFailed("this event loop can't be measured");
     for (const bool withPersonalData : {true, false}) {
-        const QString kind = withPersonalData ? "as it is: " : "anonymised: ";
+        const QString kind = withPersonalData ? "unchanged: " : "anonymised: ";
         const QString path = folder.filePath(withPersonalData ? "plain.zip" : "anonymised.zip");
         meter.turns.clear();
         meter.keep(true);

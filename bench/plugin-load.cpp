@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// Loading the plug-in up to its components, compared with a plug-in that does nothing. Each load has a process of its
-// own.
+// Loading the plug-in up to its components, compared with a plug-in that does nothing. Each load has a separate
+// process.
 
 #include "bench/Machine.h"
 #include "bench/Report.h"
@@ -27,7 +27,7 @@ const std::array<const char*, 6> StepNames{
     "initialize()",     "installTranslator()", "components()",
 };
 
-/// Makes the calls of a host and prints the milliseconds of each step.
+/// Makes the calls of a host, and prints the duration of each step in milliseconds.
 int loadAsChild(const QString& library)
 {
     const QTemporaryDir folder;

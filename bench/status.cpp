@@ -30,10 +30,10 @@
 namespace {
 
 constexpr std::chrono::milliseconds TickPeriod{100};
-constexpr std::chrono::seconds Patience{10};
+constexpr std::chrono::seconds Timeout{10};
 constexpr int CallsPerRound = 20;
 
-/// The minimum of a forced read: create or truncate the trigger file, then read the status file.
+/// The minimum cost of a forced read: create or truncate the trigger file, then read the status file.
 bool bareRead([[maybe_unused]] const char* trigger, [[maybe_unused]] const char* status)
 {
 #ifdef Q_OS_UNIX
@@ -82,7 +82,7 @@ void compareReads(Report& report, const ReaderFolder& reader, StatusFileParser* 
     if (const auto result = compare(report.number("rounds"), microsecondsOf(ours), microsecondsOf(bare)))
         result->addTo(report, what, "us", 2.5);
     else
-        report.addMissing(what, "no such calls here");
+        report.addMissing(what, "not supported on this system");
 }
 
 /// Returns the milliseconds from the renaming of a "done", @p phase after a tick, to finished(); -1 on a failure.
@@ -113,7 +113,7 @@ double deliveryTime(const ReaderFolder& reader, StatusFileParser* parser, const 
         loop.quit();
     });
     QObject::connect(parser, &StatusFileParser::timeout, &loop, &QEventLoop::quit);
-    QTimer::singleShot(Patience, &loop, &QEventLoop::quit);
+    QTimer::singleShot(Timeout, &loop, &QEventLoop::quit);
 
     CommandFileWriter::instance()->read("1234567");
     parser->start(440, 20, 5);

@@ -25,9 +25,9 @@ namespace {
 
 constexpr int Side = 48;
 constexpr int CallsPerRound = 1000;
-/// Volatile, as a compiler that knows it would compute the bare call's power of ten in advance.
+/// Volatile, as the compiler would otherwise compute the bare call's power of ten in advance.
 volatile int s_decimals = 2;
-/// Takes the results, so that no call is optimised away.
+/// Receives the results, so that no call is optimised away.
 volatile double s_sum = 0;
 
 /// Returns an operation that returns how many nanoseconds one call takes, over all of @p inputs.
@@ -172,7 +172,7 @@ bool compareIcons(Report& report)
         return kept;
     };
     compare(rounds, again(ownIcon), again(bareIcon))->addTo(report, "lmIcon() again / new QIcon", "us", 2);
-    // The lookup by path takes a microsecond, which no drawing notices.
+    // The lookup by path takes a microsecond, which is negligible for painting.
     compare(rounds, again(ownIcon), again(keptIcon))->addTo(report, "lmIcon() again / kept QIcon", "us", 5);
     return true;
 }

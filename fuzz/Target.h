@@ -13,17 +13,17 @@
 #include <cstdio>
 
 /// The entry of every fuzz target, which libFuzzer and the replay call once for each input. Always returns 0: the
-/// sanitizers or require() report a fault.
+/// sanitizers or require() report faults.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 /// Ends the program with a message unless @p condition holds, so that the fuzzer keeps the input.
 inline void require(bool condition, const char* what)
 {
     if (!condition)
-        qFatal("not so: %s", what);
+        qFatal("violated: %s", what);
 }
 
-/// Returns the bytes of an input and suppresses Qt's messages except fatal ones, as a fuzzer causes millions of them.
+/// Returns the bytes of an input. Disables Qt's messages except fatal ones, as a fuzzer causes millions of them.
 inline QByteArray inputOf(const std::uint8_t* data, std::size_t size)
 {
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
@@ -33,8 +33,7 @@ inline QByteArray inputOf(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), static_cast<int>(size)};
 }
 
-/// A reader's drive, for code that takes files and not bytes. Removed when the process ends; fuzz/run puts it into
-/// memory.
+/// A reader's drive, for code that reads files. Removed when the process ends; fuzz/run creates it in memory.
 class Drive final
 {
 public:

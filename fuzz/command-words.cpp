@@ -97,16 +97,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString line = lineOf(words.mid(0, count));
     require(QDir::setCurrent(from), "the drive can be left");
 
-    require(left == words.mid(count), "options are taken, and nothing after them");
+    require(left == words.mid(count), "only options are taken");
     require(command.values() == values, "an option has its value");
     require(command.commandLine() == line, "the line has what was taken");
     const bool atCommand = left.isEmpty() || !left.first().startsWith('-');
     require(!understood || atCommand, "an option that isn't taken is unknown");
     require(!line.contains('"'), "a command line has no double quotes");
     require(line.count('\'') % 2 == 0, "single quotes come in pairs");
-    require(line.isEmpty() == (left.size() == words.size()), "the line has what was taken, if anything");
+    require(line.isEmpty() == (left.size() == words.size()), "the line is empty if nothing was taken");
 
-    // Another command takes nothing more of the rest if the first one has understood it.
+    // Another command takes no more arguments if the first one has understood them.
     QStringList rest = left;
     const bool more = EveryOption().setArguments(rest);
     require(!understood || (more && rest == left), "a command name isn't an option");

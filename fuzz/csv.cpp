@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::array<const char*, 8> Locales{"en_GB", "de_DE", "he_IL", "ar_EG", "fa_IR", "hi_IN", "fr_CH", "nb_NO"};
 
-/// The text within ="...", with its backslashes halved.
+/// Returns the text within ="..." with single backslashes.
 QString unquoted(const QString& formula)
 {
     const QString text = formula.mid(2, formula.size() - 3);
@@ -30,7 +30,7 @@ QString unquoted(const QString& formula)
 
 void checkFormula(const QString& item, const QString& formula)
 {
-    require(formula.size() > 2 && formula.endsWith('"'), "a formula is whole");
+    require(formula.size() > 2 && formula.endsWith('"'), "a formula is complete");
     QString kept = item;
     for (const char control : {'\n', '\r', '\t'})
         kept.remove(QLatin1Char(control));

@@ -42,11 +42,11 @@ QString* fieldAt(const QStringList& path, DeviceInfo& device)
     return place == "INTERFACE/PATIENT_ID" ? &device.patientId : nullptr;
 }
 
-/// The records before anything other than tags without attributes and printable texts, by a second parser.
+/// A second parser for the records before anything other than tags without attributes and printable texts.
 struct PlainReading
 {
     QList<DeviceInfo> devices;
-    bool isWhole = false; ///< the list has nothing else
+    bool isWhole = false; ///< the list has no other content
 };
 
 PlainReading plainReading(const QByteArray& bytes)
@@ -100,10 +100,10 @@ PlainReading plainReading(const QByteArray& bytes)
     return reading;
 }
 
-/// Whatever follows them, the records that a plain list begins with are read.
+/// The records at the start of a plain list are read, regardless of the rest.
 void checkPlain(const QList<DeviceInfo>& devices, const QByteArray& bytes)
 {
-    // Bytes that aren't UTF-8 can cost the records just before them, and many name spaces end a list.
+    // Bytes that aren't UTF-8 can invalidate the records just before them, and many namespaces end a list.
     if (QString::fromUtf8(bytes).toUtf8() != bytes || bytes.count("xmlns") > 256)
         return;
     const PlainReading plain = plainReading(bytes);
@@ -114,7 +114,7 @@ void checkPlain(const QList<DeviceInfo>& devices, const QByteArray& bytes)
 
 void checkDevice(const DeviceInfo& device, const QByteArray& bytes)
 {
-    // Without an id only if that is damaged.
+    // A paired pump has no patient only if the id is damaged.
     require(device.paired || device.patientId.isEmpty(), "a pump with a patient is paired");
     require(device.patientId != "0", "0 isn't a patient");
     require(device.deviceName != "Cygnara", "the pump has its display name");

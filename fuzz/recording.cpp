@@ -30,7 +30,7 @@ bool areEqual(const TrafficEntry& one, const TrafficEntry& other)
     return one.ms == other.ms && one.file == other.file && one.content() == other.content();
 }
 
-/// A recording that is written again is the same.
+/// Writing the entries again yields the same recording.
 void checkAgain(const QVector<TrafficEntry>& entries)
 {
     QByteArray lines;
@@ -40,7 +40,7 @@ void checkAgain(const QVector<TrafficEntry>& entries)
     QStringList errors;
     const auto again = load(lines, &errors);
     require(again && std::equal(again->cbegin(), again->cend(), entries.cbegin(), entries.cend(), areEqual),
-            "a recording that is written again is the same");
+            "written again, a recording is the same");
 }
 
 /// The replay restores the drive as it was before the first command.
@@ -72,7 +72,7 @@ void checkPlayed(const QVector<TrafficEntry>& entries)
         require(hasFailed || name == ReaderNames::Status || expected.contains(name), "the drive has no other files");
     for (auto it = expected.cbegin(); it != expected.cend() && !hasFailed; ++it) {
         QFile file(drive.filePath(it.key()));
-        require(file.open(QIODevice::ReadOnly) && file.readAll() == it.value(), "the drive is as it was");
+        require(file.open(QIODevice::ReadOnly) && file.readAll() == it.value(), "the drive has the recorded content");
     }
     const QStringList roots = QDir(folder.path()).entryList(Everything);
     require(roots == QStringList({".merivo-reader.lock", "MISC"}), "nothing is written outside MISC");

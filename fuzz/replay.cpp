@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// Runs a fuzz target on the inputs of its corpus, without a fuzzer and with any compiler.
+// Runs a fuzz target on the inputs of its corpus, without libFuzzer.
 
 #include "fuzz/Target.h"
 

@@ -46,9 +46,9 @@ void checkStatus(const Pump& pump)
 
 void checkPump(const Pump& pump)
 {
-    require(pump.serialNumber.size() >= 3 && !pump.serialNumber.contains('"'), "a serial number fits");
-    require(!pump.address.isEmpty() && !pump.address.contains(' '), "an address fits");
-    require(pump.patientId.isEmpty() || isPatientId(pump.patientId), "a patient's id fits");
+    require(pump.serialNumber.size() >= 3 && !pump.serialNumber.contains('"'), "a serial number is valid");
+    require(!pump.address.isEmpty() && !pump.address.contains(' '), "an address is valid");
+    require(pump.patientId.isEmpty() || isPatientId(pump.patientId), "a patient's id is valid");
     require(pump.userTakesMs >= 0 && pump.linkHoldsMs >= 0, "no time is negative");
     require(std::none_of(pump.errors.cbegin(), pump.errors.cend(), [](int code) { return code < 1; }),
             "an error code is 1 or above");
@@ -89,7 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto scenario = parseScenario(inputOf(data, size), &errors);
     require(scenario.has_value() == errors.isEmpty(), "a scenario is valid or has errors");
     for (const QString& error : qAsConst(errors))
-        require(error.indexOf(": ") > 0, "an error names its place");
+        require(error.indexOf(": ") > 0, "an error names its field");
     if (scenario)
         checkScenario(*scenario);
     return 0;

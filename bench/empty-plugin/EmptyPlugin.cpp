@@ -6,7 +6,7 @@
 #include <QObject>
 
 /// The smallest plug-in of this host: it loads the two icons of the menu entry and has no component. Its loading time
-/// is Qt's share in that of the real one.
+/// is Qt's share of that of the real one.
 class EmptyPlugin final : public QObject, public IPlugin
 {
     Q_OBJECT

@@ -13,8 +13,8 @@
 
 #include <unistd.h>
 
-/// QtCore's hooks for debuggers: an array whose first number is the version of its layout. Declared in a private
-/// header, and exported.
+/// QtCore's hooks for debuggers: an array whose first element is the version of its layout. Exported, but declared in a
+/// private header.
 extern "C" Q_CORE_EXPORT quintptr qtHookData[];
 
 namespace {
@@ -46,7 +46,7 @@ int entryCount(const QString& folder)
 void watchObjects()
 {
     if (qtHookData[LayoutVersion] < 1)
-        qFatal("This Qt has no hooks to count objects by.");
+        qFatal("This version of Qt has no hooks to count objects.");
     qtHookData[ObjectAdded] = reinterpret_cast<quintptr>(&objectAdded);
     qtHookData[ObjectRemoved] = reinterpret_cast<quintptr>(&objectRemoved);
 }

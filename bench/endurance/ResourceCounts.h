@@ -5,7 +5,7 @@
 #include <QMap>
 #include <QString>
 
-/// What this process holds at a moment.
+/// The resources that this process holds.
 struct ResourceCounts
 {
     QMap<QString, int> objects; ///< QObjects of all threads by class; those created before watchObjects() don't count
@@ -14,12 +14,12 @@ struct ResourceCounts
 
     /// GUI thread only, while no other thread works.
     static ResourceCounts now();
-    /// Waits up to a second of real time until there are no more threads than in @p start, since a thread that was
-    /// joined still ends for a moment.
+    /// Waits up to a second of real time until there are no more threads than in @p start, as a joined thread still
+    /// exists for a moment.
     static ResourceCounts settled(const ResourceCounts& start);
-    /// Returns what differs from @p start except memory, or an empty text.
+    /// Returns the differences from @p start except memory, or an empty text.
     QString differenceFrom(const ResourceCounts& start) const;
 };
 
-/// Starts to count QObjects.
+/// Starts counting QObjects.
 void watchObjects();

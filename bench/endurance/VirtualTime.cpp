@@ -29,11 +29,11 @@ constexpr Nanoseconds Second = 1000LL * 1000 * 1000;
 constexpr Nanoseconds Millisecond = 1000LL * 1000;
 constexpr Nanoseconds Reading = 1000;
 constexpr Nanoseconds Never = std::numeric_limits<Nanoseconds>::max();
-/// How long a waiting thread waits, in real time, until it checks whether a thread that didn't wait has ended.
+/// The interval in real time at which a waiting thread checks whether a running thread has ended.
 constexpr Nanoseconds Retry = 5 * Millisecond;
-/// The clock always starts at the same time, since coarse timers are rounded by it.
+/// A fixed start time, as coarse timers are rounded by the clock's value.
 constexpr Nanoseconds Start = 1000 * Second;
-/// A loop that reads the clock more often than this in a row is waiting for it.
+/// A loop that reads the clock more often in a row is assumed to wait for it.
 constexpr int FreeReadings = 100000;
 
 constexpr timespec toTimespec(Nanoseconds time)
@@ -46,7 +46,7 @@ Nanoseconds toNanoseconds(const timespec& time)
     return time.tv_sec * Second + time.tv_nsec;
 }
 
-// The system's own calls, past what this file puts in their place, and past a sanitizer's.
+// The system's calls, bypassing the replacements in this file and a sanitizer's.
 
 Nanoseconds systemTime(clockid_t clock)
 {
@@ -63,7 +63,7 @@ int systemPoll(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
 
 thread_local bool t_isPeer = false;
 
-/// What one thread waits for. Its last descriptor is the one by which another thread wakes it.
+/// The descriptors and time that a thread waits for. The last descriptor is for wake-ups by another thread.
 class Waiter final
 {
     Q_DISABLE_COPY_MOVE(Waiter)
@@ -102,7 +102,7 @@ private:
 std::atomic<bool> s_on{false};
 std::atomic<Nanoseconds> s_now{Start}; // of CLOCK_MONOTONIC
 std::atomic<Nanoseconds> s_wallOffset{0};
-std::atomic<int> s_readings{0}; // since a thread last went on
+std::atomic<int> s_readings{0}; // since a thread last continued
 int s_freeReadings = 0;
 Nanoseconds s_realStart = 0;
 std::mutex s_mutex;
@@ -139,7 +139,7 @@ std::vector<const Waiter*> readyWaiters()
     return ready;
 }
 
-/// Returns whether a thread that has something to do may go on now. Under s_mutex.
+/// Returns true if a thread that is ready may continue now. Under s_mutex.
 bool isTurnOf(const Waiter& waiter)
 {
     if (!s_hasPeer)
@@ -149,8 +149,8 @@ bool isTurnOf(const Waiter& waiter)
     return std::any_of(s_waiters.cbegin(), s_waiters.cend(), [](const Waiter* other) { return other->isPeer; });
 }
 
-/// Once all threads wait, wakes those that are ready, or sets the clock to the earliest time that is waited for and
-/// wakes that waiter. Under s_mutex.
+/// If all threads wait, wakes those that are ready, or sets the clock to the earliest requested time and wakes that
+/// waiter. Under s_mutex.
 void wakeNext()
 {
     if (s_waiters.size() < threadCount())
@@ -181,7 +181,7 @@ int waitVirtually(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
         s_waiters.push_back(&waiter);
         wakeNext();
     }
-    // A copy, since other threads poll the waiter's own.
+    // A copy, as other threads poll the waiter's descriptors.
     std::vector<pollfd> set = waiter.descriptors;
     int result = 0;
     int error = 0;
@@ -216,7 +216,7 @@ void VirtualTime::start(bool readingsTakeTime)
 {
     s_freeReadings = readingsTakeTime ? 0 : FreeReadings;
     s_realStart = systemTime(CLOCK_MONOTONIC);
-    // In whole seconds, so that all times are cut to milliseconds alike.
+    // In whole seconds, so that all times are truncated to milliseconds in the same way.
     s_wallOffset = (systemTime(CLOCK_REALTIME) / Second - Start / Second) * Second;
     s_on = true;
 }
@@ -263,7 +263,7 @@ double VirtualTime::realMilliseconds()
     return static_cast<double>(systemTime(CLOCK_MONOTONIC) - s_realStart) / Millisecond;
 }
 
-// What stands in for the system's. The program's symbols come before those of the libraries, the C library included.
+// Replacements of the system's functions. The program's symbols precede those of the libraries, the C library included.
 
 extern "C" {
 

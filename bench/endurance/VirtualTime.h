@@ -4,28 +4,29 @@
 
 #include <QtGlobal>
 
-/// A clock for the whole process that moves when nothing else does, so that hours of waiting take as long as the work
-/// in between.
+/// A clock for the whole process that advances only while all threads wait, so that hours of waiting take as long as
+/// the work in between.
 ///
 /// The functions of this file replace the system's calls that read the time or wait for it: clock_gettime(),
 /// gettimeofday(), nanosleep(), poll() and ppoll(), through which Qt, GLib and the standard library do both. Once every
-/// thread waits and no descriptor that one of them waits for is ready, the clock jumps to the earliest time that is
-/// waited for. Timers fire in their order, at their times. A thread that waits for something other than time and
+/// thread waits and no descriptor that one of them waits for is ready, the clock jumps to the earliest requested time.
+/// Timers fire in order, at their times. A thread that waits for something other than time and
 /// descriptors stops the clock, for instance an idle one of a thread pool, see endIdleThreads().
 ///
 /// Waits on condition variables are not replaced: nothing here waits on one with a limit. Linux only.
 namespace VirtualTime {
 
-/// Switches to this clock. Call once, before the application object is created. A reading of the clock takes a
-/// microsecond, or no time, with which all times are the same in each run but whole milliseconds, which Qt rounds up.
+/// Switches to this clock. Call once, before the application object is created. Each reading of the clock takes a
+/// microsecond or no time; without it all times are the same in each run, but are whole milliseconds, which Qt rounds
+/// up.
 void start(bool readingsTakeTime = true);
 /// Ends the idle threads of Qt's global thread pool whenever the calling thread's event loop waits. Call once, after
-/// the application object is created. The pool's expiry time is no replacement: it is a wait on a condition variable.
+/// the application object is created. The pool's expiry time can't do that, as it waits on a condition variable.
 void endIdleThreads();
-/// Makes the calling thread run only while all other threads wait, and they only while it waits. What the two sides do
-/// to each other then happens in the same order in each run. At most one thread at a time, until it ends.
+/// Makes the calling thread run only while all other threads wait, and vice versa, so that both sides interact in the
+/// same order in each run. Applies to one thread at a time, until it ends.
 void becomePeer();
-/// Sets the wall clock forth or back. The other clocks don't change.
+/// Sets the wall clock forward or back. The other clocks don't change.
 void shiftWallClock(qint64 seconds);
 /// Returns the virtual time since start(), in milliseconds.
 double milliseconds();

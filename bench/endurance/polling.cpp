@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// Polling for hours: whether each tick writes the trigger and reads the status, whether each change of the status is
-// seen at the next tick, and whether anything grows.
+// Polls for hours and checks that each tick writes the trigger and reads the status, that each change of the status is
+// seen at the next tick, and that nothing grows.
 
 #include "bench/endurance/ResourceCounts.h"
 #include "bench/endurance/VirtualTime.h"
@@ -34,8 +34,8 @@ constexpr int TicksPerHour = 36000;
 constexpr qint64 AllowedGrowthKiB = 256; // after the first hour
 constexpr double AllowedPauseMs = 105;
 
-/// Records what the plug-in does to the reader's files, and changes the status when the trigger file is opened, as a
-/// drive does. Used on the polling thread only.
+/// Counts the plug-in's accesses to the reader's files, and changes the status when the trigger file is opened, as a
+/// drive does. Polling thread only.
 class WatchedDrive final
 {
 public:
@@ -50,10 +50,10 @@ public:
         if (name && std::strcmp(name, "/MISCNoCommand.txt") == 0)
             triggered();
         else if (name && std::strcmp(name, "/STATUS.TXT") == 0)
-            outOfTurn += ++reads != triggers ? 1 : 0;
+            outOfOrder += ++reads != triggers ? 1 : 0;
     }
 
-    /// Takes the number of a status from a record of the plug-in's log.
+    /// Reads the number of a status from a record of the plug-in's log.
     void recorded(const QString& record)
     {
         if (record.contains("> observed."))
@@ -64,25 +64,25 @@ public:
     int reads = 0;
     int ticks = 0; ///< counted by the receiver of progress()
     int changes = 0;
-    int seen = 0;              ///< the latest status in the log; 0 as long as there is none
-    int outOfTurn = 0;         ///< in another order than trigger, status, tick
-    int missed = 0;            ///< changes that weren't seen at the next tick
-    double longestPauseMs = 0; ///< between two triggers
+    int seen = 0;          ///< the latest status in the log; 0 if there is none
+    int outOfOrder = 0;    ///< accesses in another order than trigger, status, tick
+    int missed = 0;        ///< changes that weren't seen at the next tick
+    double maxPauseMs = 0; ///< between two triggers
 
 private:
     void triggered()
     {
-        outOfTurn += triggers != reads || triggers != ticks ? 1 : 0;
+        outOfOrder += triggers != reads || triggers != ticks ? 1 : 0;
         missed += seen != changes ? 1 : 0;
         const double now = VirtualTime::milliseconds();
         if (triggers > 0)
-            longestPauseMs = std::max(longestPauseMs, now - m_lastTrigger);
+            maxPauseMs = std::max(maxPauseMs, now - m_lastTrigger);
         m_lastTrigger = now;
         ++triggers;
         if (triggers != m_wantedTicks && m_random() % 20 != 0)
             return;
         ++changes;
-        // By another name and through a file descriptor, so that opened() isn't called for it.
+        // By another name and file descriptor, so that opened() isn't called for it.
         const bool isWritten = m_reader.writeStatus(QString("Status %1").arg(changes), "BTREAD",
                                                     triggers == m_wantedTicks ? "done" : "running");
         if (!isWritten)
@@ -105,7 +105,7 @@ void takeRecord(QtMsgType type, const QMessageLogContext&, const QString& text)
         std::fprintf(stderr, "%s\n", qUtf8Printable(text));
 }
 
-/// Processes events until @p parser has ended; returns whether it succeeded.
+/// Processes events until @p parser has ended. Returns true if it succeeded.
 bool poll(StatusFileParser* parser, WatchedDrive& drive, int hours, qint64* firstHourKiB)
 {
     QObject receiver;
@@ -163,7 +163,7 @@ int main(int argc, char** argv)
     const ReaderFolder reader;
     reader.writeStatus("Status 0", "BTREAD", "done");
     WatchedDrive drive(reader, ticks);
-    // What stays after its first use: the plug-in's logger, and what the event loop and the clock wait with.
+    // Creates what is kept after its first use: the plug-in's logger, and the objects for waiting.
     Logger::instance(nullptr, nullptr);
     QTimer::singleShot(1, &app, &QCoreApplication::quit);
     QCoreApplication::exec();
@@ -181,16 +181,17 @@ int main(int argc, char** argv)
     const QString difference = end.differenceFrom(start);
     const qint64 growth = end.residentKiB - firstHourKiB;
     std::printf("%.2f hours of virtual time in %.0f s; longest pause between two ticks: %.3f ms (at most %.0f)\n",
-                VirtualTime::milliseconds() / 3600000, VirtualTime::realMilliseconds() / 1000, drive.longestPauseMs,
+                VirtualTime::milliseconds() / 3600000, VirtualTime::realMilliseconds() / 1000, drive.maxPauseMs,
                 AllowedPauseMs);
-    std::printf("%d ticks, %s: trigger written %d times, status read %d times, out of turn %d times\n", ticks,
-                isDone ? "all reported" : "NOT all reported", drive.triggers, drive.reads, drive.outOfTurn);
+    std::printf("%d ticks, %s: trigger written %d times, status read %d times, out of order %d times\n", ticks,
+                isDone ? "all reported" : "NOT all reported", drive.triggers, drive.reads, drive.outOfOrder);
     std::printf("Changes of the status: %d; not seen at the next tick: %d\n", drive.changes, drive.missed);
-    std::printf("Memory after the first hour: %lld KiB, at the end: %+lld KiB (at most %lld)\nLeft behind: %s\n",
-                firstHourKiB, growth, AllowedGrowthKiB, difference.isEmpty() ? "nothing" : qUtf8Printable(difference));
-    const bool isMet = isDone && drive.triggers == ticks && drive.reads == ticks && drive.outOfTurn == 0 &&
-                       drive.missed == 0 && drive.seen == drive.changes && drive.longestPauseMs <= AllowedPauseMs &&
+    std::printf(
+        "Memory after the first hour: %lld KiB, at the end: %+lld KiB (at most %lld)\nResources not released: %s\n",
+        firstHourKiB, growth, AllowedGrowthKiB, difference.isEmpty() ? "nothing" : qUtf8Printable(difference));
+    const bool isMet = isDone && drive.triggers == ticks && drive.reads == ticks && drive.outOfOrder == 0 &&
+                       drive.missed == 0 && drive.seen == drive.changes && drive.maxPauseMs <= AllowedPauseMs &&
                        growth <= AllowedGrowthKiB && difference.isEmpty();
-    std::printf("%s\n", isMet ? "met" : "NOT MET");
+    std::printf("%s\n", isMet ? "PASS" : "FAIL");
     return isMet ? 0 : 1;
 }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 
-// Whole runs of the plug-in in one process, from the menu entry to the import, and what each of them leaves behind.
+// Runs the plug-in many times in one process, from the menu entry to the import, and checks for resource leaks.
 
 #include "bench/endurance/ResourceCounts.h"
 #include "bench/endurance/VirtualTime.h"
@@ -30,20 +30,20 @@ namespace {
 
 constexpr int PauseMs = 200; // before each run
 constexpr int CheckMs = 50;  // between two checks of the user
-constexpr int PatienceMs = 10 * 60 * 1000;
+constexpr int TimeoutMs = 10 * 60 * 1000;
 constexpr int WarmRun = 100; // whose memory the last one is compared with
 constexpr qint64 AllowedGrowthKiB = 1024;
 constexpr int ExchangeFileBytes = 64 * 1024;
 constexpr int ConnectionLost = 32;
 
-/// A click of the user, made once that dialog is active and the button is enabled.
+/// A click of the user, as soon as that dialog is active and the button is enabled.
 struct Click
 {
     const char* dialog;
-    const char* button; ///< as pressableButtons() names it
+    const char* button; ///< its name in pressableButtons()
 };
 
-/// One way through the plug-in, with the reader's answers to one command other than usual.
+/// One scenario of a run, with special answers of the reader to one command.
 struct Story
 {
     const char* name;
@@ -69,7 +69,7 @@ const Click OkRemoval{"PumpRemoveDialog", "Ok"};
 const Click MessageOk{"LmMessageBox", "Ok"};
 const Click MessageYes{"LmMessageBox", "Yes"};
 
-/// Most runs use the first one. The first runs use each of them twice.
+/// The first runs use each scenario twice, most of the others the first one.
 const std::vector<Story> Stories{
     {"read-out and import", true, 1, {Read}},
     {"read-out that the reader never starts", true, 0, {Read, MessageOk}, "BTREAD", {}},
@@ -79,8 +79,8 @@ const std::vector<Story> Stories{
     {"stopped search", false, 0, {Add, SearchOrStop, SearchOrStop, CancelAdding, Close}, "SEARCH", {{20, "running"}}},
 };
 
-/// Ends the program from within a run, whose objects can't be destroyed in the middle of their work.
-[[noreturn]] void giveUp(const QString& why)
+/// Exits without destroying the objects of the current run, which are still in use.
+[[noreturn]] void exitWithError(const QString& why)
 {
     std::fprintf(stderr, "endurance-runs: %s\n", qUtf8Printable(why));
     std::_Exit(1);
@@ -91,7 +91,7 @@ void setPaired(ReaderFolder& reader, bool isPaired)
     reader.answer("BTISPAIRED", {{20, "running"}, {20, "done", isPaired ? "1234567" : "0"}});
 }
 
-/// Sets up the reader for a story. An ABORT that ends before the add dialog expects it would be missed.
+/// Sets up the reader for a scenario. An ABORT that ends before the add dialog expects it would be missed.
 void prepare(ReaderFolder& reader, const Story& story)
 {
     QFile::remove(reader.misc() + "/I0001.xml");
@@ -112,8 +112,7 @@ void prepare(ReaderFolder& reader, const Story& story)
     };
 }
 
-/// Makes the runs one after the other, and compares what the process holds after each with what it held before the
-/// first.
+/// Executes the runs one after the other, and compares the process's resources after each with those before the first.
 class Endurance final : public QObject
 {
 public:
@@ -126,22 +125,22 @@ public:
         m_window.setText(component->menuText());
         m_window.setIcon(component->icon());
         m_window.show();
-        m_patience.setSingleShot(true);
-        connect(&m_patience, &QTimer::timeout, this, [this] { giveUp(describeRun("doesn't end")); });
+        m_timeout.setSingleShot(true);
+        connect(&m_timeout, &QTimer::timeout, this, [this] { exitWithError(describeRun("doesn't end")); });
         prepare(m_reader, Stories.front());
-        // In the outermost event loop, after all pending deletions, as a host opens a menu entry.
+        // In the outermost event loop, after all pending deletions, as in a host.
         QTimer::singleShot(PauseMs, this, [this] {
             m_start = ResourceCounts::now();
             run();
         });
     }
 
-    /// Prints the results and returns whether the limits are met.
+    /// Prints the results. Returns true if the limits are met.
     bool report() const
     {
         std::printf("%.1f hours of virtual time in %.0f s\n", VirtualTime::milliseconds() / 3600000,
                     VirtualTime::realMilliseconds() / 1000);
-        std::printf("Runs that left something behind: %d\n", m_differing);
+        std::printf("Runs that leaked resources: %d\n", m_differing);
         const qint64 growth = m_runs > WarmRun ? m_last.residentKiB - m_warmKiB : 0;
         if (m_runs > WarmRun)
             std::printf("Memory after run %d: %lld KiB, after run %d: %+lld KiB (at most %lld)\n", WarmRun, m_warmKiB,
@@ -159,10 +158,10 @@ private:
         m_host.openDiary(QString("p-%1").arg(m_run), {"Doe", "Jane", "1970-02-03", "4711"});
         prepare(m_reader, *m_story);
         m_clicks = 0;
-        m_patience.start(PatienceMs);
+        m_timeout.start(TimeoutMs);
         if (!m_component->execute(&m_window))
-            giveUp(QString("the plug-in refused run %1").arg(m_run));
-        m_patience.stop();
+            exitWithError(QString("the plug-in refused run %1").arg(m_run));
+        m_timeout.stop();
         check();
         m_reader.commandsSeen.clear();
         m_host.journal.clear();
@@ -170,14 +169,14 @@ private:
         QTimer::singleShot(PauseMs, this, &Endurance::compare);
     }
 
-    /// A run that does nothing leaves nothing behind either, so checks what it did.
+    /// Checks the run's effects, as a run that does nothing wouldn't leak either.
     void check() const
     {
         const auto& imports = m_host.commandHandler.imports;
         const bool isOurs = imports.empty() || (imports.front()->puid() == QString("p-%1").arg(m_run) &&
                                                 imports.front()->fileMac().size() == 64);
         if (m_clicks != m_story->clicks.size() || static_cast<int>(imports.size()) != m_story->imports || !isOurs)
-            giveUp(describeRun("went wrong"));
+            exitWithError(describeRun("failed"));
     }
 
     QString describeRun(const char* what) const
@@ -190,7 +189,7 @@ private:
             .arg(m_host.journal.lines.join('\n'));
     }
 
-    /// Makes the next click if it is for that dialog.
+    /// Performs the next click if it is for that dialog.
     void click(const QWidget& dialog)
     {
         if (m_clicks == m_story->clicks.size())
@@ -203,7 +202,7 @@ private:
     void compare()
     {
         m_last = ResourceCounts::settled(m_start);
-        // The first run of each story creates objects that Qt and the toolkit's icon cache keep.
+        // The first run of each scenario creates objects that Qt and the toolkit's icon cache keep.
         if (static_cast<std::size_t>(m_run) <= Stories.size())
             m_start.objects = m_last.objects;
         const QString difference = m_last.differenceFrom(m_start);
@@ -225,8 +224,8 @@ private:
     const Story* m_story = nullptr;
     std::size_t m_clicks = 0;
     const ModalUser m_user{[this](const QWidget& dialog) { click(dialog); }, CheckMs};
-    QTimer m_patience;
-    QPushButton m_window; ///< the host's
+    QTimer m_timeout;
+    QPushButton m_window; ///< the host's window
     const int m_runs;
     int m_run = 0;
     int m_differing = 0;
@@ -270,7 +269,7 @@ int main(int argc, char** argv)
     QPluginLoader loader(MERIVO_PLUGIN_FILE);
     auto* plugin = qobject_cast<IPlugin*>(loader.instance());
     if (!plugin)
-        giveUp("can't load the plug-in: " + loader.errorString());
+        exitWithError("can't load the plug-in: " + loader.errorString());
     {
         QSettings settings(folder.filePath("plugin.ini"), QSettings::IniFormat);
         plugin->setExtensionRegistry(&host);
