@@ -1,26 +1,34 @@
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
 
-# merivo_add_floor(NAME FOLDER SOURCES ... LINKS ...)
+# merivo_add_layer(TARGET ALIAS SOURCES ... LINKS ...)
 #
-# One floor of the house: a static, position-independent library. Its include directory shows its own folder alone, so
-# a source can include only what its floor links, and a forbidden include doesn't compile.
-function(merivo_add_floor name folder)
+# Adds one layer: a static, position-independent library. Its headers are those listed and those next to a source of the
+# same name. They are included by folder, as "readerlink/StatusFileParser.h", and only by targets that link the layer: for
+# each header, a folder of the build tree that belongs to the layer has a file that includes it.
+function(merivo_add_layer target alias)
     cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
-    set(view "${PROJECT_BINARY_DIR}/include/${name}")
-    get_filename_component(view_parent "${view}/${folder}" DIRECTORY)
-    file(MAKE_DIRECTORY "${view_parent}")
-    file(CREATE_LINK "${PROJECT_SOURCE_DIR}/${folder}" "${view}/${folder}" RESULT failure SYMBOLIC)
-    if(failure)
-        # No right to make links, as on Windows without developer mode: builds too, but lets forbidden includes pass.
-        set(view "${PROJECT_SOURCE_DIR}")
-    endif()
+    set(headers ${arg_SOURCES})
+    list(TRANSFORM headers REPLACE "\\.cpp$" ".h")
+    set(include_dir "${PROJECT_BINARY_DIR}/include/${target}")
+    file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
+    string(REGEX REPLACE "^src/" "" folder "${folder}")
+    set(public_headers)
+    foreach(header IN LISTS headers)
+        if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${header}" AND header MATCHES "\\.h$")
+            file(RELATIVE_PATH path "${include_dir}/${folder}" "${CMAKE_CURRENT_SOURCE_DIR}/${header}")
+            file(CONFIGURE OUTPUT "${include_dir}/${folder}/${header}" CONTENT "#include \"${path}\"\n")
+            list(APPEND public_headers ${header})
+        endif()
+    endforeach()
 
-    add_library(${name} STATIC ${arg_SOURCES})
-    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON AUTOMOC ON AUTOUIC ON)
-    target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${view}>")
-    # How we build is nothing that a user of an installed floor takes over.
-    target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:merivo_options>)
+    add_library(${target} STATIC ${arg_SOURCES})
+    add_library(${alias} ALIAS ${target})
+    set_target_properties(${target} PROPERTIES
+        POSITION_INDEPENDENT_CODE ON AUTOMOC ON AUTOUIC ON PUBLIC_HEADER "${public_headers}")
+    target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${include_dir}>")
+    # Our options of the compiler don't become part of an installed layer.
+    target_link_libraries(${target} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:merivo_options>)
 endfunction()
 
 # merivo_add_resources(OUTPUT QRC [OPTIONS ...]): qt5_add_resources() with a reproducible result. rcc stores the time of

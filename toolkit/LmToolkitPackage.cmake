@@ -11,8 +11,7 @@ set(lm_package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/LmToolkit")
 # LIBRARY, with all of its headers except the private ones.
 function(lm_install_library target name library)
     cmake_parse_arguments(arg "" "" "PRIVATE_HEADERS" ${ARGN})
-    get_target_property(headers ${target} SOURCES)
-    list(FILTER headers INCLUDE REGEX "\\.h$")
+    get_target_property(headers ${target} PUBLIC_HEADER)
     list(REMOVE_ITEM headers ${arg_PRIVATE_HEADERS})
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${name} OUTPUT_NAME ${library} PUBLIC_HEADER "${headers}")
