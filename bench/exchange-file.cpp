@@ -7,7 +7,7 @@
 #include "bench/Machine.h"
 #include "bench/Report.h"
 #include "commands/ImportDataCommand.h"
-#include "host/SharedKey.h"
+#include "hostapi/SharedKey.h"
 #include "plugin/session/PatientSession.h"
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDeviceAdmin.h"

@@ -5,8 +5,8 @@
 
 #include "bench/Report.h"
 #include "bench/TurnMeter.h"
-#include "host/IComponent.h"
-#include "host/IPlugin.h"
+#include "hostapi/IComponent.h"
+#include "hostapi/IPlugin.h"
 #include "support/ModalUser.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"

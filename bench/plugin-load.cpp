@@ -6,7 +6,7 @@
 
 #include "bench/Machine.h"
 #include "bench/Report.h"
-#include "host/IPlugin.h"
+#include "hostapi/IPlugin.h"
 #include "support/RecordingHost.h"
 
 #include <QApplication>

@@ -3,7 +3,7 @@
 #include "commands/CommandController.h"
 
 #include "commands/ImportDataCommand.h"
-#include "host/ICommandHandler.h"
+#include "hostapi/ICommandHandler.h"
 #include "plugin/session/PatientSession.h"
 
 #include <memory>

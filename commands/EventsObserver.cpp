@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "commands/EventsObserver.h"
 
-#include "host/IDatabase.h"
-#include "host/IEventPublisher.h"
+#include "hostapi/IDatabase.h"
+#include "hostapi/IEventPublisher.h"
 #include "plugin/session/PatientSession.h"
 
 namespace {

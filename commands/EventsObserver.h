@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/HostEvents.h"
+#include "hostapi/HostEvents.h"
 
 #include <QObject>
 #include <QPointer>

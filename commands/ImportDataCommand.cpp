@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/ImportDataCommand.h"
 
-#include "host/SharedKey.h"
+#include "hostapi/SharedKey.h"
 #include "plugin/session/PatientSession.h"
 
 #include <QCryptographicHash>

@@ -5,7 +5,7 @@
 #include "commands/CommandExt.h"
 #include "commands/ModeData.h"
 #include "commands/PatientData.h"
-#include "host/IImportDataCmd.h"
+#include "hostapi/IImportDataCmd.h"
 
 /// Imports the exchange file of the last read-out into the open database.
 ///

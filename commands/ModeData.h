@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IModeData.h"
+#include "hostapi/IModeData.h"
 
 #include <QStringList>
 

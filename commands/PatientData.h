@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IPatientData.h"
+#include "hostapi/IPatientData.h"
 
 /// The patient record of a command.
 class PatientData : public virtual IPatientData

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "commands/CommandExt.h"
-#include "host/IQueryDiaryCmd.h"
+#include "hostapi/IQueryDiaryCmd.h"
 
 /// A query of a diary. The plug-in never sends it.
 class QueryDiaryCmd final : public IQueryDiaryCmd, public CommandExt

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IComponent.h"
+#include "hostapi/IComponent.h"
 
 #include <QIcon>
 #include <QObject>

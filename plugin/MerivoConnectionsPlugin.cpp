@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/MerivoConnectionsPlugin.h"
 
-#include "host/ICommandHandler.h"
-#include "host/IDatabase.h"
-#include "host/IDeviceAdmin.h"
-#include "host/IEventPublisher.h"
-#include "host/IExtensionRegistry.h"
-#include "host/IServices.h"
+#include "hostapi/ICommandHandler.h"
+#include "hostapi/IDatabase.h"
+#include "hostapi/IDeviceAdmin.h"
+#include "hostapi/IEventPublisher.h"
+#include "hostapi/IExtensionRegistry.h"
+#include "hostapi/IServices.h"
 #include "plugin/MerivoConnectionsComponent.h"
 #include "plugin/session/Logger.h"
 #include "plugin/session/PatientSession.h"

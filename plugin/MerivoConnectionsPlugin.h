@@ -4,7 +4,7 @@
 
 #include "commands/CommandController.h"
 #include "commands/EventsObserver.h"
-#include "host/IPlugin.h"
+#include "hostapi/IPlugin.h"
 
 #include <QIcon>
 #include <QTranslator>

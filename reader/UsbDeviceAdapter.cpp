@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/UsbDeviceAdapter.h"
 
-#include "host/IDeviceAdmin.h"
+#include "hostapi/IDeviceAdmin.h"
 
 #include <QCoreApplication>
 #include <QCursor>

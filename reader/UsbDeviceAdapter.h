@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IDevice.h"
+#include "hostapi/IDevice.h"
 
 #include <QString>
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workflows/AddPumpControl.h"
 
-#include "host/IDatabase.h"
-#include "host/IServices.h"
+#include "hostapi/IDatabase.h"
+#include "hostapi/IServices.h"
 #include "plugin/session/Logger.h"
 #include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"

@@ -5,8 +5,8 @@
 
 #include "bench/endurance/ResourceCounts.h"
 #include "bench/endurance/VirtualTime.h"
-#include "host/IComponent.h"
-#include "host/IPlugin.h"
+#include "hostapi/IComponent.h"
+#include "hostapi/IPlugin.h"
 #include "support/ModalUser.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/session/Logger.h"
 
-#include "host/IServices.h"
+#include "hostapi/IServices.h"
 #include "plugin/session/QueuedCall.h"
 
 #include <QCoreApplication>

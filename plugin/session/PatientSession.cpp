@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/session/PatientSession.h"
 
-#include "host/IDatabase.h"
-#include "host/IServices.h"
+#include "hostapi/IDatabase.h"
+#include "hostapi/IServices.h"
 #include "plugin/session/SessionWatch.h"
 
 #include <QDate>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/endurance/VirtualTime.h"
 #include "e2e/FaultyFiles.h"
-#include "host/IComponent.h"
+#include "hostapi/IComponent.h"
 #include "support/ModalUser.h"
 #include "workbench/host/HostApplication.h"
 #include "workbench/host/HostOptions.h"

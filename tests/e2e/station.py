@@ -169,7 +169,7 @@ class Station:
             guid = database.execute("SELECT value FROM meta WHERE key = 'guid'").fetchone()[0]
             rows = database.execute("SELECT id, puid, file_name, mac, bytes FROM imports"
                                     " LEFT JOIN import_files ON import_id = id").fetchall()
-        shared = re.findall(r"0x([0-9a-f]{2})", (ROOT / "host/SharedKey.h").read_text())
+        shared = re.findall(r"0x([0-9a-f]{2})", (ROOT / "src/hostapi/SharedKey.h").read_text())
         key = ("".join(shared) + guid).encode()
         for number, puid, name, mac, content in rows:
             if content is None or hmac.new(key, content, hashlib.sha256).hexdigest() != mac:

@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/ICommandHandler.h"
-#include "host/IDatabase.h"
-#include "host/IDevice.h"
-#include "host/IDeviceAdmin.h"
-#include "host/IEventPublisher.h"
-#include "host/IExtensionRegistry.h"
-#include "host/IImportDataCmd.h"
-#include "host/IServices.h"
+#include "hostapi/ICommandHandler.h"
+#include "hostapi/IDatabase.h"
+#include "hostapi/IDevice.h"
+#include "hostapi/IDeviceAdmin.h"
+#include "hostapi/IEventPublisher.h"
+#include "hostapi/IExtensionRegistry.h"
+#include "hostapi/IImportDataCmd.h"
+#include "hostapi/IServices.h"
 
 #include <QDate>
 #include <QHash>

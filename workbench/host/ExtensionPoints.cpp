@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/ExtensionPoints.h"
 
-#include "host/ICommandHandler.h"
-#include "host/IEventPublisher.h"
-#include "host/IPlugin.h"
+#include "hostapi/ICommandHandler.h"
+#include "hostapi/IEventPublisher.h"
+#include "hostapi/IPlugin.h"
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDates.h"
 #include "workbench/host/HostDeviceAdmin.h"

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IDatabase.h"
-#include "host/IExtensionRegistry.h"
-#include "host/IServices.h"
+#include "hostapi/IDatabase.h"
+#include "hostapi/IExtensionRegistry.h"
+#include "hostapi/IServices.h"
 
 class HostDatabase;
 class HostDeviceAdmin;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/HostApplication.h"
 
-#include "host/IPlugin.h"
+#include "hostapi/IPlugin.h"
 #include "workbench/host/HostReport.h"
 
 #include <QCoreApplication>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IDevice.h"
-#include "host/IDeviceAdmin.h"
+#include "hostapi/IDevice.h"
+#include "hostapi/IDeviceAdmin.h"
 
 #include <QString>
 

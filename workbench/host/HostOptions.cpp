@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/HostOptions.h"
 
-#include "host/PluginIdentity.h"
+#include "hostapi/PluginIdentity.h"
 #include "workbench/support/CommandLine.h"
 
 std::optional<int> HostOptions::read(int argc, char** argv)

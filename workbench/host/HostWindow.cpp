@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/HostWindow.h"
 
-#include "host/IComponent.h"
-#include "host/IPlugin.h"
+#include "hostapi/IComponent.h"
+#include "hostapi/IPlugin.h"
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDates.h"
 #include "workbench/host/HostDeviceAdmin.h"

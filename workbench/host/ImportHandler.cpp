@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/ImportHandler.h"
 
-#include "host/IImportDataCmd.h"
-#include "host/SharedKey.h"
+#include "hostapi/IImportDataCmd.h"
+#include "hostapi/SharedKey.h"
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/ICommandHandler.h"
+#include "hostapi/ICommandHandler.h"
 
 #include <QObject>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IDatabase.h"
+#include "hostapi/IDatabase.h"
 #include "ui_PatientDialog.h"
 
 #include <QDialog>

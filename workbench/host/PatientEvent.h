@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/HostEvents.h"
-#include "host/IDatabase.h"
+#include "hostapi/HostEvents.h"
+#include "hostapi/IDatabase.h"
 
 /// An event with a patient. Has a copy of the values, as events are shared.
 template <class Event>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IDatabase.h"
-#include "host/IEventPublisher.h"
+#include "hostapi/IDatabase.h"
+#include "hostapi/IEventPublisher.h"
 
 /// "EventPublisherExtensionPoint": the open diary, and the events about it. GUI thread only.
 class PatientEvents final : public IEventPublisher

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workbench/host/PluginHost.h"
 
-#include "host/IComponent.h"
-#include "host/IPlugin.h"
+#include "hostapi/IComponent.h"
+#include "hostapi/IPlugin.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/ICommand.h"
+#include "hostapi/ICommand.h"
 
 /// A query of a diary.
 class IQueryDiaryCmd : public ICommand

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "host/IElement.h"
+#include "hostapi/IElement.h"
 
-#include "host/IPlugin.h"
+#include "hostapi/IPlugin.h"
 
 IElement::~IElement() = default;
 

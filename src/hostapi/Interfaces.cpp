@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "host/HostEvents.h"
-#include "host/ICommandHandler.h"
-#include "host/IComponent.h"
-#include "host/IDatabase.h"
-#include "host/IDeviceAdmin.h"
-#include "host/IEventPublisher.h"
-#include "host/IImportDataCmd.h"
-#include "host/IPermissions.h"
-#include "host/IQueryDiaryCmd.h"
-#include "host/IServices.h"
+#include "hostapi/HostEvents.h"
+#include "hostapi/ICommandHandler.h"
+#include "hostapi/IComponent.h"
+#include "hostapi/IDatabase.h"
+#include "hostapi/IDeviceAdmin.h"
+#include "hostapi/IEventPublisher.h"
+#include "hostapi/IImportDataCmd.h"
+#include "hostapi/IPermissions.h"
+#include "hostapi/IQueryDiaryCmd.h"
+#include "hostapi/IServices.h"
 
 // Constructors and destructors are out of line, so that not every file that uses an interface emits its virtual table.
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IPatientData.h"
+#include "hostapi/IPatientData.h"
 
 #include <QSharedPointer>
 

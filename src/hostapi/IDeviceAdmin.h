@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IExtensionPoint.h"
+#include "hostapi/IExtensionPoint.h"
 
 class IDevice;
 class QString;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IExtension.h"
+#include "hostapi/IExtension.h"
 
 class IPlugin;
 class QWidget;

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/ICommand.h"
-#include "host/IModeData.h"
-#include "host/IPatientData.h"
+#include "hostapi/ICommand.h"
+#include "hostapi/IModeData.h"
+#include "hostapi/IPatientData.h"
 
 /// The import of one exchange file for one patient.
 class IImportDataCmd : public ICommand, public virtual IModeData, public virtual IPatientData

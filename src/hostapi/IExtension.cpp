@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "host/IExtension.h"
+#include "hostapi/IExtension.h"
 
 IExtension::~IExtension() = default;
 

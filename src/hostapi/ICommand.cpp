@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "host/ICommand.h"
+#include "hostapi/ICommand.h"
 
 ICommand::ICommand(int type)
     : m_type(type)

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "host/IDevice.h"
+#include "hostapi/IDevice.h"
 
 IDevice::IDevice(QObject* parent)
     : QObject(parent)

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/HostEvents.h"
-#include "host/IExtensionPoint.h"
+#include "hostapi/HostEvents.h"
+#include "hostapi/IExtensionPoint.h"
 
 #include <QObject>
 

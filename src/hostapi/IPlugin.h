@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IExtension.h"
-#include "host/PluginIdentity.h"
+#include "hostapi/IExtension.h"
+#include "hostapi/PluginIdentity.h"
 
 #include <QDir>
 #include <QList>

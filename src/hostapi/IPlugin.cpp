@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "host/IPlugin.h"
+#include "hostapi/IPlugin.h"
 
 IPlugin::~IPlugin() = default;
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/IElement.h"
+#include "hostapi/IElement.h"
 
 /// An element that the host shows as one menu entry.
 class IComponent : public IElement
