@@ -4,11 +4,11 @@
 // The MAC of an exchange file, compared with a bare loop over its bytes, and how the cost of MAC and import grows with
 // the file. The import of merivo-host requests that MAC, computes one of its own and stores the bytes.
 
+#include "base/PatientSession.h"
 #include "bench/Machine.h"
 #include "bench/Report.h"
 #include "commands/ImportDataCommand.h"
 #include "hostapi/SharedKey.h"
-#include "plugin/session/PatientSession.h"
 #include "workbench/host/HostDatabase.h"
 #include "workbench/host/HostDeviceAdmin.h"
 #include "workbench/host/HostLog.h"

@@ -4,9 +4,9 @@
 // The cost of log records on merivo-host's GUI thread, from one to a thousand per second, and whether any is lost.
 // Another thread writes them with the plug-in's logger, as the polling thread does.
 
+#include "base/Logger.h"
 #include "bench/Machine.h"
 #include "bench/Report.h"
-#include "plugin/session/Logger.h"
 #include "workbench/host/HostApplication.h"
 
 #include <QApplication>

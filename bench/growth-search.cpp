@@ -4,10 +4,10 @@
 // How the end of a search for pumps grows with the reader's device list, and the lookup of a pump's patient in
 // merivo-host with the number of patients.
 
+#include "base/PatientSession.h"
 #include "bench/Machine.h"
 #include "bench/Report.h"
 #include "dialogs/PumpAddDialog.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/DeviceList.h"
 #include "reader/StatusFileParser.h"

@@ -4,9 +4,9 @@
 // One forced read of the status file, compared with the bare system calls, and the time from a "done" that a reader
 // writes to finished() on the GUI thread.
 
+#include "base/Logger.h"
 #include "bench/Machine.h"
 #include "bench/Report.h"
-#include "plugin/session/Logger.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/StatusFileParser.h"
 #include "support/ReaderFolder.h"

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "commands/CommandController.h"
 
+#include "base/PatientSession.h"
 #include "commands/ImportDataCommand.h"
 #include "hostapi/ICommandHandler.h"
-#include "plugin/session/PatientSession.h"
 
 #include <memory>
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "commands/EventsObserver.h"
 
+#include "base/PatientSession.h"
 #include "hostapi/IDatabase.h"
 #include "hostapi/IEventPublisher.h"
-#include "plugin/session/PatientSession.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "commands/ImportDataCommand.h"
 
+#include "base/PatientSession.h"
 #include "hostapi/SharedKey.h"
-#include "plugin/session/PatientSession.h"
 
 #include <QCryptographicHash>
 #include <QFile>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/DevicesModel.h"
 
-#include "plugin/session/PatientSession.h"
+#include "base/PatientSession.h"
 
 #include <QFont>
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/DialogHeader.h"
 
+#include "base/PatientSession.h"
 #include "dialogs/FormScale.h"
-#include "plugin/session/PatientSession.h"
 
 namespace {
 

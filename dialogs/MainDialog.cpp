@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/MainDialog.h"
 
+#include "base/Logger.h"
+#include "base/PatientSession.h"
 #include "dialogs/CallLater.h"
 #include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
@@ -10,8 +12,6 @@
 #include "dialogs/PumpRemoveDialog.h"
 #include "hostapi/IDatabase.h"
 #include "hostapi/IServices.h"
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
 #include "reader/MessageBoxes.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "plugin/session/SessionWatch.h"
+#include "base/SessionWatch.h"
 #include "ui_MainDialog.h"
 
 #include <QDialog>

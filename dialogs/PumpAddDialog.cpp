@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/PumpAddDialog.h"
 
+#include "base/PatientSession.h"
 #include "dialogs/CallLater.h"
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/MessageBoxes.h"
 #include "reader/PollingResult.h"

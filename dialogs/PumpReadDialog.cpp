@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/PumpReadDialog.h"
 
+#include "base/PatientSession.h"
 #include "dialogs/CallLater.h"
 #include "dialogs/FormScale.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"
 #include "workflows/ReadoutPumpControl.h"

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/PumpRemoveDialog.h"
 
+#include "base/PatientSession.h"
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/MessageBoxes.h"
 #include "workflows/RemovePumpControl.h"
 

@@ -4,8 +4,8 @@
 // The bytes of a scenario of merivo-reader.
 
 #include "workbench/reader/Scenario.h"
+#include "base/PatientSession.h"
 #include "fuzz/Target.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/DeviceList.h"
 #include "reader/StatusRecord.h"
 #include "workbench/reader/ReaderFiles.h"

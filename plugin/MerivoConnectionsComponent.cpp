@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/MerivoConnectionsComponent.h"
 
+#include "base/Logger.h"
+#include "base/PatientSession.h"
+#include "base/SessionWatch.h"
 #include "commands/CommandController.h"
 #include "dialogs/MainDialog.h"
 #include "plugin/MerivoConnectionsPlugin.h"
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
-#include "plugin/session/SessionWatch.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/MessageBoxes.h"
 #include "reader/StatusFileParser.h"

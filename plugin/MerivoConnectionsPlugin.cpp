@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/MerivoConnectionsPlugin.h"
 
+#include "base/Logger.h"
+#include "base/PatientSession.h"
 #include "hostapi/ICommandHandler.h"
 #include "hostapi/IDatabase.h"
 #include "hostapi/IDeviceAdmin.h"
@@ -9,8 +11,6 @@
 #include "hostapi/IExtensionRegistry.h"
 #include "hostapi/IServices.h"
 #include "plugin/MerivoConnectionsComponent.h"
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/CommandStatus.h"
 #include "toolkit/LmTranslator.h"
 

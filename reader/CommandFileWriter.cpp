@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/CommandFileWriter.h"
 
-#include "plugin/session/Logger.h"
+#include "base/Logger.h"
 
 #include <QFile>
 #include <QTextStream>

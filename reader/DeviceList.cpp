@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "reader/DeviceList.h"
 
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
+#include "base/Logger.h"
+#include "base/PatientSession.h"
 
 #include <QBuffer>
 #include <QDir>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "reader/ErrorHandler.h"
 
-#include "plugin/session/Logger.h"
+#include "base/Logger.h"
 #include "reader/MessageBoxes.h"
 
 void ErrorHandler::showError(int errorCode)

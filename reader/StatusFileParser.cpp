@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "reader/StatusFileParser.h"
 
-#include "plugin/session/Logger.h"
-#include "plugin/session/QueuedCall.h"
+#include "base/Logger.h"
+#include "base/QueuedCall.h"
 #include "reader/CommandFileWriter.h"
 
 #include <QCoreApplication>

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "workflows/AddPumpControl.h"
 
+#include "base/Logger.h"
+#include "base/PatientSession.h"
 #include "hostapi/IDatabase.h"
 #include "hostapi/IServices.h"
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
 #include "reader/PollingResult.h"

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workflows/ReadoutPumpControl.h"
 
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
+#include "base/Logger.h"
+#include "base/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/DeviceList.h"
 #include "reader/ErrorHandler.h"

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "workflows/RemovePumpControl.h"
 
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
+#include "base/Logger.h"
+#include "base/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/ErrorHandler.h"
 #include "reader/PollingResult.h"

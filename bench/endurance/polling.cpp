@@ -4,9 +4,9 @@
 // Polls for hours and checks that each tick writes the trigger and reads the status, that each change of the status is
 // seen at the next tick, and that nothing grows.
 
+#include "base/Logger.h"
 #include "bench/endurance/ResourceCounts.h"
 #include "bench/endurance/VirtualTime.h"
-#include "plugin/session/Logger.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/StatusFileParser.h"
 #include "support/ReaderFolder.h"

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
+#include "base/PatientSession.h"
+#include "base/SessionWatch.h"
 #include "commands/CommandController.h"
 #include "commands/EventsObserver.h"
 #include "commands/ImportDataCommand.h"
 #include "commands/QueryDiaryCmd.h"
-#include "plugin/session/PatientSession.h"
-#include "plugin/session/SessionWatch.h"
 #include "support/MessageCapture.h"
 #include "support/RecordingHost.h"
 

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "dialogs/DialogRun.h"
 
+#include "base/Logger.h"
+#include "base/PatientSession.h"
 #include "dialogs/DevicesTable.h"
 #include "dialogs/MainDialog.h"
 #include "dialogs/PumpAddDialog.h"
 #include "dialogs/PumpReadDialog.h"
 #include "dialogs/PumpRemoveDialog.h"
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "toolkit/LmIcons.h"
 #include "workflows/ReadoutPumpControl.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
+#include "base/PatientSession.h"
 #include "dialogs/DialogRun.h"
 #include "dialogs/MainDialog.h"
-#include "plugin/session/PatientSession.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "plugin/session/Logger.h"
+#include "base/Logger.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/StatusFileParser.h"
 #include "support/MessageCapture.h"

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/MerivoConnectionsPlugin.h"
 
+#include "base/Logger.h"
+#include "base/PatientSession.h"
 #include "dialogs/MainDialog.h"
 #include "plugin/MerivoConnectionsComponent.h"
-#include "plugin/session/Logger.h"
-#include "plugin/session/PatientSession.h"
 #include "reader/CommandFileWriter.h"
 #include "reader/CommandStatus.h"
 #include "reader/StatusFileParser.h"

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "plugin/session/Logger.h"
+#include "base/Logger.h"
 
+#include "base/QueuedCall.h"
 #include "hostapi/IServices.h"
-#include "plugin/session/QueuedCall.h"
 
 #include <QCoreApplication>
 #include <QEvent>

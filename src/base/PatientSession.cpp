@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "plugin/session/PatientSession.h"
+#include "base/PatientSession.h"
 
+#include "base/SessionWatch.h"
 #include "hostapi/IDatabase.h"
 #include "hostapi/IServices.h"
-#include "plugin/session/SessionWatch.h"
 
 #include <QDate>
 #include <QDebug>

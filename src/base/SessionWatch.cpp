@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "plugin/session/SessionWatch.h"
+#include "base/SessionWatch.h"
 
-#include "plugin/session/PatientSession.h"
+#include "base/PatientSession.h"
 
 #include <QVector>
 
