@@ -7,8 +7,8 @@
 #include "base/Logger.h"
 #include "bench/Machine.h"
 #include "bench/Report.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/StatusFileParser.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/StatusFileParser.h"
 #include "support/ReaderFolder.h"
 
 #include <QCoreApplication>

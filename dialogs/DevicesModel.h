@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "reader/DeviceList.h"
+#include "readerlink/DeviceList.h"
 
 #include <QAbstractTableModel>
 

@@ -7,9 +7,9 @@
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/MessageBoxes.h"
-#include "reader/PollingResult.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/MessageBoxes.h"
+#include "readerlink/PollingResult.h"
 #include "workflows/AddPumpControl.h"
 
 #include <QPushButton>

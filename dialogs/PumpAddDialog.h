@@ -3,7 +3,7 @@
 #pragma once
 
 #include "dialogs/PumpDialog.h"
-#include "reader/DeviceList.h"
+#include "readerlink/DeviceList.h"
 #include "ui_PumpAddDialog.h"
 
 class AddPumpControl;

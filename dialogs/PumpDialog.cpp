@@ -4,8 +4,8 @@
 
 #include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
-#include "reader/MessageBoxes.h"
-#include "reader/StatusFileParser.h"
+#include "readerlink/MessageBoxes.h"
+#include "readerlink/StatusFileParser.h"
 #include "toolkit/LmWidgets.h"
 
 #include <QDialogButtonBox>

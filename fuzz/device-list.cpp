@@ -4,7 +4,7 @@
 // The bytes of the reader's device list.
 
 #include "fuzz/Target.h"
-#include "reader/DeviceList.h"
+#include "readerlink/DeviceList.h"
 
 #include <QRegularExpression>
 

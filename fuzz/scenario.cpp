@@ -6,8 +6,8 @@
 #include "workbench/reader/Scenario.h"
 #include "base/PatientSession.h"
 #include "fuzz/Target.h"
-#include "reader/DeviceList.h"
-#include "reader/StatusRecord.h"
+#include "readerlink/DeviceList.h"
+#include "readerlink/StatusRecord.h"
 #include "workbench/reader/ReaderFiles.h"
 
 #include <QSet>

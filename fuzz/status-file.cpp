@@ -4,7 +4,7 @@
 // The bytes of the status file.
 
 #include "fuzz/Target.h"
-#include "reader/StatusFileParser.h"
+#include "readerlink/StatusFileParser.h"
 
 #include <QCoreApplication>
 #include <QTextStream>

@@ -8,10 +8,10 @@
 #include "commands/CommandController.h"
 #include "dialogs/MainDialog.h"
 #include "plugin/MerivoConnectionsPlugin.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/MessageBoxes.h"
-#include "reader/StatusFileParser.h"
-#include "reader/UsbDeviceAdapter.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/MessageBoxes.h"
+#include "readerlink/StatusFileParser.h"
+#include "readerlink/UsbDeviceAdapter.h"
 
 #include <QApplication>
 #include <QDir>

@@ -11,7 +11,7 @@
 #include "hostapi/IExtensionRegistry.h"
 #include "hostapi/IServices.h"
 #include "plugin/MerivoConnectionsComponent.h"
-#include "reader/CommandStatus.h"
+#include "readerlink/CommandStatus.h"
 #include "toolkit/LmTranslator.h"
 
 #include <QLocale>

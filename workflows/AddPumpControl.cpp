@@ -6,9 +6,9 @@
 #include "base/PatientSession.h"
 #include "hostapi/IDatabase.h"
 #include "hostapi/IServices.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/ErrorHandler.h"
-#include "reader/PollingResult.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/ErrorHandler.h"
+#include "readerlink/PollingResult.h"
 
 #include <QSet>
 

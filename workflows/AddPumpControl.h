@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "reader/CommandStatus.h"
-#include "reader/DeviceList.h"
+#include "readerlink/CommandStatus.h"
+#include "readerlink/DeviceList.h"
 
 #include <QList>
 #include <QObject>

@@ -4,11 +4,11 @@
 
 #include "base/Logger.h"
 #include "base/PatientSession.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/DeviceList.h"
-#include "reader/ErrorHandler.h"
-#include "reader/MessageBoxes.h"
-#include "reader/PollingResult.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/DeviceList.h"
+#include "readerlink/ErrorHandler.h"
+#include "readerlink/MessageBoxes.h"
+#include "readerlink/PollingResult.h"
 
 #include <QDir>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "reader/CommandStatus.h"
+#include "readerlink/CommandStatus.h"
 
 #include <QObject>
 #include <QString>

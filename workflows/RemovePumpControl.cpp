@@ -4,9 +4,9 @@
 
 #include "base/Logger.h"
 #include "base/PatientSession.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/ErrorHandler.h"
-#include "reader/PollingResult.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/ErrorHandler.h"
+#include "readerlink/PollingResult.h"
 
 RemovePumpControl::RemovePumpControl(QObject* parent)
     : QObject(parent)

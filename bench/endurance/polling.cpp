@@ -7,8 +7,8 @@
 #include "base/Logger.h"
 #include "bench/endurance/ResourceCounts.h"
 #include "bench/endurance/VirtualTime.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/StatusFileParser.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/StatusFileParser.h"
 #include "support/ReaderFolder.h"
 
 #include <QApplication>

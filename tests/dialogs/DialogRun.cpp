@@ -9,7 +9,7 @@
 #include "dialogs/PumpAddDialog.h"
 #include "dialogs/PumpReadDialog.h"
 #include "dialogs/PumpRemoveDialog.h"
-#include "reader/CommandFileWriter.h"
+#include "readerlink/CommandFileWriter.h"
 #include "toolkit/LmIcons.h"
 #include "workflows/ReadoutPumpControl.h"
 

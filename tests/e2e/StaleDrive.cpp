@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/CommandFileWriter.h"
-#include "reader/StatusFileParser.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/StatusFileParser.h"
 #include "support/ReaderFolder.h"
 
 #include <QEventLoop>

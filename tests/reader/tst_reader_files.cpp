@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 #include "base/Logger.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/DeviceList.h"
-#include "reader/StatusFileParser.h"
-#include "reader/UsbDeviceAdapter.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/DeviceList.h"
+#include "readerlink/StatusFileParser.h"
+#include "readerlink/UsbDeviceAdapter.h"
 #include "support/MessageCapture.h"
 #include "support/ModalUser.h"
 #include "support/ReaderFolder.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 #include "base/Logger.h"
-#include "reader/CommandFileWriter.h"
-#include "reader/StatusFileParser.h"
+#include "readerlink/CommandFileWriter.h"
+#include "readerlink/StatusFileParser.h"
 #include "support/MessageCapture.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"

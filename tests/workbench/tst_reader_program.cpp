@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/DeviceList.h"
+#include "readerlink/DeviceList.h"
 #include "workbench/Programs.h"
 #include "workbench/reader/ReaderDrive.h"
 #include "workbench/reader/ReaderSimulator.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/DeviceList.h"
+#include "readerlink/DeviceList.h"
 
 #include "base/Logger.h"
 #include "base/PatientSession.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/CommandFileWriter.h"
+#include "readerlink/CommandFileWriter.h"
 
 #include "base/Logger.h"
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/StatusRecord.h"
+#include "readerlink/StatusRecord.h"
 
 #include <QMap>
 #include <QTextStream>

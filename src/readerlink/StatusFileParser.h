@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "reader/StatusRecord.h"
+#include "readerlink/StatusRecord.h"
 
 #include <QFileSystemWatcher>
 #include <QObject>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "reader/AtomicString.h"
+#include "readerlink/AtomicString.h"
 
 #include <QObject>
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/ErrorHandler.h"
+#include "readerlink/ErrorHandler.h"
 
 #include "base/Logger.h"
-#include "reader/MessageBoxes.h"
+#include "readerlink/MessageBoxes.h"
 
 void ErrorHandler::showError(int errorCode)
 {

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/StatusFileParser.h"
+#include "readerlink/StatusFileParser.h"
 
 #include "base/Logger.h"
 #include "base/QueuedCall.h"
-#include "reader/CommandFileWriter.h"
+#include "readerlink/CommandFileWriter.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

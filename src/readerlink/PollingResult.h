@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "reader/StatusFileParser.h"
+#include "readerlink/StatusFileParser.h"
 
 /// Connects @p handler of @p receiver to StatusFileParser::finished(), for one polling: call this function before
 /// start(), and takeResult() in the handler. After a time-out the handler stays connected. GUI thread only.

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/UsbDeviceAdapter.h"
+#include "readerlink/UsbDeviceAdapter.h"
 
 #include "hostapi/IDeviceAdmin.h"
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "reader/MessageBoxes.h"
+#include "readerlink/MessageBoxes.h"
 
 #include "toolkit/LmMessageBox.h"
 
