@@ -3,10 +3,10 @@
 
 // The arguments of a command line, one in each line. The files "-a b.Dia" and "-a.txt" exist.
 
-#include "commands/CommandExt.h"
-#include "commands/ModeData.h"
-#include "commands/PatientData.h"
 #include "fuzz/Target.h"
+#include "hostcommands/CommandExt.h"
+#include "hostcommands/ModeData.h"
+#include "hostcommands/PatientData.h"
 
 #include <QFileInfo>
 #include <QMap>

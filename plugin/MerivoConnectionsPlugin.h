@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "commands/CommandController.h"
-#include "commands/EventsObserver.h"
 #include "hostapi/IPlugin.h"
+#include "hostcommands/CommandController.h"
+#include "hostcommands/EventsObserver.h"
 
 #include <QIcon>
 #include <QTranslator>

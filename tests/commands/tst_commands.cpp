@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "base/PatientSession.h"
 #include "base/SessionWatch.h"
-#include "commands/CommandController.h"
-#include "commands/EventsObserver.h"
-#include "commands/ImportDataCommand.h"
-#include "commands/QueryDiaryCmd.h"
+#include "hostcommands/CommandController.h"
+#include "hostcommands/EventsObserver.h"
+#include "hostcommands/ImportDataCommand.h"
+#include "hostcommands/QueryDiaryCmd.h"
 #include "support/MessageCapture.h"
 #include "support/RecordingHost.h"
 

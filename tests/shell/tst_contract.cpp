@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "commands/CommandExt.h"
 #include "hostapi/IComponent.h"
 #include "hostapi/IPermissions.h"
 #include "hostapi/IPlugin.h"
+#include "hostcommands/CommandExt.h"
 #include "support/RecordingHost.h"
 
 #include <QJsonArray>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 #include "base/PatientSession.h"
-#include "commands/ImportDataCommand.h"
+#include "hostcommands/ImportDataCommand.h"
 #include "workbench/Programs.h"
 #include "workbench/host/ExtensionPoints.h"
 #include "workbench/host/HostDatabase.h"

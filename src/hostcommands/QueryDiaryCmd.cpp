@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "commands/QueryDiaryCmd.h"
+#include "hostcommands/QueryDiaryCmd.h"
 
 QueryDiaryCmd::QueryDiaryCmd(QObject* owner)
     : CommandExt(owner)

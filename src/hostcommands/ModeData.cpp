@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "commands/ModeData.h"
+#include "hostcommands/ModeData.h"
 
 ModeData::ModeData(const QString& mode, bool optionA, bool optionB)
     : m_mode(mode)

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "commands/CommandController.h"
+#include "hostcommands/CommandController.h"
 
 #include "base/PatientSession.h"
-#include "commands/ImportDataCommand.h"
 #include "hostapi/ICommandHandler.h"
+#include "hostcommands/ImportDataCommand.h"
 
 #include <memory>
 

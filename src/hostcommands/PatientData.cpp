@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "commands/PatientData.h"
+#include "hostcommands/PatientData.h"
 
 bool PatientData::assign(const IPatientData* other)
 {

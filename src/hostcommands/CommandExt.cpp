@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "commands/CommandExt.h"
+#include "hostcommands/CommandExt.h"
 
 // Nothing uses the vocabulary; it is included so that it is created once, when the library is loaded.
-#include "commands/CommandKeys.h"
+#include "hostcommands/CommandKeys.h"
 
 #include <QDateTime>
 #include <QDebug>

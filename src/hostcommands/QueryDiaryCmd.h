@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "commands/CommandExt.h"
 #include "hostapi/IQueryDiaryCmd.h"
+#include "hostcommands/CommandExt.h"
 
 /// A query of a diary. The plug-in never sends it.
 class QueryDiaryCmd final : public IQueryDiaryCmd, public CommandExt

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "commands/EventsObserver.h"
+#include "hostcommands/EventsObserver.h"
 
 #include "base/PatientSession.h"
 #include "hostapi/IDatabase.h"

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "commands/CommandExt.h"
-#include "commands/ModeData.h"
-#include "commands/PatientData.h"
 #include "hostapi/IImportDataCmd.h"
+#include "hostcommands/CommandExt.h"
+#include "hostcommands/ModeData.h"
+#include "hostcommands/PatientData.h"
 
 /// Imports the exchange file of the last read-out into the open database.
 ///

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "commands/ImportDataCommand.h"
+#include "hostcommands/ImportDataCommand.h"
 
 #include "base/PatientSession.h"
 #include "hostapi/SharedKey.h"
