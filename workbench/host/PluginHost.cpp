@@ -24,7 +24,7 @@ PluginHost::~PluginHost()
 QString PluginHost::defaultLibrary()
 {
     const QDir program(QCoreApplication::applicationDirPath());
-    for (const char* place : {".", MERIVO_HOST_PLUGIN_FOLDER, "../../plugin"}) {
+    for (const char* place : {".", MERIVO_HOST_PLUGIN_FOLDER, "../../src/plugin"}) {
         const QDir folder(program.filePath(place));
         const QFileInfoList files = folder.entryInfoList({QLatin1String("*" MERIVO_PLUGIN_NAME ".*")}, QDir::Files);
         for (const QFileInfo& file : files)
