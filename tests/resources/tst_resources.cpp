@@ -125,7 +125,7 @@ private Q_SLOTS:
         const QString options("-silent -no-obsolete -locations none -I . -I src src/plugin src/base src/readerlink "
                               "src/workflows src/hostcommands src/dialogs -ts");
         QCOMPARE(QProcess::execute(MERIVO_LUPDATE, options.split(' ') << found), 0);
-        QCOMPARE(messagesOf(found).join('\n'), messagesOf("resources/lang/i18n/mc_en_GB.ts").join('\n'));
+        QCOMPARE(messagesOf(found).join('\n'), messagesOf("src/resources/lang/i18n/mc_en_GB.ts").join('\n'));
     }
 };
 
