@@ -13,11 +13,11 @@
 #include "hostapi/IDatabase.h"
 #include "hostapi/IServices.h"
 #include "readerlink/CommandFileWriter.h"
-#include "readerlink/ErrorHandler.h"
-#include "readerlink/MessageBoxes.h"
 #include "readerlink/PollingResult.h"
 #include "toolkit/LmIcons.h"
 #include "toolkit/LmWidgets.h"
+#include "workflows/ErrorHandler.h"
+#include "workflows/MessageBoxes.h"
 
 namespace {
 

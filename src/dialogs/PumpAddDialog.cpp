@@ -8,9 +8,9 @@
 #include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
 #include "readerlink/CommandFileWriter.h"
-#include "readerlink/MessageBoxes.h"
 #include "readerlink/PollingResult.h"
 #include "workflows/AddPumpControl.h"
+#include "workflows/MessageBoxes.h"
 
 #include <QPushButton>
 

@@ -4,9 +4,9 @@
 
 #include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
-#include "readerlink/MessageBoxes.h"
 #include "readerlink/StatusFileParser.h"
 #include "toolkit/LmWidgets.h"
+#include "workflows/MessageBoxes.h"
 
 #include <QDialogButtonBox>
 #include <QPushButton>

@@ -5,8 +5,8 @@
 #include "base/PatientSession.h"
 #include "dialogs/CallLater.h"
 #include "dialogs/FormScale.h"
-#include "readerlink/MessageBoxes.h"
 #include "readerlink/StatusFileParser.h"
+#include "workflows/MessageBoxes.h"
 #include "workflows/ReadoutPumpControl.h"
 
 namespace {

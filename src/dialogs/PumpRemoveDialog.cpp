@@ -6,7 +6,7 @@
 #include "dialogs/DevicesModel.h"
 #include "dialogs/DialogUtils.h"
 #include "dialogs/FormScale.h"
-#include "readerlink/MessageBoxes.h"
+#include "workflows/MessageBoxes.h"
 #include "workflows/RemovePumpControl.h"
 
 #include <QDebug>

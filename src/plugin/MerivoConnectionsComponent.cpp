@@ -9,9 +9,9 @@
 #include "hostcommands/CommandController.h"
 #include "plugin/MerivoConnectionsPlugin.h"
 #include "readerlink/CommandFileWriter.h"
-#include "readerlink/MessageBoxes.h"
 #include "readerlink/StatusFileParser.h"
 #include "readerlink/UsbDeviceAdapter.h"
+#include "workflows/MessageBoxes.h"
 
 #include <QApplication>
 #include <QDir>

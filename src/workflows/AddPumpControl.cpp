@@ -7,8 +7,8 @@
 #include "hostapi/IDatabase.h"
 #include "hostapi/IServices.h"
 #include "readerlink/CommandFileWriter.h"
-#include "readerlink/ErrorHandler.h"
 #include "readerlink/PollingResult.h"
+#include "workflows/ErrorHandler.h"
 
 #include <QSet>
 

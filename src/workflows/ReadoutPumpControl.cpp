@@ -6,9 +6,9 @@
 #include "base/PatientSession.h"
 #include "readerlink/CommandFileWriter.h"
 #include "readerlink/DeviceList.h"
-#include "readerlink/ErrorHandler.h"
-#include "readerlink/MessageBoxes.h"
 #include "readerlink/PollingResult.h"
+#include "workflows/ErrorHandler.h"
+#include "workflows/MessageBoxes.h"
 
 #include <QDir>
 

@@ -5,8 +5,8 @@
 #include "base/Logger.h"
 #include "base/PatientSession.h"
 #include "readerlink/CommandFileWriter.h"
-#include "readerlink/ErrorHandler.h"
 #include "readerlink/PollingResult.h"
+#include "workflows/ErrorHandler.h"
 
 RemovePumpControl::RemovePumpControl(QObject* parent)
     : QObject(parent)

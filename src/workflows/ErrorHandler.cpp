@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "readerlink/ErrorHandler.h"
+#include "workflows/ErrorHandler.h"
 
 #include "base/Logger.h"
-#include "readerlink/MessageBoxes.h"
+#include "workflows/MessageBoxes.h"
 
 void ErrorHandler::showError(int errorCode)
 {

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "readerlink/MessageBoxes.h"
+#include "workflows/MessageBoxes.h"
 
 #include "toolkit/LmMessageBox.h"
 
