@@ -9,11 +9,11 @@
 #include "bench/Report.h"
 #include "hostapi/SharedKey.h"
 #include "hostcommands/ImportDataCommand.h"
-#include "workbench/host/HostDatabase.h"
-#include "workbench/host/HostDeviceAdmin.h"
-#include "workbench/host/HostLog.h"
-#include "workbench/host/ImportHandler.h"
-#include "workbench/host/PatientEvents.h"
+#include "tools/host/HostDatabase.h"
+#include "tools/host/HostDeviceAdmin.h"
+#include "tools/host/HostLog.h"
+#include "tools/host/ImportHandler.h"
+#include "tools/host/PatientEvents.h"
 
 #include <QApplication>
 #include <QFile>

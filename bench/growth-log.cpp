@@ -7,7 +7,7 @@
 #include "base/Logger.h"
 #include "bench/Machine.h"
 #include "bench/Report.h"
-#include "workbench/host/HostApplication.h"
+#include "tools/host/HostApplication.h"
 
 #include <QApplication>
 #include <QFile>

@@ -13,9 +13,9 @@
 #include "readerlink/StatusFileParser.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
-#include "workbench/host/ExtensionPoints.h"
-#include "workbench/host/HostDatabase.h"
-#include "workbench/host/HostLog.h"
+#include "tools/host/ExtensionPoints.h"
+#include "tools/host/HostDatabase.h"
+#include "tools/host/HostLog.h"
 
 #include <QApplication>
 #include <QEvent>

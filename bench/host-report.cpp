@@ -7,9 +7,9 @@
 #include "bench/Machine.h"
 #include "bench/Report.h"
 #include "bench/TurnMeter.h"
-#include "workbench/host/HostApplication.h"
-#include "workbench/reader/ReaderFiles.h"
-#include "workbench/traffic/Traffic.h"
+#include "tools/host/HostApplication.h"
+#include "tools/reader/ReaderFiles.h"
+#include "tools/traffic/Traffic.h"
 
 #include <QApplication>
 #include <QFile>

@@ -4,9 +4,9 @@
 // The bytes of a recording of a reader's traffic. A valid one is replayed on a drive.
 
 #include "fuzz/Target.h"
-#include "workbench/reader/ReaderDrive.h"
-#include "workbench/reader/TrafficReplay.h"
-#include "workbench/traffic/Traffic.h"
+#include "tools/reader/ReaderDrive.h"
+#include "tools/reader/TrafficReplay.h"
+#include "tools/traffic/Traffic.h"
 
 #include <QCoreApplication>
 #include <QHash>

@@ -3,12 +3,12 @@
 
 // The bytes of a scenario of merivo-reader.
 
-#include "workbench/reader/Scenario.h"
+#include "tools/reader/Scenario.h"
 #include "base/PatientSession.h"
 #include "fuzz/Target.h"
 #include "readerlink/DeviceList.h"
 #include "readerlink/StatusRecord.h"
-#include "workbench/reader/ReaderFiles.h"
+#include "tools/reader/ReaderFiles.h"
 
 #include <QSet>
 #include <QTextStream>

@@ -69,7 +69,7 @@ start_reader() {
     shift
     mkdir -p "$folder/drive"
     say "Starting a reader on $folder/drive"
-    build/demo/workbench/reader/merivo-reader "$@" --log "$folder/reader.log" "$folder/drive" >"$folder/reader.out" 2>&1 &
+    build/demo/tools/reader/merivo-reader "$@" --log "$folder/reader.log" "$folder/drive" >"$folder/reader.out" 2>&1 &
     reader=$!
     trap 'kill "$reader" 2>/dev/null || true' EXIT
     local i

@@ -4,12 +4,12 @@
 #include "e2e/FaultyFiles.h"
 #include "hostapi/IComponent.h"
 #include "support/ModalUser.h"
-#include "workbench/host/HostApplication.h"
-#include "workbench/host/HostOptions.h"
-#include "workbench/reader/ReaderDrive.h"
-#include "workbench/reader/ReaderSimulator.h"
-#include "workbench/reader/Scenario.h"
-#include "workbench/support/LogFile.h"
+#include "tools/host/HostApplication.h"
+#include "tools/host/HostOptions.h"
+#include "tools/reader/ReaderDrive.h"
+#include "tools/reader/ReaderSimulator.h"
+#include "tools/reader/Scenario.h"
+#include "tools/support/LogFile.h"
 
 #include <QApplication>
 #include <QDateTime>

@@ -171,10 +171,10 @@ def test_reader_restarts_while_the_code_is_compared(start):
 def test_demo(build, tmp_path):
     """The programs themselves, by the system's clock. The pairings outlive a reader that is killed."""
     (tmp_path / "drive").mkdir()
-    serve = [programs(build)["reader"], "--scenario", ROOT / "workbench/reader/scenarios/clinic.json",
+    serve = [programs(build)["reader"], "--scenario", ROOT / "tools/reader/scenarios/clinic.json",
              "--log", tmp_path / "reader.log", tmp_path / "drive"]
     work = [programs(build)["host"], "--database", tmp_path / "db", "--drive", tmp_path / "drive", "--log",
-            tmp_path / "host.log", "--robot", ROOT / "workbench/demo/demo.steps", "--pictures", tmp_path]
+            tmp_path / "host.log", "--robot", ROOT / "tools/demo/demo.steps", "--pictures", tmp_path]
     for is_first in (True, False):
         with subprocess.Popen(serve, env=ENVIRONMENT, stdout=subprocess.PIPE, text=True) as reader:
             try:

@@ -122,7 +122,7 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const QString found = folder.filePath("found.ts");
         QVERIFY(QDir::setCurrent(MERIVO_SOURCE_DIR));
-        const QString options("-silent -no-obsolete -locations none -I . -I src src/plugin src/base src/readerlink "
+        const QString options("-silent -no-obsolete -locations none -I src src/plugin src/base src/readerlink "
                               "src/workflows src/hostcommands src/dialogs -ts");
         QCOMPARE(QProcess::execute(MERIVO_LUPDATE, options.split(' ') << found), 0);
         QCOMPARE(messagesOf(found).join('\n'), messagesOf("src/resources/lang/i18n/mc_en_GB.ts").join('\n'));

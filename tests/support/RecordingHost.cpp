@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/RecordingHost.h"
 
-#include "workbench/host/PatientEvent.h"
+#include "tools/host/PatientEvent.h"
 
 IExtensionPoint* RecordingHost::extensionPoint(const QString& name)
 {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "workbench/Programs.h"
-#include "workbench/host/HostDatabase.h"
-#include "workbench/traffic/Traffic.h"
+#include "tools/Programs.h"
+#include "tools/host/HostDatabase.h"
+#include "tools/traffic/Traffic.h"
 
 #include <KZip>
 

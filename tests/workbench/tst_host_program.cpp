@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "base/PatientSession.h"
 #include "hostcommands/ImportDataCommand.h"
-#include "workbench/Programs.h"
-#include "workbench/host/ExtensionPoints.h"
-#include "workbench/host/HostDatabase.h"
-#include "workbench/host/HostDeviceAdmin.h"
-#include "workbench/host/HostLog.h"
-#include "workbench/host/ImportHandler.h"
-#include "workbench/host/PatientEvents.h"
+#include "tools/Programs.h"
+#include "tools/host/ExtensionPoints.h"
+#include "tools/host/HostDatabase.h"
+#include "tools/host/HostDeviceAdmin.h"
+#include "tools/host/HostLog.h"
+#include "tools/host/ImportHandler.h"
+#include "tools/host/PatientEvents.h"
 
 #include <QImage>
 #include <QSqlQuery>

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
 #include "readerlink/DeviceList.h"
-#include "workbench/Programs.h"
-#include "workbench/reader/ReaderDrive.h"
-#include "workbench/reader/ReaderSimulator.h"
-#include "workbench/reader/Scenario.h"
-#include "workbench/traffic/ReaderCommand.h"
+#include "tools/Programs.h"
+#include "tools/reader/ReaderDrive.h"
+#include "tools/reader/ReaderSimulator.h"
+#include "tools/reader/Scenario.h"
+#include "tools/traffic/ReaderCommand.h"
 
 #include <QDir>
 #include <QSignalSpy>
