@@ -143,7 +143,7 @@ public:
         return click("OK");
     }
 
-    /// The page, what the user is told, and the visible buttons; disabled ones are in parentheses.
+    /// The page, what is shown to the user, and the visible buttons; disabled ones are in parentheses.
     QString shown() const;
     /// The events since the latest operation began.
     QStringList takeEvents();

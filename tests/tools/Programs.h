@@ -37,7 +37,7 @@ public:
         setWorkingDirectory(folder);
         start(path, arguments);
     }
-    /// The exit status and what was told on standard error; a crash and a program that doesn't end have the status -1.
+    /// The exit status and the text on standard error; a crash and a program that doesn't end have the status -1.
     QString end()
     {
         const bool isEnded = waitForFinished(60000) && exitStatus() == NormalExit;
