@@ -17,7 +17,7 @@
 namespace {
 
 const QString LogName = "host.log";
-constexpr LogLimits KeptLog{1024 * 1024, 5};
+constexpr LogLimits KeptLog{1024LL * 1024, 5};
 
 QString inDataFolder(const QString& name)
 {
