@@ -3,9 +3,10 @@
 
 # merivo_add_layer(TARGET ALIAS SOURCES ... LINKS ...)
 #
-# Adds one layer: a static, position-independent library. Its headers are those listed and those next to a source of the
-# same name. They are included by folder, as "readerlink/StatusFileParser.h", and only by targets that link the layer: for
-# each header, a folder of the build tree that belongs to the layer has a file that includes it.
+# Adds one layer: a static, position-independent library. Its headers are the listed ones and, for each source, the
+# header of the same name. They are included by folder, as "readerlink/StatusFileParser.h". Each layer has an include
+# folder in the build tree with one forwarding header for each, so that only targets that link the layer can include
+# them.
 function(merivo_add_layer target alias)
     cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
     set(headers ${arg_SOURCES})
@@ -27,7 +28,7 @@ function(merivo_add_layer target alias)
     set_target_properties(${target} PROPERTIES
         POSITION_INDEPENDENT_CODE ON AUTOMOC ON AUTOUIC ON PUBLIC_HEADER "${public_headers}")
     target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${include_dir}>")
-    # Our options of the compiler don't become part of an installed layer.
+    # Installed layers don't depend on the project's compiler options.
     target_link_libraries(${target} PUBLIC ${arg_LINKS} PRIVATE $<BUILD_INTERFACE:merivo_options>)
 endfunction()
 
@@ -60,7 +61,7 @@ function(merivo_add_test name)
     merivo_set_test_properties(${name} ${arg_TIMEOUT} "${arg_LABELS}")
 endfunction()
 
-# merivo_set_test_properties(NAME TIMEOUT LABELS): sets the environment of a test.
+# merivo_set_test_properties(NAME TIMEOUT LABELS): sets time-out, labels and environment of a test.
 function(merivo_set_test_properties name timeout labels)
     set(suppressions "${PROJECT_SOURCE_DIR}/tests/support/tsan-suppressions.txt")
     set_tests_properties(${name} PROPERTIES

@@ -21,7 +21,7 @@ const QLoggingCategory& category()
     return instance;
 }
 
-/// For measurements; nothing writes to it.
+/// The category for measurements. No record uses it.
 [[maybe_unused]] const QLoggingCategory& profileCategory()
 {
     static const QLoggingCategory instance("plugin.merivoconnections.profile");

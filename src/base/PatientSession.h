@@ -57,7 +57,8 @@ public:
     /// display name. Two empty texts remove the pump.
     void setPump(const QString& serialNumber, const QString& deviceName);
 
-    /// Returns "Name, Surname" for the first patient line of the dialogs, or the only part of it.
+    /// Returns "NAME1, NAME2", the first two of @p pids, for the first patient line of the dialogs; "NAME1" if the
+    /// second one is missing or empty.
     static QString patientName(const QStringList& pids);
     QString patientName() const { return patientName(m_pids); }
 
@@ -83,5 +84,5 @@ private:
     QString m_deviceName;
     QString m_exchangeFilePath;
     QString m_diaryName;
-    int m_diary; ///< Number of the diary; equal in a session that took over from another one.
+    int m_diary; ///< Number of the opened diary; open() keeps it if the new session takes over.
 };

@@ -20,13 +20,14 @@ public:
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
-    /// The column AssignedTo has the patient's key, and as tool tip the name, for which the host is asked each time.
+    /// Returns the patient's key in the column AssignedTo, and the patient's name as its tool tip. Queries the host for
+    /// the name at each call.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
     /// Returns the pump in @p row, or a default record if there is no such row.
     DeviceInfo deviceAt(int row) const;
-    /// Returns true if the pump is paired to a patient other than the one whose diary is open.
+    /// Returns true if the pump is assigned to a patient other than the one whose diary is open.
     bool isAssignedToOther(int row) const;
 
 private:

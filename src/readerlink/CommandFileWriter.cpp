@@ -91,7 +91,7 @@ bool CommandFileWriter::submit(const QString& command, const QString& arguments)
         return false;
     }
 
-    // No line end after the arguments. The blank is written even if there are none.
+    // The file has no line end after the arguments. The blank is written even if there are no arguments.
     QTextStream stream(&file);
     stream << "QD17-C RemoteControl File\n"
            << "Command=" << command << ' ' << arguments;
