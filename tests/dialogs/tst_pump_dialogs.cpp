@@ -316,7 +316,7 @@ private Q_SLOTS:
         COMPARE_EVENTS(run.report(50) + run.readerEnds(CommandStatus::Done), QStringList()); // nobody waits any more
     }
 
-    void silenceClosesTheDialog_data()
+    void timeoutClosesTheDialog_data()
     {
         QTest::addColumn<Run::Kind>("kind");
         QTest::addColumn<Run::Steps>("steps");
@@ -324,7 +324,7 @@ private Q_SLOTS:
         QTest::newRow("removing") << Run::Remove << Run::Steps(&Run::startRemoving);
         QTest::newRow("reading") << Run::Read << Run::Steps(&Run::startReading);
     }
-    void silenceClosesTheDialog()
+    void timeoutClosesTheDialog()
     {
         QFETCH(Run::Kind, kind);
         QFETCH(Run::Steps, steps);

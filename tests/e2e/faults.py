@@ -20,7 +20,7 @@ class Command:
     press: str  # the button that submits it, or another moment of the run before it
     before: list  # nothing of the command took effect
     done: list  # all of it did
-    reader_only: list = None  # the reader carried it out, and the host wasn't told; as before where it changes nothing
+    reader_only: list = None  # the reader executed it, but the host wasn't notified; as before where it changes nothing
     pairs: tuple = ()  # to start with
     also: tuple = ()  # faults that make the way possible
 
@@ -123,8 +123,8 @@ def fails_with(code, box):
 
 @dataclasses.dataclass(frozen=True)
 class Fault:
-    """A fault at some commands. Its texts stand for a case each, and have in place of "{}" the command and of {press}
-    what submits it. Each of the numbers, in place of N, is a fault of its own."""
+    """A fault at some commands. Each of its texts is one case; "{}" is replaced by the command, {press} by what submits
+    it. Each of the numbers, in place of N, is a fault of its own."""
     outcomes: dict  # by text; an outcome, several in a list, or a dictionary of these by command
     commands: tuple
     numbers: object

@@ -307,7 +307,7 @@ class Run:
         return f"{self.view.get('window')} {self.view.get('text')} {self.view.get('labels')} {list(self.choices)}"
 
     def is_busy(self):
-        """Returns whether what is offered is only there to stop what is under way."""
+        """Returns whether the only available button stops the current operation."""
         is_reading = self.view.get("window") == "PumpReadDialog" and "m_ReadButton" not in self.choices
         return is_reading or list(self.choices) == ["m_OverviewButton"] == self.presses[-1:]
 
@@ -378,7 +378,7 @@ class Run:
                 self.replace_reader_after(value)
             case "restart":
                 self.replace_reader_after(1200)
-            case "stall":  # until the plug-in has given the reader up
+            case "stall":  # until the plug-in has timed out
                 station.order("stall on")
                 self.undo.callback(station.order, "stall off")
             case "clock":

@@ -104,7 +104,7 @@ def test_search_finds_nothing_or_is_stopped(start):
 
 
 def test_stop_is_not_answered(start):
-    """After that, a press on Search stops once more."""
+    """After a stop without an answer, Search acts as Stop."""
     run = start(faults=["slow=9000@SEARCH", "no-start@ABORT"])
     run.press("m_addPumpButton", "m_OverviewButton", "m_OverviewButton").answer("Ok", NO_ANSWER).agree()
     run.press("m_addPumpButton", "m_OverviewButton").expect("PumpAddDialog", m_OverviewButton="Search", Cancel="")

@@ -200,7 +200,7 @@ private Q_SLOTS:
                               "StatusFile: '' # , Status: 4, Error: 0"}));
     }
 
-    void triggerFileLiesBesideTheFolder()
+    void triggerFileIsNextToTheFolder()
     {
         QVERIFY(m_folder->writeFile("../MISCNoCommand.txt", "old"));
         QVERIFY(m_parser->triggerFileSystemUpdate());
@@ -247,7 +247,7 @@ private Q_SLOTS:
             "<!--" + harmless + "--><![CDATA[" + harmless + "]]><?a " + harmless + "?><X/>" + attributes + next + '>',
             {"||n||free", "||||free"});
         QTest::newRow("declarations") << "<!DOCTYPE D [<!ENTITY a 'b'>]>" + Devices.mid(21) << QStringList();
-        row("text as it stands", "<SERIALNR> \xC3\x84&amp;1 </SERIALNR>", {QString::fromUtf8("| Ä&1 |||free")});
+        row("text unchanged", "<SERIALNR> \xC3\x84&amp;1 </SERIALNR>", {QString::fromUtf8("| Ä&1 |||free")});
     }
     void deviceList()
     {

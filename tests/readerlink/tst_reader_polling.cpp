@@ -17,8 +17,8 @@
 #include <utility>
 
 Q_DECLARE_METATYPE(ReaderFolder::Answer)
-using InMidRun = void (*)(const ReaderFolder&);
-Q_DECLARE_METATYPE(InMidRun)
+using DuringPolling = void (*)(const ReaderFolder&);
+Q_DECLARE_METATYPE(DuringPolling)
 
 namespace {
 
@@ -95,16 +95,16 @@ private Q_SLOTS:
             QCOMPARE(caller, thread());
     }
 
-    void run_data()
+    void polling_data()
     {
         QTest::addColumn<QByteArray>("word");
         QTest::addColumn<Answers>("answers");
         QTest::addColumn<QVector<int>>("limits");
         QTest::addColumn<QString>("end");
-        QTest::addColumn<InMidRun>("inMidRun");
+        QTest::addColumn<DuringPolling>("duringPolling");
         const auto row = [](const char* name, const Answers& answers, const QVector<int>& limits, const char* end,
-                            InMidRun inMidRun = nullptr, const char* word = "BTREAD") {
-            QTest::newRow(name) << QByteArray(word) << answers << limits << QString(end) << inMidRun;
+                            DuringPolling duringPolling = nullptr, const char* word = "BTREAD") {
+            QTest::newRow(name) << QByteArray(word) << answers << limits << QString(end) << duringPolling;
         };
         const QVector<int> ample{20, 0, 5};
         const QVector<int> shortStart{20, 1, 5};
@@ -115,7 +115,7 @@ private Q_SLOTS:
         row("other's abort", {{0, "running"}, {400, "done", "", 0, "Abort"}}, ample,
             "finished(0), mcp Stop [0], status 2, state 2");
 
-        row("silent reader", {}, shortStart, "timeout, err Unstarted [0], status 2, state 0");
+        row("reader doesn't answer", {}, shortStart, "timeout, err Unstarted [0], status 2, state 0");
         row("abort not done", {{20, "running", "", 0, "ABORT"}, {300, "failed", "", 0, "ABORT"}}, shortStart,
             "timeout, err Unstarted [0], status 1, state 0");
         row(
@@ -125,28 +125,28 @@ private Q_SLOTS:
         row("no time", {}, {0, 0, 900}, "timeout, err Unfinished [0], status 2, state 0");
 
         row("cancel", {{20, "running", "R", 7}}, ample, "finished(1), err Cancel [0], status 3, state 1", cancel);
-        row("drive gone", {{20, "running"}}, ample, "timeout, err Error [1], status 0, state 1",
+        row("drive removed", {{20, "running"}}, ample, "timeout, err Error [1], status 0, state 1",
             [](const ReaderFolder& f) { QDir(f.drive()).removeRecursively(); });
     }
-    void run()
+    void polling()
     {
         QFETCH(QByteArray, word);
         QFETCH(Answers, answers);
         QFETCH(QVector<int>, limits);
         QFETCH(QString, end);
-        QFETCH(InMidRun, inMidRun);
+        QFETCH(DuringPolling, duringPolling);
         m_folder->answer(word, answers);
         const bool blocked = word.isEmpty() && QDir().mkdir(m_folder->misc() + "/CommandFile.txt");
         QCOMPARE(m_writer->read("S"), !blocked);
         QElapsedTimer timer;
         timer.start();
         m_parser->start(limits[0], limits[1], limits[2]);
-        QTRY_VERIFY_WITH_TIMEOUT(m_host.journal.lines.size() > 3, Limit); // the begin of the run
+        QTRY_VERIFY_WITH_TIMEOUT(m_host.journal.lines.size() > 3, Limit); // the polling has begun
         const int delay = limits[2] ? limits[2] : 500;
         QVERIFY(timer.elapsed() >= delay);
-        if (inMidRun) {
+        if (duringPolling) {
             QTRY_VERIFY_WITH_TIMEOUT(!m_percentages.isEmpty() && (m_parser->m_state || answers.isEmpty()), Limit);
-            inMidRun(*m_folder);
+            duringPolling(*m_folder);
         }
         QTRY_VERIFY_WITH_TIMEOUT(!m_ends.isEmpty(), Limit);
         const StatusRecord record = m_record;
@@ -170,7 +170,7 @@ private Q_SLOTS:
         QCOMPARE(record.error, answers.isEmpty() ? 3 : answers.last().error);
         QVERIFY(std::all_of(m_percentages.cbegin(), m_percentages.cend(), [](int p) { return p >= 0 && p < 100; }));
         QVERIFY(limits[2] != 0 || m_percentages.isEmpty());                              // ended at its first tick
-        QVERIFY(state != StatusFileParser::Started || m_seen == CommandStatus::Running); // in mid-run too
+        QVERIFY(state != StatusFileParser::Started || m_seen == CommandStatus::Running); // during the polling too
 
         const QStringList log = m_host.journal.lines;
         QCOMPARE(log.value(1), QString("mcp|=?= <[Before]: BTREAD, 2, 3, old> status snapshot.||"));
@@ -180,7 +180,7 @@ private Q_SLOTS:
         QCOMPARE(log.value(3), limits[1] > 0 ? two.arg(limits[0]).arg(limits[1]) : one.arg(limits[0]));
         QVERIFY(state != StatusFileParser::Started || log.count("mcp|Observed operation started.||") == 1);
         QCOMPARE(log.count("mcp|Observed operation finished.||"), state == StatusFileParser::Ended ? 1 : 0);
-        if (inMidRun)
+        if (duringPolling)
             return;
         const QStringList observed = log.filter("> observed.||"); // on a slow machine fewer
         QVERIFY(observed.size() <= answers.size());
@@ -225,7 +225,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_parser->m_lastStatus.header, QString("New"), Limit);
     }
 
-    void cancelOutsideARunEndsTheNextAndNoOther()
+    void cancelOutsideAPollingEndsOnlyTheNextOne()
     {
         m_parser->cancel();
         QVERIFY(QFile::remove(m_folder->misc() + "/STATUS.TXT"));
@@ -233,30 +233,30 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_ends, QStringList("timeout"), Limit);
         QCOMPARE(m_host.journal.lines.filter("snapshot"), QStringList());
 
-        const auto run = [this](const Answers& answers, int delay) {
+        const auto poll = [this](const Answers& answers, int delay) {
             m_folder->writeStatus("Before", "ABORT", "done"); // an old one, which ends nothing
             m_folder->answer("BTREAD", answers);
             m_writer->read("S");
             m_parser->start(20, 0, delay);
         };
-        run({{0, "done"}}, 0); // would end at its first tick, but is cancelled
+        poll({{0, "done"}}, 0); // would end at its first tick, but is cancelled
         QTRY_COMPARE_WITH_TIMEOUT(m_ends.join(' '), QString("timeout finished(1)"), Limit);
         QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Canceled);
         QCOMPARE(m_percentages, QList<int>());
         QCOMPARE(m_host.journal.lines.filter(QRegularExpression("^err.--- Cancel .*=1\\]")).size(), 1);
 
-        run({{200, "done"}}, 5); // not ended by the state of the run before
+        poll({{200, "done"}}, 5); // not ended by the state of the previous polling
         QTRY_COMPARE_WITH_TIMEOUT(m_ends.join(' '), QString("timeout finished(1) finished(1)"), Limit);
         QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Done);
 
-        run({{0, "done"}}, 0);
-        m_parser->cancel(); // before the begin, in the state of an ended run: no effect
+        poll({{0, "done"}}, 0);
+        m_parser->cancel(); // before the polling begins, in the state of an ended one: no effect
         QTRY_COMPARE_WITH_TIMEOUT(m_ends.join(' '), QString("timeout finished(1) finished(1) finished(1)"), Limit);
         QCOMPARE(m_parser->m_lastStatus.status, CommandStatus::Done);
         QCOMPARE(m_host.journal.lines.count("mcp|=== Observer canceling.||"), 2);
     }
 
-    void destroyedInMidRun()
+    void destroyedDuringAPolling()
     {
         m_folder->answer("BTREAD", {{20, "running"}, {100, "running"}, {100, "running"}});
         m_writer->read("S");
@@ -277,7 +277,7 @@ private:
     StatusFileParser* m_parser = nullptr;
     QStringList m_ends;
     QList<int> m_percentages;
-    StatusRecord m_record;                         ///< when the run ended
+    StatusRecord m_record;                         ///< when the polling ended
     CommandStatus m_seen = CommandStatus::Unknown; ///< in the record at the last progress
     std::atomic<int> m_strangers{0};               ///< signals emitted on any thread but the worker's
 };

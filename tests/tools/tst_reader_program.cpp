@@ -73,13 +73,13 @@ struct RunningReader
         return lines.value(1).mid(4) + ' ' + lines.value(2).mid(10) + ' ' + lines.value(3).mid(10) + ' ' +
                lines.value(4).mid(12).split('.').first();
     }
-    /// What the next trigger brings to light.
+    /// Returns the status that the next trigger shows.
     QString status()
     {
         QSignalSpy triggered(&end, &ReaderDrive::triggered);
         return trigger() && triggered.wait() ? shown() : "the trigger was lost";
     }
-    /// The status behind a command, once the log holds its ending.
+    /// Returns the status after a command, once the log has its ending.
     QString answer(const QByteArray& command, const char* ending = " (done|failed),|^refused")
     {
         const QByteArray before = bytesOf(file("STATUS.TXT"));
@@ -139,7 +139,7 @@ private Q_SLOTS:
         }
     }
 
-    /// One reader, so each command counts for those behind it.
+    /// All rows use one reader, so each command affects the following ones.
     void commandsAreAnswered()
     {
         const QTemporaryDir folder;
@@ -252,9 +252,10 @@ broken = 1 broken/.merivo-reader.json: pumps[0].serialNumber: is missing
 --replay bad.jsonl . = 1 bad.jsonl: line 1: file: "../x" isn't a file of the reader)";
         for (const auto& [arguments, end] : pairsOf(calls)) {
             Program program(MERIVO_READER_PROGRAM, arguments.split(' ', Qt::SkipEmptyParts), folder.path());
-            const QString told = program.end();
-            QVERIFY2(told.startsWith(end.left(2)) && told.contains(end.mid(2)) && told.count('\n') == int(end != "0 "),
-                     qPrintable(arguments + told));
+            const QString output = program.end();
+            QVERIFY2(output.startsWith(end.left(2)) && output.contains(end.mid(2)) &&
+                         output.count('\n') == int(end != "0 "),
+                     qPrintable(arguments + output));
         }
         QCOMPARE(bytesOf(dir.filePath("broken/.merivo-reader.json")), memory);
     }
