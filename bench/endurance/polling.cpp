@@ -6,10 +6,10 @@
 
 #include "base/Logger.h"
 #include "bench/endurance/ResourceCounts.h"
-#include "bench/endurance/VirtualTime.h"
 #include "readerlink/CommandFileWriter.h"
 #include "readerlink/StatusFileParser.h"
 #include "support/ReaderFolder.h"
+#include "support/VirtualTime.h"
 
 #include <QApplication>
 #include <QFileInfo>

@@ -4,12 +4,12 @@
 // Runs the plug-in many times in one process, from the menu entry to the import, and checks for resource leaks.
 
 #include "bench/endurance/ResourceCounts.h"
-#include "bench/endurance/VirtualTime.h"
 #include "hostapi/IComponent.h"
 #include "hostapi/IPlugin.h"
 #include "support/ModalUser.h"
 #include "support/ReaderFolder.h"
 #include "support/RecordingHost.h"
+#include "support/VirtualTime.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "bench/endurance/VirtualTime.h"
 #include "e2e/FaultyFiles.h"
 #include "hostapi/IComponent.h"
 #include "support/ModalUser.h"
+#include "support/VirtualTime.h"
 #include "tools/host/HostApplication.h"
 #include "tools/host/HostOptions.h"
 #include "tools/reader/ReaderDrive.h"

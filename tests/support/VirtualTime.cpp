@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "bench/endurance/VirtualTime.h"
+#include "support/VirtualTime.h"
 
 #include <QAbstractEventDispatcher>
 #include <QThreadPool>
