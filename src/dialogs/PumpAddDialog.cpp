@@ -17,6 +17,9 @@
 namespace {
 
 constexpr int PauseAfterAbortMs = 3000;
+constexpr int AbortTimeoutSec = 20;
+constexpr int AbortStartTimeoutSec = 10;
+constexpr int AbortDelayMs = 5; ///< until the first reading of the status
 
 } // namespace
 
@@ -202,7 +205,7 @@ void PumpAddDialog::stopSearch()
     CommandFileWriter::instance()->abort();
     callLater(PauseAfterAbortMs, this, [this] {
         connectFinished(this, &PumpAddDialog::onAbortFinished);
-        StatusFileParser::instance()->start(20, 10, 5);
+        StatusFileParser::instance()->start(AbortTimeoutSec, AbortStartTimeoutSec, AbortDelayMs);
     });
 }
 

@@ -14,6 +14,11 @@
 
 namespace {
 
+constexpr int SearchTimeoutSec = 120;
+constexpr int PairingTimeoutSec = 120;
+constexpr int ConfirmTimeoutSec = 60;
+constexpr int ReassignTimeoutSec = 30;
+
 // The reader stores the assignments; the session mirrors that of the open patient during a run.
 
 void setSessionPump(const QString& serialNumber)
@@ -42,7 +47,7 @@ void AddPumpControl::startPairingSearch()
     onPairingSearchProgress(0);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing search."));
     CommandFileWriter::instance()->search();
-    parser->start(120, 0, 0);
+    parser->start(SearchTimeoutSec, 0, 0);
 }
 
 void AddPumpControl::onPairingSearchProgress(int percentage)
@@ -128,7 +133,7 @@ void AddPumpControl::startPairing(int row)
     connectFinished(this, &AddPumpControl::onPairingProcessFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing process: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->pair(device.btAddress, m_serialNumber, PatientSession::instance()->patientId());
-    StatusFileParser::instance()->start(120, 0, 0);
+    StatusFileParser::instance()->start(PairingTimeoutSec, 0, 0);
 }
 
 void AddPumpControl::onPairingProcessFinished(bool success)
@@ -157,7 +162,7 @@ void AddPumpControl::startPairingConfirm(bool confirm)
                     confirm ? &AddPumpControl::onPairingConfirmFinished : &AddPumpControl::onPairingDeclineFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start pairing confirm: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->confirmPairing(confirm);
-    StatusFileParser::instance()->start(60, 0, 0);
+    StatusFileParser::instance()->start(ConfirmTimeoutSec, 0, 0);
 }
 
 void AddPumpControl::onPairingConfirmFinished(bool success)
@@ -207,7 +212,7 @@ void AddPumpControl::startReassign(int row)
     connectFinished(this, &AddPumpControl::onReassignFinished);
     logTrace(QStringLiteral("<== [Add Controller] Start Reassign process: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->reassign(m_serialNumber, PatientSession::instance()->patientId());
-    StatusFileParser::instance()->start(30, 0, 0);
+    StatusFileParser::instance()->start(ReassignTimeoutSec, 0, 0);
 }
 
 void AddPumpControl::onReassignFinished(bool success)

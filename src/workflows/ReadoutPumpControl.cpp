@@ -14,6 +14,14 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int SearchTimeoutSec = 20;
+constexpr int ReadoutTimeoutSec = 440;
+constexpr int ReadoutStartTimeoutSec = 20;
+
+} // namespace
+
 ReadoutPumpControl::ReadoutPumpControl(QObject* parent)
     : QObject(parent)
 {}
@@ -24,7 +32,7 @@ void ReadoutPumpControl::startSearching(const QString& serialNumber)
     m_serialNumber = serialNumber;
     logTrace(QStringLiteral("<== [Read Controller] Start searching: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->search();
-    StatusFileParser::instance()->start(20, 0, 0);
+    StatusFileParser::instance()->start(SearchTimeoutSec, 0, 0);
 }
 
 void ReadoutPumpControl::onSearchingFinished(bool success)
@@ -77,7 +85,7 @@ void ReadoutPumpControl::startReadout(const QString& serialNumber)
     m_serialNumber = serialNumber;
     logTrace(QStringLiteral("<== [Read Controller] Start readout: snr='%1'.").arg(m_serialNumber));
     CommandFileWriter::instance()->read(m_serialNumber);
-    parser->start(440, 20, 0);
+    parser->start(ReadoutTimeoutSec, ReadoutStartTimeoutSec, 0);
 }
 
 void ReadoutPumpControl::onReadoutProgress(int percentage)

@@ -8,6 +8,12 @@
 #include "readerlink/PollingResult.h"
 #include "workflows/ErrorHandler.h"
 
+namespace {
+
+constexpr int RemoveTimeoutSec = 20;
+
+} // namespace
+
 RemovePumpControl::RemovePumpControl(QObject* parent)
     : QObject(parent)
 {}
@@ -18,7 +24,7 @@ void RemovePumpControl::startRemoving()
     const QString serialNumber = PatientSession::instance()->pumpSerialNumber();
     logTrace(QStringLiteral("<== [Remove Controller] Start removing: snr='%1'.").arg(serialNumber));
     CommandFileWriter::instance()->deleteAddress(serialNumber);
-    StatusFileParser::instance()->start(20, 0, 0);
+    StatusFileParser::instance()->start(RemoveTimeoutSec, 0, 0);
 }
 
 void RemovePumpControl::onRemovingFinished(bool success)
