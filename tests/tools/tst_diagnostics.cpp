@@ -89,8 +89,8 @@ private Q_SLOTS:
         QByteArray steps = bytesOf(DATA "/report.steps");
         steps.replace("fileNameEdit ", "fileNameEdit " + folder.path().toUtf8() + '/');
         QVERIFY(folder.mkdir("merivo-jane") && folder.mkdir("b") && write(folder.filePath("merivo-jane.steps"), steps));
-        const QStringList reader{
-            "--scenario", MERIVO_READER_SCENARIOS "/clinic.json", "--fault", "fail=32@BTREAD", "--record", "recording"};
+        const QString scenario(MERIVO_READER_SCENARIOS "/clinic.json");
+        const QStringList reader{"--scenario", scenario, "--fault", "fail=32@BTREAD", "--record", "recording"};
         const QString failure = failureOf("merivo-jane", reader);
         QVERIFY2(failure.startsWith("0 0 \terr\t") && failure.contains("error='32'"), qPrintable(failure));
         QVERIFY(bytesOf(folder.filePath("recording")).contains("Command=BTREAD"));
