@@ -84,7 +84,7 @@ protected:
     static QBrush headerBackground();
     /// Returns a further corporate colour for subclasses. Not used by paintCell().
     static QBrush accentBrush();
-    /// Returns the colour of text if that of the palette is unreadable on the background of the cell.
+    /// Returns the text colour for cells on which that of the palette would be unreadable.
     static QPen textPen();
 
 private Q_SLOTS:

@@ -25,7 +25,7 @@ public:
     explicit LmDoubleSpinBox(QWidget* parent = nullptr);
 
     QValidator::State validate(QString& input, int& pos) const override;
-    /// With a special text, replaces an invalid entry with the minimum, to six digits.
+    /// With a special text, replaces an entry that isn't acceptable with the minimum, to six digits.
     void fixup(QString& input) const override;
 
     /// Adopts the default locale after it has changed, and updates the text.

@@ -8,8 +8,9 @@
 #include <QObject>
 #include <QString>
 
-/// Checks the free space of an application's drives every five minutes. Watches one drive for each type of path; the
-/// application chooses the types, such as "data". GUI thread only; a check blocks for as long as the drives take.
+/// Checks the size and the free space of an application's drives every five minutes. Watches one drive for each type of
+/// path; the application chooses the types, such as "data". GUI thread only; a check blocks for as long as the drives
+/// take.
 class LmDriveSpaceObserver : public QObject
 {
     Q_OBJECT

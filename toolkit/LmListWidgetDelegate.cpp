@@ -51,7 +51,7 @@ void LmListWidgetDelegate::paint(QPainter* painter, const QStyleOptionViewItem& 
     // Without AlignAbsolute, the painter would align the text right in a right-to-left layout.
     painter->drawText(textRect, Qt::AlignLeft | Qt::AlignVCenter | Qt::AlignAbsolute, text);
 
-    // The colour of the selection is transparent and covers icon and text.
+    // A translucent colour over icon and text marks the selection, instead of another background.
     if (option.state & QStyle::State_Selected)
         painter->fillRect(option.rect, QColor(0x0d, 0xa6, 0x9e, 0x33));
     painter->restore();

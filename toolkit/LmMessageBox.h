@@ -30,7 +30,8 @@ public:
     /// box without buttons.
     void setButtonText(int button, const QString& text);
 
-    /// Logs title and text through the log chain, at the level of the icon, except for a question or without an icon.
+    /// Passes title and text to the log function for the icon, from which the next link gets them by logCritical().
+    /// Does nothing for a question or if there is no icon.
     void logDisplayedMessage();
 
 private:

@@ -38,7 +38,8 @@ double lmRoundTo(double value, int decimals)
     const double scale = powerOfTen(decimals);
     const double nudge = value > 0 ? 0.00001 : -0.00001;
     const double scaled = value * scale + nudge;
-    // Outside of the limits the conversion is undefined. A NaN is outside.
+    // Outside of the limits the conversion is undefined, and the value is the closest result. The comparisons are
+    // written so that a NaN is outside too.
     const bool representable = scaled > MinScaled && scaled < MaxScaled;
     return representable ? qRound(scaled) / scale : value;
 }

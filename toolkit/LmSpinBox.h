@@ -17,6 +17,7 @@ public:
     explicit LmSpinBox(QWidget* parent = nullptr);
 
     QValidator::State validate(QString& input, int& pos) const override;
-    /// With a special text, replaces an invalid entry with the minimum, which the special text represents.
+    /// With a special text, replaces an entry that isn't acceptable with the minimum, which the special text
+    /// represents.
     void fixup(QString& input) const override;
 };

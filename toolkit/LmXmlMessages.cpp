@@ -23,7 +23,7 @@ void LmXmlMessages::handleMessage(QtMsgType type, const QString& description, co
         m_messages.clear();
     m_level = type; // May decrease: the next message of a higher type then clears the lines.
 
-    // QtFatalMsg intentionally has the label "Info", since applications rely on the format of the lines.
+    // The labels don't follow the severity of the types. Applications rely on them.
     const QString label = type == QtDebugMsg || type == QtWarningMsg ? QStringLiteral("Error") : QStringLiteral("Info");
     m_messages.append(
         QStringLiteral("%1 at (line %2;column %3) - %4")

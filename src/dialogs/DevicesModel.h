@@ -20,8 +20,8 @@ public:
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
-    /// Returns the patient's key in the column AssignedTo, and the patient's name as its tool tip. Queries the host for
-    /// the name at each call.
+    /// Returns the patient's key in the column AssignedTo, and the patient's name as its tool tip. Queries the host
+    /// each time a tool tip is requested.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 

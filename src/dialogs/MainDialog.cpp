@@ -21,6 +21,7 @@
 
 namespace {
 
+constexpr int AbortTimeoutSec = 20;
 constexpr int QueryTimeoutSec = 20;
 constexpr int PauseAfterAbortMs = 2000;
 constexpr int PictureWidth = 100;
@@ -116,7 +117,7 @@ void MainDialog::prepareReader()
 
     CommandFileWriter::instance()->abort();
     connectFinished(this, &MainDialog::onPrepareFinished);
-    parser->start(QueryTimeoutSec, 0, 0);
+    parser->start(AbortTimeoutSec, 0, 0);
 }
 
 void MainDialog::onPrepareFinished(bool success)

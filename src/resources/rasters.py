@@ -10,7 +10,7 @@ from PIL import Image
 SAMPLES = 4
 PUMP_SIZE = (420, 280)
 READER_SIZE = (239, 307)
-# Parts of the pump, in pixels of its picture.
+# Parts of the pump, in pixels of its picture. make-images.py draws marks over some of them.
 DISPLAY = (33, 94, 287, 234)
 DISPLAY_MIDDLE = (160, 170)
 KEYS_MIDDLE = (160, 46)
