@@ -4,6 +4,9 @@
 #include "dialogs/DevicesTable.h"
 #include "dialogs/DialogRun.h"
 
+#include <QLabel>
+#include <QTimer>
+
 namespace {
 
 using Run = DialogRun;
@@ -157,6 +160,18 @@ private Q_SLOTS:
                        {"pump S2", "mcp|==> [Add Controller] Reassign succeeded: status='2'.", "accepted"});
     }
 
+    void onlyTheReadDialogReportsATimeoutOfTheReadOut()
+    {
+        Run main(Run::Main);
+        QStringList silent;
+        const QStringList inMain = performInMain(main, Run::Add, [&](Run& opened) {
+            opened.reassign();
+            QTimer::singleShot(50, qApp, [&] { silent = opened.readerStaysSilent(); });
+            return opened.readerEnds(CommandStatus::Done);
+        });
+        QCOMPARE((silent + inMain).count(ReaderSilentBox), 1);
+    }
+
     void cancelAndEscapeCloseTheDialog()
     {
         for (const auto kind : {Run::Add, Run::Read, Run::Remove}) {
@@ -184,6 +199,7 @@ private Q_SLOTS:
         run.press(Qt::Key_Escape);
         QCOMPARE(run.shown(),
                  QString("m_ResultLabel, Read out device pump PU1234, Read out completed!, 100%, (Cancel)"));
+        QCOMPARE(run.dialog->findChild<QLabel*>("m_ResultLabel")->accessibleName(), QString("Read out completed!"));
         COMPARE_EVENTS(run.fireTimer(2000), {"data", "accepted"});
     }
 

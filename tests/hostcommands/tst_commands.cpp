@@ -69,6 +69,7 @@ private Q_SLOTS:
         // The arguments, those that are left, the command line and the job id.
         const QStringList rows[] = {{"-mine,import,-mine", "import,-mine", "-mine", "prepared"},
                                     {"-jobid,-mine,import", "import", "-jobid -mine", "-mine"},
+                                    {"-jobid,,import", "import", "-jobid ''", ""},
                                     // The names of a folder and of a file in the current folder aren't options.
                                     {"-folder.dia", "", "-folder.dia", "prepared"},
                                     {"-week%20one.xDIA", "", "import -filepath '-week one.xDIA'", "prepared"}};

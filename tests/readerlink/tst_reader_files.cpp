@@ -151,7 +151,7 @@ private Q_SLOTS:
     {
         const std::pair<QByteArray, QString> files[] = {
             {StatusText, "[Reader 7]: BTREAD, 2, 110, A1B2C3"},
-            {"%4\nabcd%1\n\nabcdefghij%3\n-5.\n-99.\n", "[%4]: %1, 4, 5, %3"},
+            {"%4\nabcd%1\n\nabcdefghij%3\n-7 -5.\n-99.\n", "[%4]: %1, 4, 5, %3"},
             {"H\n1234CMD\n1234567890done\n1234567890R\n42.", "[H]: CMD, 2, 42, R"},
             // Garbage without line ends is cut, so that it can't fill the memory.
             {QByteArray(4 << 20, 'h'),
@@ -244,7 +244,8 @@ private Q_SLOTS:
         row("too long", id + QByteArray(8 << 20, ' ') + "</PATIENT_ID>", {"B||||paired"});
         const QByteArray harmless = attributes + spaces + "<!ENTITY \"";
         row("harmless",
-            "<!--" + harmless + "--><![CDATA[" + harmless + "]]><?a " + harmless + "?><X/>" + attributes + next + '>',
+            "<!--" + harmless + "--><![CDATA[" + harmless + "]]><?a " + harmless + "?><X><Y/></X>" + attributes + next +
+                '>',
             {"||n||free", "||||free"});
         QTest::newRow("declarations") << "<!DOCTYPE D [<!ENTITY a 'b'>]>" + Devices.mid(21) << QStringList();
         row("text unchanged", "<SERIALNR> \xC3\x84&amp;1 </SERIALNR>", {QString::fromUtf8("| Ä&1 |||free")});

@@ -450,6 +450,11 @@ private Q_SLOTS:
             QTest::mouseClick(menu.get(), Qt::LeftButton, {}, menu->actionGeometry(&print).center());
             QCOMPARE(keysWhenTriggered, keys);
             menu->popup({});
+            print.setText("Other");
+            menu->close();
+            QVERIFY(print.text() == "Other" && print.shortcuts() == keys);
+            print.setText(text);
+            menu->popup({});
             menu.reset(); // Restores them too.
             QVERIFY(print.text() == text && print.shortcuts() == keys);
         }
