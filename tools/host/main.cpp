@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/host/HostApplication.h"
 #include "tools/host/HostOptions.h"
-#include "tools/host/Robot.h"
-#include "tools/host/RobotScript.h"
+#include "tools/robot/Robot.h"
+#include "tools/robot/RobotScript.h"
 #include "tools/support/CommandLine.h"
 #include "tools/support/Platform.h"
 

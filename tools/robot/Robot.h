@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tools/host/RobotScript.h"
+#include "tools/robot/RobotScript.h"
 
 #include <QDir>
 #include <QElapsedTimer>

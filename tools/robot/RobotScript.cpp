@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "tools/host/RobotScript.h"
+#include "tools/robot/RobotScript.h"
 
 #include <QFile>
 #include <QKeySequence>

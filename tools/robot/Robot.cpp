@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "tools/host/Robot.h"
+#include "tools/robot/Robot.h"
 
 #include "tools/host/HostApplication.h"
-#include "tools/host/WidgetFinder.h"
+#include "tools/robot/WidgetFinder.h"
 #include "tools/support/CommandLine.h"
 
 #include <QAbstractButton>

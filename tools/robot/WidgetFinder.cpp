@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 // SPDX-License-Identifier: MIT
-#include "tools/host/WidgetFinder.h"
+#include "tools/robot/WidgetFinder.h"
 
 #include <QAbstractButton>
 #include <QApplication>
