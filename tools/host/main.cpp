@@ -30,6 +30,31 @@ void takeQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
         hostLog, [channel, text] { hostLog->write("Qt", channel, text); }, Qt::QueuedConnection);
 }
 
+/// Returns the operations of the host that the robot doesn't perform at the window.
+RobotHost robotHostOf(HostApplication& host)
+{
+    const auto addOrChangePatient = [&host](const QString& puid, const QStringList& ids) {
+        const PatientRecord patient{puid, ids};
+        HostDatabase& database = host.database();
+        const bool isThere = database.findPatient(patient.puid).has_value();
+        if (!(isThere ? database.changePatient(patient) : database.addPatient(patient)))
+            return database.errorText();
+        if (isThere)
+            host.events().publishChanged(patient);
+        else
+            host.events().publishCreated();
+        return QString();
+    };
+    const auto openDiary = [&host](const QString& puid) {
+        const auto patient = host.database().findPatient(puid);
+        if (!patient)
+            return QString("no patient '%1' was found %2").arg(puid, host.database().errorText());
+        host.events().openDiary(*patient);
+        return QString();
+    };
+    return {host.window(), addOrChangePatient, openDiary};
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -70,7 +95,7 @@ int main(int argc, char** argv)
     if (options.robot.isEmpty())
         return QApplication::exec();
 
-    Robot robot(host, script.steps(), options.pictures);
+    Robot robot(robotHostOf(host), script.steps(), options.pictures);
     QTimer::singleShot(0, &robot, &Robot::start);
     QApplication::exec();
     return robot.failure().isEmpty() ? Success : complain(Failure, robot.failure());

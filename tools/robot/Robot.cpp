@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/robot/Robot.h"
 
-#include "tools/host/HostApplication.h"
 #include "tools/robot/WidgetFinder.h"
 #include "tools/support/CommandLine.h"
 
@@ -74,7 +73,7 @@ const QVector<Robot::Verb> Robot::Verbs{
     {"click NAME", &Robot::click},
     {"key KEY", &Robot::pressKey},
     {"open PUID", &Robot::openDiary},
-    {"patient PUID FAMILY [GIVEN] [BIRTHDAY] [ID]", &Robot::addPatient},
+    {"patient PUID FAMILY [GIVEN] [BIRTHDAY] [ID]", &Robot::addOrChangePatient},
     {"pause SECONDS", &Robot::pause},
     {"picture FILE [NAME]", &Robot::takePicture},
     {"quit", &Robot::quit},
@@ -88,7 +87,7 @@ const QVector<Robot::Verb> Robot::Verbs{
     {"wait|expect NAME text equals|contains TEXT", &Robot::checkWidget},
 };
 
-Robot::Robot(HostApplication& host, const QVector<RobotStep>& steps, const QDir& pictures, QObject* parent)
+Robot::Robot(const RobotHost& host, const QVector<RobotStep>& steps, const QDir& pictures, QObject* parent)
     : QObject(parent)
     , m_host(host)
     , m_steps(steps)
@@ -141,26 +140,14 @@ void Robot::tick()
     m_timer.start(); // after what the step has queued
 }
 
-Robot::Outcome Robot::addPatient(const QStringList& words)
+Robot::Outcome Robot::addOrChangePatient(const QStringList& words)
 {
-    const PatientRecord patient{words.at(1), words.mid(2)};
-    const bool isThere = m_host.database().findPatient(patient.puid).has_value();
-    if (!(isThere ? m_host.database().changePatient(patient) : m_host.database().addPatient(patient)))
-        return failed(m_host.database().errorText());
-    if (isThere)
-        m_host.events().publishChanged(patient);
-    else
-        m_host.events().publishCreated();
-    return {};
+    return doneUnless(m_host.addOrChangePatient(words.at(1), words.mid(2)));
 }
 
 Robot::Outcome Robot::openDiary(const QStringList& words)
 {
-    const auto patient = m_host.database().findPatient(words.at(1));
-    if (!patient)
-        return failed(QString("no patient '%1' was found %2").arg(words.at(1), m_host.database().errorText()));
-    m_host.events().openDiary(*patient);
-    return {};
+    return doneUnless(m_host.openDiary(words.at(1)));
 }
 
 Robot::Outcome Robot::pause(const QStringList& words)
@@ -170,7 +157,7 @@ Robot::Outcome Robot::pause(const QStringList& words)
 
 Robot::Outcome Robot::quit(const QStringList&)
 {
-    return doneIf(!QApplication::activeModalWidget() && m_host.window().close(), "the window stays open");
+    return doneIf(!QApplication::activeModalWidget() && m_host.window.close(), "the window stays open");
 }
 
 Robot::Outcome Robot::takePicture(const QStringList& words)

@@ -10,8 +10,17 @@
 #include <QPoint>
 #include <QTimer>
 
-class HostApplication;
+#include <functional>
+
 class QWidget;
+
+/// What the robot uses of the program in which it works. The functions return what failed, or an empty text.
+struct RobotHost
+{
+    QWidget& window; ///< the step "quit" closes it
+    std::function<QString(const QString& puid, const QStringList& ids)> addOrChangePatient;
+    std::function<QString(const QString& puid)> openDiary;
+};
 
 /// Performs the steps of a script as a user at the window would, and reports each on standard output.
 ///
@@ -24,7 +33,7 @@ class Robot final : public QObject
 
 public:
     /// Pictures are written to @p pictures.
-    Robot(HostApplication& host, const QVector<RobotStep>& steps, const QDir& pictures, QObject* parent = nullptr);
+    Robot(const RobotHost& host, const QVector<RobotStep>& steps, const QDir& pictures, QObject* parent = nullptr);
 
     /// Returns the forms of all steps.
     static QStringList forms();
@@ -51,11 +60,12 @@ private:
 
     static Outcome waiting(const QString& seen) { return {Outcome::Waiting, seen}; }
     static Outcome failed(const QString& seen) { return {Outcome::Failed, seen}; }
+    static Outcome doneUnless(const QString& error) { return error.isEmpty() ? Outcome() : failed(error); }
     static Outcome doneIf(bool isDone, const QString& seen) { return isDone ? Outcome() : waiting(seen); }
 
     void tick();
 
-    Outcome addPatient(const QStringList& words);
+    Outcome addOrChangePatient(const QStringList& words);
     Outcome openDiary(const QStringList& words);
     Outcome pause(const QStringList& words);
     Outcome quit(const QStringList& words);
@@ -74,7 +84,7 @@ private:
     // returned doesn't fire again.
     void sendClick(QWidget* widget, const QPoint& position);
 
-    HostApplication& m_host;
+    const RobotHost m_host;
     const QVector<RobotStep> m_steps;
     const QDir m_pictures;
     QTimer m_timer;
