@@ -76,8 +76,8 @@ private Q_SLOTS:
             m_seen = m_parser ? m_parser->m_lastStatus.status : m_seen; // null: its last tick's signal is late
         });
         // On the emitting thread.
-        const auto check = [this, parser = m_parser] {
-            if (QThread::currentThread() != parser->thread())
+        const auto check = [this] {
+            if (QThread::currentThread() == thread())
                 ++m_strangers;
         };
         connect(m_parser, &StatusFileParser::finished, m_parser, check, Qt::DirectConnection);
