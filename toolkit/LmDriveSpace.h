@@ -39,7 +39,8 @@ public:
     /// for any other @p kind.
     static QPair<double, double> memoryInfo(int kind);
 
-    /// Returns the figures of the root of the drive that contains @p path, and writes them to Qt's log.
+    /// Returns the figures of the root of the drive that contains @p path, and writes them to Qt's log. The root of a
+    /// missing path is what QStorageInfo reports: @p path on Windows, otherwise empty.
     static LmDriveSpace driveInfo(const QString& path);
 
 private:

@@ -12,13 +12,16 @@
 
 namespace {
 
-/// Reads usual powers from a table, because std::pow() takes several times as long as the rest of lmRoundTo(). With a
-/// larger power only tiny values fit into an int.
+/// Reads usual powers from a table, because std::pow() takes several times as long as the rest of lmRoundTo(), and some
+/// C libraries return an inexact result for a negative exponent. With a larger power only tiny values fit into an int.
 double powerOfTen(int exponent)
 {
     static constexpr std::array<double, 10> Powers{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-    if (exponent >= 0 && exponent < static_cast<int>(Powers.size()))
+    constexpr int Size = Powers.size();
+    if (exponent >= 0 && exponent < Size)
         return Powers[static_cast<std::size_t>(exponent)];
+    if (exponent < 0 && exponent > -Size)
+        return 1 / Powers[static_cast<std::size_t>(-exponent)];
     return std::pow(10.0, exponent);
 }
 

@@ -103,14 +103,15 @@ private Q_SLOTS:
         const MessageCapture log;
         observer.observe("data", "missing");
         observer.observe("data", "missing");
-        QCOMPARE(drives, QStringList(QString()));
+        const QString missingRoot = QStorageInfo("missing").rootPath(); // differs between systems
+        QCOMPARE(drives, QStringList(missingRoot));
         QCOMPARE(log.texts(QtDebugMsg).value(1), QString("  usage : -1GiB (-1%) of -1GiB"));
         const QStorageInfo storage(m_dir.path());
         if (!storage.isValid())
             QSKIP("The system names no drive for the temporary folder, as in a chroot.");
         const QString root = storage.rootPath();
         observer.observe("data", m_dir.path());
-        QCOMPARE(drives, QStringList({"", root}));
+        QCOMPARE(drives, QStringList({missingRoot, root}));
         const LmDriveSpace drive(root);
         QVERIFY(drive.free(0) > 0 && qAbs(drive.freePercent() - 100 * drive.free(2) / drive.total(2)) < 1e-9);
 
@@ -137,7 +138,7 @@ private Q_SLOTS:
                     provider.now().msecsTo(provider.nowUtc()) < 5000);
         }
         QVERIFY(QDir("clock").isEmpty());
-        const QDateTime noon({2026, 7, 1}, {12, 0}, QTimeZone("Asia/Kolkata"));
+        const QDateTime noon({2026, 7, 1}, {12, 0}, QTimeZone(19800));
         const QDateTime fixed = LmDateTimeProvider::withLocalOffset(noon);
         QVERIFY(fixed == noon && fixed.timeSpec() == Qt::OffsetFromUTC && fixed.offsetFromUtc() == 19800);
     }
