@@ -24,14 +24,6 @@ const int ChecksIfInvalid = 10;
 /// Lasts several polls of the status.
 const int HalfStatusMs = 250;
 
-/// Renames a file or folder atomically. Returns the error, or an empty text.
-QString rename(const QString& from, const QString& to)
-{
-    std::error_code error;
-    std::filesystem::rename(Platform::nativePath(from), Platform::nativePath(to), error);
-    return error ? QString::fromStdString(error.message()) : QString();
-}
-
 /// Returns true if the file was written since the last call. Sets the file's time back by a day, so that the next write
 /// changes it even if the drive's time stamps are coarse (two seconds on FAT).
 bool takeWrite(const QString& path, FileStamp* seen)
@@ -44,6 +36,9 @@ bool takeWrite(const QString& path, FileStamp* seen)
         const auto time = std::filesystem::last_write_time(file, error);
         if (!error)
             std::filesystem::last_write_time(file, time - std::chrono::hours(24), error);
+        // Another program has the file open without sharing it; the next check tries again.
+        if (error == std::errc::permission_denied)
+            return false;
     }
     *seen = FileStamp::of(path);
     return isWritten;
@@ -155,7 +150,7 @@ bool ReaderDrive::replaceFile(const QString& name, const QByteArray& bytes)
 
 bool ReaderDrive::moveInto(const QString& from, const QString& name)
 {
-    const QString renameError = rename(from, filePath(name));
+    const QString renameError = Platform::rename(from, filePath(name));
     return renameError.isEmpty() || fail(QString("%1: %2").arg(filePath(name), renameError));
 }
 
@@ -196,7 +191,7 @@ bool ReaderDrive::removeDrive(bool wholeDrive)
     // The lock file is moved along with the drive and couldn't be removed later.
     m_lock->unlock();
     const auto [place, away] = placesOf(wholeDrive);
-    const QString renameError = rename(place, away);
+    const QString renameError = Platform::rename(place, away);
     return renameError.isEmpty() || fail(QString("%1: can't be removed: %2").arg(place, renameError));
 }
 
@@ -216,7 +211,7 @@ bool ReaderDrive::restore(QString* error)
             continue;
         // Removes a folder that another program has created in its place, if it is empty.
         QDir().rmdir(place);
-        const QString renameError = rename(away, place);
+        const QString renameError = Platform::rename(away, place);
         if (!renameError.isEmpty()) {
             *error = QString("%1: can't be restored as %2: %3").arg(away, place, renameError);
             return false;

@@ -114,8 +114,8 @@ bool ReaderSimulator::start(QString* error)
 
 void ReaderSimulator::showFirstStatus()
 {
-    QFile shown(m_drive.filePath(ReaderNames::Status));
-    if (shown.open(QIODevice::ReadOnly))
+    // Closed before the file is replaced, as Windows requires.
+    if (QFile shown(m_drive.filePath(ReaderNames::Status)); shown.open(QIODevice::ReadOnly))
         m_status = shown.readAll();
     if (m_activeFaults.contains("left-running"))
         showAtOnce(m_activeFaults.value("left-running"), Running);

@@ -3,14 +3,42 @@
 #include "tools/support/Platform.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFile>
+#include <QTextCodec>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <system_error>
+
+#ifdef Q_OS_WIN
+#include <QAbstractNativeEventFilter>
+
+#include <windows.h>
+#endif
 
 static volatile std::sig_atomic_t s_isStopRequested = 0;
+
+#ifdef Q_OS_WIN
+namespace {
+
+/// Receives the message by which QProcess::terminate() of another program asks one without a window to end.
+class CloseFilter final : public QAbstractNativeEventFilter
+{
+    bool nativeEventFilter(const QByteArray& /*type*/, void* message, long* /*result*/) override
+    {
+        const MSG* received = static_cast<MSG*>(message);
+        if (received->message == WM_CLOSE && !received->hwnd)
+            s_isStopRequested = 1;
+        return false;
+    }
+};
+
+} // namespace
+#endif
 
 bool Platform::isWithoutDisplay()
 {
@@ -37,6 +65,35 @@ std::filesystem::path Platform::nativePath(const QString& path)
 #endif
 }
 
+QString Platform::rename(const QString& from, const QString& to)
+{
+#ifdef Q_OS_WIN
+    constexpr int MaxLockMs = 1000;
+#else
+    constexpr int MaxLockMs = 0;
+#endif
+    constexpr int RetryMs = 2;
+    const QDeadlineTimer limit(MaxLockMs);
+    std::error_code error;
+    for (;;) {
+        std::filesystem::rename(nativePath(from), nativePath(to), error);
+        if (error != std::errc::permission_denied || limit.hasExpired())
+            break;
+        QThread::msleep(RetryMs);
+    }
+    return error ? QString::fromStdString(error.message()) : QString();
+}
+
+QString Platform::localeCodecName()
+{
+    const QByteArray name = QTextCodec::codecForLocale()->name();
+#ifdef Q_OS_WIN
+    if (name == "System")
+        return GetACP() == CP_UTF8 ? QString("UTF-8") : QString("code page %1").arg(GetACP());
+#endif
+    return QString::fromLatin1(name);
+}
+
 bool Platform::writeThrough(QFile& file, const QByteArray& bytes)
 {
     // A write to a full disk can be partial, without an error in Qt. Writing the rest sets the error.
@@ -48,6 +105,10 @@ void Platform::quitOnStopRequest()
     constexpr int CheckEveryMs = 50;
     for (const int signal : {SIGINT, SIGTERM})
         std::signal(signal, [](int) { s_isStopRequested = 1; });
+#ifdef Q_OS_WIN
+    static CloseFilter filter;
+    qApp->installNativeEventFilter(&filter);
+#endif
     auto* timer = new QTimer(qApp);
     QObject::connect(timer, &QTimer::timeout, qApp, [] {
         if (s_isStopRequested)

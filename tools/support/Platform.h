@@ -22,6 +22,13 @@ bool isKnownNoise(const QString& message);
 /// Returns a path for the standard library, with all characters that the system allows in it.
 std::filesystem::path nativePath(const QString& path);
 
+/// Renames a file or folder atomically; replaces a file. Returns the error, or an empty text. Blocks for up to a second
+/// on Windows, which refuses this while another program has the file open.
+QString rename(const QString& from, const QString& to);
+
+/// Returns the name of the codec of the locale, in which the plug-in writes commands.
+QString localeCodecName();
+
 /// Writes to an open file and flushes it. Returns false and sets the file's errorString() if that fails.
 bool writeThrough(QFile& file, const QByteArray& bytes);
 
