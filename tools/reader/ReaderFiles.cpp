@@ -10,7 +10,7 @@ QByteArray statusText(const ReaderStatus& status)
     return QString("%1\nCmd=%2\nStatus  = %3\nResult  = %4\nError code -%5.\n")
         .arg(status.header, status.command, status.word, status.result,
              status.error == NoErrorCode ? QString() : QString::number(status.error))
-        .toUtf8();
+        .toLocal8Bit();
 }
 
 QByteArray deviceListXml(const QVector<Pump>& pumps)

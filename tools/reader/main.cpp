@@ -199,8 +199,10 @@ int run(const CommandLine& line)
 
 int main(int argc, char** argv)
 {
-    CommandLine line("merivo-reader", MERIVO_VERSION,
-                     "Simulates the device reader on the folder or removable drive DRIVE.");
+    CommandLine line(
+        "merivo-reader", MERIVO_VERSION,
+        "Simulates the device reader on the folder or removable drive DRIVE.\nCommands and statuses are in " +
+            Platform::localeCodecName() + '.');
     line.addPositionalArgument("DRIVE", "The root of the reader's drive; it must exist.");
     if (const auto status = line.read(argc, argv, Options, {"fault", "pair"}))
         return *status;

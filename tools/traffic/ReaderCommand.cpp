@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/traffic/ReaderCommand.h"
 
+#include "tools/support/Platform.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -48,14 +50,20 @@ QRegularExpression patternOf(QString arguments)
 
 std::optional<ReaderCommand> parseCommandFile(const QByteArray& bytes, QString* fault)
 {
+    const QString text = QString::fromLocal8Bit(bytes.constData(), bytes.size());
+    if (text.toLocal8Bit() == bytes)
+        return parseCommand(text, fault);
+    *fault = QString("it isn't %1, or begins with a byte order mark").arg(Platform::localeCodecName());
+    return std::nullopt;
+}
+
+std::optional<ReaderCommand> parseCommand(const QString& text, QString* fault)
+{
     const auto refuse = [fault](const QString& what) {
         *fault = what;
         return std::nullopt;
     };
     static const QRegularExpression controlCharacter("[\\x00-\\x1f\\x7f]");
-    const QString text = QString::fromUtf8(bytes.constData(), bytes.size());
-    if (text.toUtf8() != bytes)
-        return refuse("it isn't UTF-8, or begins with a byte order mark");
     if (!text.startsWith(Begin))
         return refuse("it doesn't begin with the line \"QD17-C RemoteControl File\" and \"Command=\"");
     const QString given = text.mid(Begin.size());

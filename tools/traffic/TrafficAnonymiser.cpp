@@ -105,7 +105,7 @@ std::optional<QString> TrafficAnonymiser::contentOf(const TrafficEntry& entry)
 QString TrafficAnonymiser::command(const QString& text)
 {
     QString fault;
-    const auto given = parseCommandFile(text.toUtf8(), &fault);
+    const auto given = parseCommand(text, &fault);
     if (!given)
         return m_words.scrub(text, Numbers::Hide);
     for (const QString& value : {given->serialNumber, given->address, given->patientId})
