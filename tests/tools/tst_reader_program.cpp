@@ -3,15 +3,17 @@
 #include "readerlink/DeviceList.h"
 #include "tools/Programs.h"
 #include "tools/reader/ReaderDrive.h"
+#include "tools/reader/ReaderFiles.h"
 #include "tools/reader/ReaderSimulator.h"
 #include "tools/reader/Scenario.h"
 #include "tools/traffic/ReaderCommand.h"
+#include "tools/traffic/TrafficRecorder.h"
 
 #include <QDir>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTextCodec>
 
-#include <cstdio>
 #include <memory>
 
 namespace {
@@ -37,10 +39,9 @@ Scenario world(const QString& fault = {})
 /// Writes a file with the time stamp that all files get here, as on a drive whose stamps are coarse.
 bool writeAtOnce(const QString& path, const QByteArray& bytes)
 {
-    QFile file(path + ".beside");
-    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() &&
-                           file.setFileTime(QDateTime::fromSecsSinceEpoch(1700000000), QFile::FileModificationTime);
-    return isWritten && std::rename(qPrintable(file.fileName()), qPrintable(path)) == 0;
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() &&
+           file.setFileTime(QDateTime::fromSecsSinceEpoch(1700000000), QFile::FileModificationTime);
 }
 
 /// A reader at work on a folder, and the plug-in's side of its drive.
@@ -116,10 +117,15 @@ private Q_SLOTS:
             {Head + "BTISPAIRED  p1", "\"BTISPAIRED  p1\" isn't of the form \"BTISPAIRED PATIENT\""},
             {Head + "BTDELETEADDR \"MV-1\"", "isn't of the form \"BTDELETEADDR  \"SERIAL\"\""},
         };
-        for (const auto& [bytes, expected] : files) {
-            QString fault;
+        QString fault;
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+        for (const auto& [bytes, expected] : files)
             QVERIFY2(!parseCommandFile(bytes, &fault) && fault.contains(expected), qPrintable(fault));
-        }
+        // Both directions use the codec of the locale.
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("windows-1252"));
+        QCOMPARE(parseCommandFile(Head + "BTREAD \"\xc4\x80\"", &fault)->serialNumber, QString("Ä€"));
+        QVERIFY(statusText({{}, {}, {}, "Ä€", 0}).contains(" = \xc4\x80\n"));
+        QTextCodec::setCodecForLocale(nullptr);
     }
 
     void scenarioErrorNamesItsField()
@@ -169,6 +175,21 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
         QCOMPARE(reader.devices(), QString("MV-1=A1= MV 2=A2={p 2} MV-4=A4=p4 MV-5=A5= MV-6=A6= "));
         const QByteArray status = "\nCmd=BTDELETEADDR\nStatus  = failed\nResult  = \nError code -31.\n";
         QVERIFY(before.startsWith("QD17-C RemoteControl File ") && before.endsWith(status));
+    }
+
+    void equalCommandIsRecordedTwice()
+    {
+        const QTemporaryDir folder;
+        const QString misc = folder.filePath("MISC/"), recording = folder.filePath("r");
+        QString error;
+        TrafficRecorder recorder(folder.path());
+        QVERIFY(QDir().mkpath(misc) && recorder.start(recording, &error));
+        for (const QByteArray header : {"1", "2"}) {
+            QVERIFY(writeAtOnce(misc + "CommandFile.txt", Head + "ABORT "));
+            QVERIFY(writeAtOnce(misc + "STATUS.TXT", header + "\nCmd=ABORT\nStatus  = done\n"));
+            QTRY_COMPARE(bytesOf(recording).count("Command=ABORT"), header.toInt());
+            QTRY_COMPARE(bytesOf(recording).count("Cmd=ABORT"), header.toInt());
+        }
     }
 
     /// The faults that no run of the plug-in shows.
