@@ -15,6 +15,9 @@
 #include <random>
 
 #ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <ctime>
 #endif
 #ifdef __GLIBC__
@@ -46,6 +49,26 @@ double workMilliseconds()
     const double time = threadMilliseconds();
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return time >= 0 ? time : std::chrono::duration<double, std::milli>(now).count();
+}
+
+bool bareRead([[maybe_unused]] const char* trigger, [[maybe_unused]] const char* status)
+{
+#ifdef Q_OS_UNIX
+    const int written = ::open(trigger, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (written < 0)
+        return false;
+    ::close(written);
+
+    const int read = ::open(status, O_RDONLY | O_CLOEXEC);
+    if (read < 0)
+        return false;
+    char bytes[4096];
+    const ssize_t size = ::read(read, bytes, sizeof bytes);
+    ::close(read);
+    return size > 0;
+#else
+    return false;
+#endif
 }
 
 void keepFreedMemory()

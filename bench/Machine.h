@@ -18,6 +18,10 @@ double threadMilliseconds();
 /// available. On a busy machine plain time grows faster than the work, as longer work is interrupted more.
 double workMilliseconds();
 
+/// Creates or truncates the trigger file, then reads the status file: the minimum cost of a forced read. Returns false
+/// if that fails or the system doesn't have these calls.
+bool bareRead(const char* trigger, const char* status);
+
 /// Makes the process keep freed memory, if the C library supports that. Otherwise a call that allocates much memory
 /// gets new pages from the kernel each time, which hides how its own work grows.
 void keepFreedMemory();

@@ -22,37 +22,11 @@
 #include <random>
 #include <thread>
 
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <unistd.h>
-#endif
-
 namespace {
 
 constexpr std::chrono::milliseconds TickPeriod{100};
 constexpr std::chrono::seconds Timeout{10};
 constexpr int CallsPerRound = 20;
-
-/// The minimum cost of a forced read: create or truncate the trigger file, then read the status file.
-bool bareRead([[maybe_unused]] const char* trigger, [[maybe_unused]] const char* status)
-{
-#ifdef Q_OS_UNIX
-    const int written = ::open(trigger, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (written < 0)
-        return false;
-    ::close(written);
-
-    const int read = ::open(status, O_RDONLY | O_CLOEXEC);
-    if (read < 0)
-        return false;
-    char bytes[4096];
-    const ssize_t size = ::read(read, bytes, sizeof bytes);
-    ::close(read);
-    return size > 0;
-#else
-    return false;
-#endif
-}
 
 /// Returns an operation that returns how many microseconds one call takes, or -1 if one fails.
 template <typename Operation>

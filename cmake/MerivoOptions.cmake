@@ -23,18 +23,8 @@ else()
     endforeach()
 endif()
 
-if(MERIVO_HARDENED AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
-    # Debian's compilers build position-independent executables by default; enable it for others.
-    include(CheckPIESupported)
-    check_pie_supported()
-    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-    target_compile_options(merivo_options INTERFACE
-        -fstack-protector-strong -fstack-clash-protection -Wformat -Werror=format-security
-        $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
-    if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
-        target_compile_options(merivo_options INTERFACE -fcf-protection)
-    endif()
-    target_link_options(merivo_options INTERFACE LINKER:-z,relro,-z,now)
+if(MERIVO_HARDENED)
+    merivo_harden(merivo_options)
 endif()
 
 if(MERIVO_SANITIZE)

@@ -17,6 +17,7 @@
 #include <QTest>
 #include <QWindow>
 
+#include <filesystem>
 #include <utility>
 
 namespace {
@@ -115,7 +116,7 @@ private Q_SLOTS:
             QVERIFY(m_folder->writeFile("CommandFile.txt", QByteArray(500, 'x'))); // of an earlier, longer command
             m_host.journal.clear();
             QVERIFY(submit(*m_writer));
-            QCOMPARE(m_folder->command(), "QD17-C RemoteControl File\nCommand=" + command.toUtf8());
+            QCOMPARE(m_folder->command(), "QD17-C RemoteControl File\nCommand=" + command.toLocal8Bit());
             QCOMPARE(m_writer->m_lastCommand, command.section(' ', 0, 0));
             const QString submitted = "mcp|<== <" + command + "> submitted.||";
             QCOMPARE(m_host.journal.lines, QStringList(submitted + m_folder->misc() + "/CommandFile.txt"));
@@ -188,7 +189,8 @@ private Q_SLOTS:
         QVERIFY(QDir().mkdir(misc + "NoCommand.txt"));
         QCOMPARE(m_parser->readStatus(), StatusRecord());
         // The trigger precedes the read: if it is a link to the status file, it empties that.
-        QVERIFY(QDir().rmdir(misc + "NoCommand.txt") && QFile::link(status, misc + "NoCommand.txt"));
+        QVERIFY(QDir().rmdir(misc + "NoCommand.txt"));
+        std::filesystem::create_hard_link(status.toStdString(), misc.toStdString() + "NoCommand.txt");
         m_parser->readStatus();
         QVERIFY(QFile::remove(misc + "NoCommand.txt") && QFile::remove(status) && QDir().mkdir(status));
         QCOMPARE(m_parser->readStatus(), StatusRecord());

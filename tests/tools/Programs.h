@@ -37,10 +37,12 @@ public:
         setWorkingDirectory(folder);
         start(path, arguments);
     }
-    /// The exit status and the text on standard error; a crash and a program that doesn't end have the status -1.
+    /// The exit status and the text on standard error with line feeds only; a crash and a program that doesn't end have
+    /// the status -1.
     QString end()
     {
         const bool isEnded = waitForFinished(60000) && exitStatus() == NormalExit;
-        return QString::number(isEnded ? exitCode() : -1) + ' ' + QString::fromLocal8Bit(readAllStandardError());
+        return QString::number(isEnded ? exitCode() : -1) + ' ' +
+               QString::fromUtf8(readAllStandardError()).remove('\r');
     }
 };

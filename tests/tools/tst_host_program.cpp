@@ -59,7 +59,7 @@ private:
                 arguments << usual;
         Program host(MERIVO_HOST_PROGRAM, arguments, m_folder->path());
         const QString end = host.end();
-        return host.readAll() + end;
+        return QString(host.readAll()).remove('\r') + end;
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -72,6 +72,12 @@ private Q_SLOTS:
         m_folder = std::make_unique<QTemporaryDir>();
         m_database = std::make_unique<HostDatabase>();
         QVERIFY2(m_database->open(file("db")) && m_database->addPatient(Jane), qPrintable(m_database->errorText()));
+    }
+
+    void cleanup()
+    {
+        m_other.close();
+        m_database.reset(); // before its folder is removed
     }
 
     void importIsStoredInOneTransactionForItsPatient()
@@ -129,7 +135,6 @@ private Q_SLOTS:
             QVERIFY2(!m_database->open(file(name)) && m_database->errorText().contains(sentence), name);
             QCOMPARE(bytesOf(file(name)), before);
         }
-        m_other.close();
     }
 
     void importIsCheckedAndStored()
