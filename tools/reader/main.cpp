@@ -199,10 +199,9 @@ int run(const CommandLine& line)
 
 int main(int argc, char** argv)
 {
-    CommandLine line(
-        "merivo-reader", MERIVO_VERSION,
-        "Simulates the device reader on the folder or removable drive DRIVE.\nCommands and statuses are in " +
-            Platform::localeCodecName() + '.');
+    const QString description = "Simulates the device reader on the folder or removable drive DRIVE.";
+    CommandLine line("merivo-reader", MERIVO_VERSION, description);
+    line.setApplicationDescription(description + "\nCommands and statuses are in " + Platform::localeCodecName() + '.');
     line.addPositionalArgument("DRIVE", "The root of the reader's drive; it must exist.");
     if (const auto status = line.read(argc, argv, Options, {"fault", "pair"}))
         return *status;

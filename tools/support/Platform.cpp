@@ -77,7 +77,9 @@ QString Platform::rename(const QString& from, const QString& to)
     std::error_code error;
     for (;;) {
         std::filesystem::rename(nativePath(from), nativePath(to), error);
-        if (error != std::errc::permission_denied || limit.hasExpired())
+        // The error depends on which of the two files is open.
+        const bool isOpen = error == std::errc::permission_denied || error == std::errc::io_error;
+        if (!isOpen || limit.hasExpired())
             break;
         QThread::msleep(RetryMs);
     }
@@ -89,7 +91,7 @@ QString Platform::localeCodecName()
     const QByteArray name = QTextCodec::codecForLocale()->name();
 #ifdef Q_OS_WIN
     if (name == "System")
-        return GetACP() == CP_UTF8 ? QString("UTF-8") : QString("code page %1").arg(GetACP());
+        return QString("code page %1").arg(GetACP());
 #endif
     return QString::fromLatin1(name);
 }
