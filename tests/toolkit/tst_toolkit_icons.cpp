@@ -28,8 +28,6 @@ private Q_SLOTS:
         QVERIFY(svg.open(QIODevice::WriteOnly));
         svg.write("<svg xmlns='http://www.w3.org/2000/svg' width='20' height='10' viewBox='0 0 40 20'>"
                   "<rect width='20' height='20' fill='#ff0000'/></svg>");
-        svg.close();
-        QVERIFY(svg.copy(file("v.SVG")));
     }
 
     void pixmapsHaveTheSizeAskedFor()
@@ -91,23 +89,14 @@ private Q_SLOTS:
     void picturesArePaintedAtTheirAnchor()
     {
         const QString vector = file("v.svg");
-        const QString capitals = file("v.SVG"); // A raster image, as only "svg" is recorded as a vector image.
-        const QRectF rect(10.25, 20.25, 101, 51);
         const QImage image = imageOf({200, 60}, Qt::transparent, [&](QPainter& painter) {
             // Rounding moves the left and top edge; the right and bottom edge remain.
+            const QRectF rect(10.25, 20.25, 101, 51);
             QCOMPARE(lmPaintPicture(&painter, lmPicture(vector), rect, Qt::AlignRight), QRectF(71, 36, 40.25, 19.75));
             lmPaintPicture(&painter, lmMirroredPicture(vector), QPointF(89, 36), Qt::AlignLeft | Qt::AlignTop);
         });
         QCOMPARE(boundsOf(image, [](QRgb pixel) { return pixel == qRgb(255, 0, 0); }), QRect(71, 36, 58, 20));
         QCOMPARE(qAlpha(image.pixel(91, 36)), 0);
-
-        QPicture sheet;
-        QPainter painter(&sheet);
-        QCOMPARE(lmPaintPicture(&painter, lmPicture(vector), rect, Qt::AlignTop), QRectF(41, 20, 39.75, 20.25));
-        QCOMPARE(lmPaintPicture(&painter, lmPicture(vector), rect, Qt::AlignBottom), QRectF(41, 51, 39.75, 20.25));
-        // Negative halves are rounded away from zero too.
-        QCOMPARE(lmPaintPicture(&painter, lmPicture(capitals), QPointF(-2.5, -3.5), Qt::AlignLeft | Qt::AlignTop),
-                 QRectF(-3, -4, 20.5, 10.5));
     }
 
     void pictureOutlivesItsFile()
@@ -120,19 +109,15 @@ private Q_SLOTS:
 
     void colorizedIconKeepsItsShape()
     {
-        // An icon that lists no sizes is drawn at 32 pixels.
         const QIcon vector = lmColorizeIcon(QIcon(file("v.svg")), Qt::green);
         const QImage image = vector.pixmap(32, 32, QIcon::Selected, QIcon::On).toImage();
         QCOMPARE(image.pixelColor(2, 8), QColor(Qt::green));
         QCOMPARE(image.pixelColor(image.width() - 1, 8).alpha(), 0);
 
-        // Each mode and state keeps its own pixmaps, with their transparency.
-        QIcon raster(file("r.png"));
         QPixmap half(5, 5);
         half.fill(QColor(255, 0, 0, 128));
-        raster.addPixmap(half, QIcon::Disabled, QIcon::On);
-        const QIcon green = lmColorizeIcon(raster, Qt::green);
-        QCOMPARE(green.pixmap(5, 5, QIcon::Disabled, QIcon::On).toImage().pixelColor(2, 2), QColor(0, 255, 0, 128));
+        const QIcon raster = lmColorizeIcon(QIcon(half), Qt::green);
+        QCOMPARE(raster.pixmap(5, 5).toImage().pixelColor(2, 2), QColor(0, 255, 0, 128));
 
         const MessageCapture log;
         QVERIFY(lmColorizeIcon(QIcon(), Qt::green).isNull());
