@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <tuple>
 
 namespace {
 
@@ -156,50 +157,40 @@ private Q_SLOTS:
         QCOMPARE(faultsIn(dialog).join("; "), QString());
     }
 
-    void showsHeaderInItsSize_data()
-    {
-        QTest::addColumn<Run::Kind>("kind");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QSize>("maximum");
-        QTest::newRow("main") << Run::Main << "hidden" << QSize(640, 360) << QSize(700, 400);
-        QTest::newRow("read") << Run::Read << "Read out pump" << QSize(640, 380) << QSize(QWIDGETSIZE_MAX, 380);
-        QTest::newRow("add") << Run::Add << "Add new pump" << QSize(640, 430) << QSize(QWIDGETSIZE_MAX, 440);
-        QTest::newRow("remove") << Run::Remove << "Remove Pump" << QSize(640, 360) << QSize(QWIDGETSIZE_MAX, 380);
-    }
     void showsHeaderInItsSize()
     {
-        QFETCH(Run::Kind, kind);
-        QFETCH(QString, title);
-        QFETCH(QSize, size);
-        QFETCH(QSize, maximum);
-        const bool isMain = kind == Run::Main;
-        for (const bool isSimulated : {true, false}) {
-            DialogSetup setup;
-            setup.simulationPath = isSimulated ? "/sim" : "";
-            if (!isSimulated)
-                setup.pids.clear();
-            Run run(kind, setup);
-            const auto label = [&run](const char* name) {
-                return run.dialog->findChild<QLabel*>(name);
-            };
-            const auto shown = [&label](const char* name) {
-                return label(name)->isHidden() ? "hidden" : label(name)->text();
-            };
-            QCOMPARE(shown("m_SimulationLabel"), QString(isSimulated ? "SimulationPath: '/sim'" : "hidden"));
-            QCOMPARE(shown("m_PatientLine1"), QString(isSimulated ? "Doe, Jane" : "hidden"));
-            QCOMPARE(shown("m_PatientLine2"), QString(isSimulated ? "03.02.1970, X1" : "hidden"));
-            QCOMPARE(shown("m_TitleLabel"), title);
-            QVERIFY(label("m_TitleLabel")->property("BigSizeFont").toBool());
-            for (const char* name : {"m_TitleLabel", "m_PatientLine1"})
-                QVERIFY(label(name)->property("HighlightFont").toBool());
-            QVERIFY(!run.dialog->windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
-            const qreal scale = run.dialog->logicalDpiY() == 120 ? 1.25 : 1;
-            QCOMPARE(run.dialog->size(), size * scale);
-            QCOMPARE(run.dialog->maximumSize(), (maximum * scale).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
-            QCOMPARE(PatientSession::instance()->deviceName(), QString(isMain ? "Sanvio Merivo" : "stays"));
-            QCOMPARE(Run::host.journal.contains("mcp|=?= <[at rest]: BTREAD, 2, 0, > status at open.||"), isMain);
-            QCOMPARE(run.takeEvents().contains("err|Device reader simulation used.||/sim"), isMain && isSimulated);
+        const std::tuple<Run::Kind, QString, QSize, QSize> rows[] = {
+            {Run::Main, "hidden", {640, 360}, {700, 400}},
+            {Run::Read, "Read out pump", {640, 380}, {QWIDGETSIZE_MAX, 380}},
+            {Run::Add, "Add new pump", {640, 430}, {QWIDGETSIZE_MAX, 440}},
+            {Run::Remove, "Remove Pump", {640, 360}, {QWIDGETSIZE_MAX, 380}},
+        };
+        for (const auto& [kind, title, size, maximum] : rows) {
+            const bool isMain = kind == Run::Main;
+            for (const bool isSimulated : {true, false}) {
+                const QStringList pids = isSimulated ? DialogSetup().pids : QStringList();
+                Run run(kind, {isSimulated ? "/sim" : "", pids});
+                const auto label = [&run](const char* name) {
+                    return run.dialog->findChild<QLabel*>(name);
+                };
+                const auto shown = [&label](const char* name) {
+                    return label(name)->isHidden() ? "hidden" : label(name)->text();
+                };
+                QCOMPARE(shown("m_SimulationLabel"), QString(isSimulated ? "SimulationPath: '/sim'" : "hidden"));
+                QCOMPARE(shown("m_PatientLine1"), QString(isSimulated ? "Doe, Jane" : "hidden"));
+                QCOMPARE(shown("m_PatientLine2"), QString(isSimulated ? "03.02.1970, X1" : "hidden"));
+                QCOMPARE(shown("m_TitleLabel"), title);
+                QVERIFY(label("m_TitleLabel")->property("BigSizeFont").toBool());
+                for (const char* name : {"m_TitleLabel", "m_PatientLine1"})
+                    QVERIFY(label(name)->property("HighlightFont").toBool());
+                QVERIFY(!run.dialog->windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+                const qreal scale = run.dialog->logicalDpiY() == 120 ? 1.25 : 1;
+                QCOMPARE(run.dialog->size(), size * scale);
+                QCOMPARE(run.dialog->maximumSize(), (maximum * scale).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
+                QCOMPARE(PatientSession::instance()->deviceName(), QString(isMain ? "Sanvio Merivo" : "stays"));
+                QCOMPARE(Run::host.journal.contains("mcp|=?= <[at rest]: BTREAD, 2, 0, > status at open.||"), isMain);
+                QCOMPARE(run.takeEvents().contains("err|Device reader simulation used.||/sim"), isMain && isSimulated);
+            }
         }
     }
 

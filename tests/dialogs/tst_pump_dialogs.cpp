@@ -332,30 +332,24 @@ private Q_SLOTS:
         COMPARE_EVENTS(run.report(50) + run.readerEnds(CommandStatus::Done), QStringList()); // nobody waits any more
     }
 
-    void timeoutClosesTheDialog_data()
-    {
-        QTest::addColumn<Run::Kind>("kind");
-        QTest::addColumn<Run::Steps>("steps");
-        QTest::newRow("code shown") << Run::Add << Run::Steps(&Run::receiveCode);
-        QTest::newRow("removing") << Run::Remove << Run::Steps(&Run::startRemoving);
-        QTest::newRow("reading") << Run::Read << Run::Steps(&Run::startReading);
-    }
     void timeoutClosesTheDialog()
     {
-        QFETCH(Run::Kind, kind);
-        QFETCH(Run::Steps, steps);
-        Run run(kind);
-        steps(run);
-        COMPARE_EVENTS(run.readerStaysSilent(), {ReaderSilentBox, "critical", "rejected"});
+        const std::pair<Run::Kind, Run::Steps> rows[] = {
+            {Run::Add, &Run::receiveCode}, {Run::Remove, &Run::startRemoving}, {Run::Read, &Run::startReading}};
+        for (const auto& row : rows) {
+            Run run(row.first);
+            row.second(run);
+            COMPARE_EVENTS(run.readerStaysSilent(), {ReaderSilentBox, "critical", "rejected"});
 
-        Run main(Run::Main); // closes with the read dialog only
-        const QStringList closed(kind == Run::Read ? QStringList("rejected") : QStringList());
-        QStringList inDialog;
-        const QStringList inMain = performInMain(main, kind, [&](Run& opened) {
-            steps(opened);
-            return inDialog = opened.readerStaysSilent();
-        });
-        COMPARE_EVENTS(inDialog + inMain, QStringList(ReaderSilentBox) + closed);
+            Run main(Run::Main); // closes with the read dialog only
+            const QStringList closed(row.first == Run::Read ? QStringList("rejected") : QStringList());
+            QStringList inDialog;
+            const QStringList inMain = performInMain(main, row.first, [&](Run& opened) {
+                row.second(opened);
+                return inDialog = opened.readerStaysSilent();
+            });
+            COMPARE_EVENTS(inDialog + inMain, QStringList(ReaderSilentBox) + closed);
+        }
     }
 
     void endOfTheDiaryClosesTheDialog_data()
