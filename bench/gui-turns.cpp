@@ -134,7 +134,12 @@ int main(int argc, char** argv)
     // The host's window with its menu entry, shown before the measurement starts.
     QPushButton window(component->menuText());
     window.setIcon(component->icon());
-    const ModalUser user([](const QWidget& dialog) { pressButton(dialog, "m_readPumpButton"); }, CheckMs);
+    // Queued, so that it doesn't block the user's timer while the dialog that it opens is shown.
+    const auto read = [](const QWidget& dialog) {
+        if (QPushButton* button = pressableButtons(dialog).value("m_readPumpButton"))
+            QMetaObject::invokeMethod(button, &QPushButton::click, Qt::QueuedConnection);
+    };
+    const ModalUser user(read, CheckMs);
     std::size_t firstReadOut = 0;
     QObject::connect(&window, &QPushButton::clicked, &window, [&] {
         if (!component->execute(&window))

@@ -56,12 +56,15 @@ public:
         m_log.open(folder + "/reader.log");
         m_context.moveToThread(&m_thread);
         m_thread.start();
-        post([] { VirtualTime::becomePeer(); });
+        post([] { VirtualTime::setPeer(true); });
     }
     ~ReaderThread()
     {
         m_isStalled = false;
-        post([this] { stop(); });
+        post([this] {
+            stop();
+            VirtualTime::setPeer(false);
+        });
         m_thread.quit();
         while (!m_thread.isFinished()) // not wait(): the reader runs only while this thread waits for the time
             QThread::msleep(1);
@@ -312,7 +315,7 @@ void Station::press(const QString& name)
 
 int main(int argc, char** argv)
 {
-    VirtualTime::start(false);
+    VirtualTime::start();
     const QApplication application(argc, argv);
     VirtualTime::endIdleThreads();
     QLocale::setDefault(QLocale("de_DE"));

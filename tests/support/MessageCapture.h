@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QString>
+#include <QLoggingCategory>
 #include <QStringList>
+
+#include <mutex>
 
 /// Takes Qt's messages for as long as it lives, from all threads, in the order in which they came. One at a time.
 class MessageCapture final
@@ -13,10 +15,57 @@ class MessageCapture final
 public:
     /// Each message gets a line "qt|text" in @p journal, if given, at the moment when it comes. A source file that
     /// it names precedes the text.
-    explicit MessageCapture(QStringList* journal = nullptr);
-    ~MessageCapture();
+    explicit MessageCapture(QStringList* journal = nullptr)
+    {
+        clear();
+        s_journal = journal;
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=true\nplugin.*.debug=true"));
+        s_previous = qInstallMessageHandler(capture);
+    }
+    ~MessageCapture()
+    {
+        qInstallMessageHandler(s_previous);
+        QLoggingCategory::setFilterRules({});
+    }
 
     /// The texts of one level, of all categories or of one.
-    QStringList texts(QtMsgType type, const QString& category = {}) const;
-    void clear();
+    QStringList texts(QtMsgType type, const QString& category = {}) const
+    {
+        const std::lock_guard<std::mutex> lock(s_mutex);
+        QStringList found;
+        for (const Message& message : qAsConst(s_messages)) {
+            if (message.type == type && (category.isEmpty() || message.category == category))
+                found.append(message.text);
+        }
+        return found;
+    }
+    void clear()
+    {
+        const std::lock_guard<std::mutex> lock(s_mutex);
+        s_messages.clear();
+    }
+
+private:
+    struct Message
+    {
+        QtMsgType type;
+        QString category;
+        QString text;
+    };
+
+    static void capture(QtMsgType type, const QMessageLogContext& context, const QString& text)
+    {
+        // The platform without a display says so at each window, and means nothing by it.
+        if (text == QLatin1String("This plugin does not support propagateSizeHints()"))
+            return;
+        const std::lock_guard<std::mutex> lock(s_mutex);
+        s_messages.append({type, QString::fromLatin1(context.category), text});
+        if (s_journal)
+            s_journal->append(QStringLiteral("qt|") + QLatin1String(context.file) + text);
+    }
+
+    inline static std::mutex s_mutex;
+    inline static QList<Message> s_messages;
+    inline static QStringList* s_journal = nullptr;
+    inline static QtMessageHandler s_previous = nullptr;
 };

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QMap>
 #include <QMessageBox>
+#include <QMetaEnum>
 #include <QPushButton>
 #include <QTimer>
 
@@ -31,11 +33,18 @@ private:
 
 /// Returns the buttons that a user of the window can press: those of a button box by the names of their standard
 /// buttons ("Ok"), the others by their object names.
-QMap<QString, QPushButton*> pressableButtons(const QWidget& window);
-
-/// Clicks one of the pressableButtons(), if there is one of that name, and returns whether there is. The click is
-/// queued, so that it doesn't block the caller while a window that it opens is shown.
-bool pressButton(const QWidget& window, const QString& name);
+inline QMap<QString, QPushButton*> pressableButtons(const QWidget& window)
+{
+    static const QMetaEnum standardButtons = QMetaEnum::fromType<QDialogButtonBox::StandardButtons>();
+    QMap<QString, QPushButton*> pressable;
+    for (auto* button : window.findChildren<QPushButton*>()) {
+        const auto* box = qobject_cast<QDialogButtonBox*>(button->parentWidget());
+        const char* standardName = box ? standardButtons.valueToKey(box->standardButton(button)) : nullptr;
+        if (button->isVisible() && button->isEnabled())
+            pressable[box ? standardName : button->objectName()] = button;
+    }
+    return pressable;
+}
 
 /// Answers the message boxes that are opened while it exists, and records what they showed.
 class BoxAnswerer final

@@ -103,8 +103,6 @@ std::atomic<bool> s_on{false};
 std::atomic<Nanoseconds> s_now{Start}; // of CLOCK_MONOTONIC
 std::atomic<Nanoseconds> s_wallOffset{0};
 std::atomic<int> s_readings{0}; // since a thread last continued
-int s_freeReadings = 0;
-Nanoseconds s_realStart = 0;
 std::mutex s_mutex;
 // Guarded by s_mutex, as are the members of the waiters while they are listed.
 std::vector<const Waiter*> s_waiters;
@@ -207,15 +205,13 @@ int waitVirtually(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
 
 Nanoseconds reading()
 {
-    return ++s_readings > s_freeReadings ? s_now += Reading : s_now.load();
+    return ++s_readings > FreeReadings ? s_now += Reading : s_now.load();
 }
 
 } // namespace
 
-void VirtualTime::start(bool readingsTakeTime)
+void VirtualTime::start()
 {
-    s_freeReadings = readingsTakeTime ? 0 : FreeReadings;
-    s_realStart = systemTime(CLOCK_MONOTONIC);
     // In whole seconds, so that all times are truncated to milliseconds in the same way.
     s_wallOffset = (systemTime(CLOCK_REALTIME) / Second - Start / Second) * Second;
     s_on = true;
@@ -232,20 +228,11 @@ void VirtualTime::endIdleThreads()
     QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, pool, end);
 }
 
-void VirtualTime::becomePeer()
+void VirtualTime::setPeer(bool isPeer)
 {
-    thread_local const struct Membership
-    {
-        Q_DISABLE_COPY_MOVE(Membership)
-        Membership() { set(true); }
-        ~Membership() { set(false); }
-        static void set(bool isMember)
-        {
-            const std::lock_guard<std::mutex> lock(s_mutex);
-            t_isPeer = isMember;
-            s_hasPeer = isMember;
-        }
-    } membership;
+    const std::lock_guard<std::mutex> lock(s_mutex);
+    t_isPeer = isPeer;
+    s_hasPeer = isPeer;
 }
 
 void VirtualTime::shiftWallClock(qint64 seconds)
@@ -256,11 +243,6 @@ void VirtualTime::shiftWallClock(qint64 seconds)
 double VirtualTime::milliseconds()
 {
     return static_cast<double>(s_now - Start) / Millisecond;
-}
-
-double VirtualTime::realMilliseconds()
-{
-    return static_cast<double>(systemTime(CLOCK_MONOTONIC) - s_realStart) / Millisecond;
 }
 
 // Replacements of the system's functions. The program's symbols precede those of the libraries, the C library included.

@@ -16,21 +16,18 @@
 /// Waits on condition variables are not replaced: nothing here waits on one with a limit. Linux only.
 namespace VirtualTime {
 
-/// Switches to this clock. Call once, before the application object is created. Each reading of the clock takes a
-/// microsecond or no time; without it all times are the same in each run, but are whole milliseconds, which Qt rounds
-/// up.
-void start(bool readingsTakeTime = true);
+/// Switches to this clock. Call once, before the application object is created. Reading the clock takes no time, so
+/// that all times are the same in each run.
+void start();
 /// Ends the idle threads of Qt's global thread pool whenever the calling thread's event loop waits. Call once, after
 /// the application object is created. The pool's expiry time can't do that, as it waits on a condition variable.
 void endIdleThreads();
 /// Makes the calling thread run only while all other threads wait, and vice versa, so that both sides interact in the
-/// same order in each run. Applies to one thread at a time, until it ends.
-void becomePeer();
+/// same order in each run. Applies to one thread at a time, which must withdraw it before it ends.
+void setPeer(bool isPeer);
 /// Sets the wall clock forward or back. The other clocks don't change.
 void shiftWallClock(qint64 seconds);
 /// Returns the virtual time since start(), in milliseconds.
 double milliseconds();
-/// Returns the real time since start(), in milliseconds.
-double realMilliseconds();
 
 } // namespace VirtualTime

@@ -171,7 +171,9 @@ private Q_SLOTS:
 
     void programEndsWithItsStatus()
     {
-        QVERIFY(QFile::copy(FIXTURE_WRONG_IID, file("iid.so")) && QFile::copy(FIXTURE_NOT_A_PLUGIN, file("no.so")));
+        // The plug-in with the interface id of another build in its metadata.
+        QVERIFY(write(file("iid.so"), bytesOf(MERIVO_PLUGIN_LIBRARY).replace("lm2c.RC", "lm2d.RC")));
+        QVERIFY(QFile::copy(NOT_A_PLUGIN, file("no.so")));
         const std::tuple<const char*, const char*, const char*> rows[] = {
             {"quit", "--log=log", "0 "},
             {"quit", "--databse=a", "2 merivo-host: Unknown option 'databse'"},
