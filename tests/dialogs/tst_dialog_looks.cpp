@@ -128,7 +128,6 @@ private Q_SLOTS:
             run.findPumps({"PU-1003456789", "PU-1003456790=P9", "PU-1003456791=P1", "PU-1003456792"});
             return run.selectRow(1);
         });
-        row("add-pairing", Run::Add, &Run::assign);
         row("add-code", Run::Add, &Run::receiveCode);
         row("add-confirming", Run::Add, &Run::confirmCode);
         row("add-reassign", Run::Add, &Run::openReassignPage);
@@ -180,6 +179,9 @@ private Q_SLOTS:
                 QCOMPARE(shown("m_PatientLine1"), QString(isSimulated ? "Doe, Jane" : "hidden"));
                 QCOMPARE(shown("m_PatientLine2"), QString(isSimulated ? "03.02.1970, X1" : "hidden"));
                 QCOMPARE(shown("m_TitleLabel"), title);
+                QVERIFY(label("m_TitleLabel")->property("BigSizeFont").toBool());
+                for (const char* name : {"m_TitleLabel", "m_PatientLine1"})
+                    QVERIFY(label(name)->property("HighlightFont").toBool());
                 const qreal scale = run.dialog->logicalDpiY() == 120 ? 1.25 : 1;
                 QCOMPARE(run.dialog->size(), size * scale);
                 QCOMPARE(run.dialog->maximumSize(), (maximum * scale).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
