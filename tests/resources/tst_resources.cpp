@@ -57,8 +57,7 @@ private Q_SLOTS:
 
         QList<QImage> earlier;
         for (const QString& name : stored) {
-            const QResource resource(images + name);
-            QCOMPARE(resource.compressionAlgorithm(),
+            QCOMPARE(QResource(images + name).compressionAlgorithm(),
                      name == "PumpFinger.svg" ? QResource::ZlibCompression : QResource::NoCompression);
             const MessageCapture capture;
             QImageReader reader(images + name);
@@ -76,6 +75,9 @@ private Q_SLOTS:
         QCOMPARE(QDir(images).entryList().size(), 23);
         QCOMPARE(QDir(":/lang/i18n").entryList(), QStringList{"mc_en_GB.qm"});
         QCOMPARE(QResource(translation).compressionAlgorithm(), QResource::ZlibCompression);
+        QFile collection(MERIVO_COLLECTION);
+        QVERIFY(collection.open(QIODevice::ReadOnly));
+        QCOMPARE(collection.readAll().count("int version = 2;"), 2); // where it is registered and unregistered
         QImageReader reader(images + "busy.gif");
         QCOMPARE(reader.size(), QSize(74, 74));
         QCOMPARE(reader.imageCount(), 31);
