@@ -3,7 +3,6 @@
 #include "e2e/FaultyFiles.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -15,6 +14,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
+#include <fstream>
 #include <mutex>
 
 namespace {
@@ -30,13 +30,8 @@ int failed = 0;
 /// Set for the main thread and for the plug-in's, the only one that opens the trigger file.
 thread_local bool isAffected = getpid() == gettid();
 
-/// Returns the C library's function of that name.
-template <class Function>
-Function* libraryFunction(Function*, const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-#define LIBRARY_FUNCTION(name) static auto* const real = libraryFunction(&(name), #name)
+/// The C library's function of that name.
+#define LIBRARY_FUNCTION(name) static auto* const real = reinterpret_cast<decltype(&(name))>(dlsym(RTLD_NEXT, #name))
 
 bool fails(FaultyFiles::Failure failure)
 {
@@ -61,19 +56,6 @@ std::atomic<char>& watchOf(int file)
 {
     static std::atomic<char> none{Unwatched};
     return file >= 0 && std::size_t(file) < watches.size() ? watches[std::size_t(file)] : none;
-}
-
-void append(const char* path, const char* bytes)
-{
-    if (QFile file(path); file.open(QIODevice::Append))
-        file.write(bytes);
-}
-
-/// Renames the drive that has the file in its folder MISC.
-void renameDriveOf(const char* path)
-{
-    const QString drive = QString(path).section('/', 0, -3);
-    QDir().rename(drive, drive + ".away");
 }
 
 int failWith(int error)
@@ -130,9 +112,11 @@ int open64(const char* path, int flags, ...)
     if (faulty && fails(FaultyFiles::Open))
         return failWith(EIO);
     if (faulty && fails(FaultyFiles::Change))
-        append(path, "changed");
-    if (faulty && fails(FaultyFiles::Vanish))
-        renameDriveOf(path);
+        std::ofstream(path, std::ios::app) << "changed";
+    if (faulty && fails(FaultyFiles::Vanish)) {
+        const QString drive = QString(path).section('/', 0, -3); // has the file in its folder MISC
+        QDir().rename(drive, drive + ".away");
+    }
     const int file = real(path, flags, mode);
     watchOf(file) = faulty ? Watched : Unwatched;
     return file;

@@ -157,17 +157,6 @@ def test_remove(start):
            "==> [Remove Controller] Removing succeeded: status='2'.")
 
 
-def test_reader_restarts_while_the_code_is_compared(start):
-    """The confirmation comes too late, and the next try succeeds."""
-    run = start()
-    compare_code(run)
-    run.station.start_reader()
-    run.press("m_ConfirmButton").answer("Ok", "Error Code: 20").agree()
-    compare_code(run).press("m_ConfirmButton", "Ok").end()
-    finish(run.station, "MV-198305=P-2 MV-204817=P-1 +P-1", "Error message box: code='20'",
-           "==> [Add Controller] Pairing confirm succeeded: status='2'.")
-
-
 def test_demo(build, tmp_path):
     """The programs themselves, by the system's clock. The pairings outlive a reader that is killed."""
     (tmp_path / "drive").mkdir()
