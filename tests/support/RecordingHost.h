@@ -10,6 +10,7 @@
 #include "hostapi/IExtensionRegistry.h"
 #include "hostapi/IImportDataCmd.h"
 #include "hostapi/IServices.h"
+#include "tools/host/PatientEvent.h"
 
 #include <QDate>
 #include <QHash>
@@ -72,8 +73,6 @@ public:
 
 class RecordingDevice final : public IDevice, private Recorder
 {
-    Q_OBJECT
-
 public:
     RecordingDevice(Journal& journal, const QString& path)
         : Recorder(journal)
@@ -131,8 +130,6 @@ public:
 
 class RecordingDatabase final : public IDatabase, private Recorder
 {
-    Q_OBJECT
-
 public:
     using Recorder::Recorder;
     void import(QString, IPlugin*) override {}
@@ -158,10 +155,29 @@ class RecordingHost final : public IExtensionRegistry
 {
 public:
     void* reserved0() override { return nullptr; }
-    IExtensionPoint* extensionPoint(const QString& name) override;
+    IExtensionPoint* extensionPoint(const QString& name) override
+    {
+        journal.add(QStringLiteral("extensionPoint('%1')").arg(name));
+        const QHash<QString, IExtensionPoint*> points{
+            {QStringLiteral("ServicesExtensionPoint"), &services},
+            {QStringLiteral("DeviceAdminExtensionPoint"), &deviceAdmin},
+            {QStringLiteral("CommandHandlerExtensionPoint"), &commandHandler},
+            {QStringLiteral("EventPublisherExtensionPoint"), foundPublisher},
+            {QStringLiteral("DatabaseExtensionPoint"), foundDatabase},
+        };
+        return points.value(name);
+    }
     /// Emit diarySessionOpened() and patientChanged() for that patient.
-    void openDiary(const QString& puid, const QStringList& pids = {});
-    void changePatient(const QString& puid, const QStringList& pids);
+    void openDiary(const QString& puid, const QStringList& pids = {})
+    {
+        using Event = PatientEvent<IDiarySessionOpenedEvt>;
+        Q_EMIT publisher.diarySessionOpened(IDiarySessionOpenedEvtPtr(new Event({puid, pids})));
+    }
+    void changePatient(const QString& puid, const QStringList& pids)
+    {
+        using Event = PatientEvent<IPatientChangedEvt>;
+        Q_EMIT publisher.patientChanged(IPatientChangedEvtPtr(new Event({puid, pids})));
+    }
 
     Journal journal;
     RecordingServices services{journal};

@@ -27,15 +27,11 @@ using Nanoseconds = qint64;
 
 constexpr Nanoseconds Second = 1000LL * 1000 * 1000;
 constexpr Nanoseconds Millisecond = 1000LL * 1000;
-constexpr Nanoseconds Reading = 1000;
 constexpr Nanoseconds Never = std::numeric_limits<Nanoseconds>::max();
 /// The interval in real time at which a waiting thread checks whether a running thread has ended.
 constexpr Nanoseconds Retry = 5 * Millisecond;
 /// A fixed start time, as coarse timers are rounded by the clock's value.
 constexpr Nanoseconds Start = 1000 * Second;
-/// A loop that reads the clock more often in a row is assumed to wait for it.
-constexpr int FreeReadings = 100000;
-
 constexpr timespec toTimespec(Nanoseconds time)
 {
     return {time / Second, time % Second};
@@ -46,15 +42,7 @@ Nanoseconds toNanoseconds(const timespec& time)
     return time.tv_sec * Second + time.tv_nsec;
 }
 
-// The system's calls, bypassing the replacements in this file and a sanitizer's.
-
-Nanoseconds systemTime(clockid_t clock)
-{
-    timespec time{};
-    syscall(SYS_clock_gettime, clock, &time);
-    return toNanoseconds(time);
-}
-
+/// The system's call, bypassing the replacement in this file and a sanitizer's.
 int systemPoll(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
 {
     timespec time = toTimespec(timeout); // the system writes to it
@@ -102,7 +90,6 @@ private:
 std::atomic<bool> s_on{false};
 std::atomic<Nanoseconds> s_now{Start}; // of CLOCK_MONOTONIC
 std::atomic<Nanoseconds> s_wallOffset{0};
-std::atomic<int> s_readings{0}; // since a thread last continued
 std::mutex s_mutex;
 // Guarded by s_mutex, as are the members of the waiters while they are listed.
 std::vector<const Waiter*> s_waiters;
@@ -195,7 +182,6 @@ int waitVirtually(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
         else
             wakeNext();
     }
-    s_readings = 0;
     waiter.takeWakeUp();
     if (result > 0)
         result = systemPoll(descriptors, count, 0);
@@ -203,17 +189,14 @@ int waitVirtually(pollfd* descriptors, nfds_t count, Nanoseconds timeout)
     return result;
 }
 
-Nanoseconds reading()
-{
-    return ++s_readings > FreeReadings ? s_now += Reading : s_now.load();
-}
-
 } // namespace
 
 void VirtualTime::start()
 {
     // In whole seconds, so that all times are truncated to milliseconds in the same way.
-    s_wallOffset = (systemTime(CLOCK_REALTIME) / Second - Start / Second) * Second;
+    timespec now{};
+    syscall(SYS_clock_gettime, CLOCK_REALTIME, &now);
+    s_wallOffset = now.tv_sec * Second - Start;
     s_on = true;
 }
 
@@ -255,7 +238,7 @@ Q_DECL_EXPORT int clock_gettime(clockid_t clock, timespec* time) noexcept
     if (!isVirtual)
         return static_cast<int>(syscall(SYS_clock_gettime, clock, time));
     const bool isWall = clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE;
-    *time = toTimespec(reading() + (isWall ? s_wallOffset.load() : 0));
+    *time = toTimespec(s_now + (isWall ? s_wallOffset.load() : 0));
     return 0;
 }
 

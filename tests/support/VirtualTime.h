@@ -17,7 +17,7 @@
 namespace VirtualTime {
 
 /// Switches to this clock. Call once, before the application object is created. Reading the clock takes no time, so
-/// that all times are the same in each run.
+/// that all times are the same in each run; a loop that waits for the clock without a call that waits never ends.
 void start();
 /// Ends the idle threads of Qt's global thread pool whenever the calling thread's event loop waits. Call once, after
 /// the application object is created. The pool's expiry time can't do that, as it waits on a condition variable.
