@@ -71,7 +71,13 @@ private Q_SLOTS:
         run.readerEnds(CommandStatus::Done);
         QCOMPARE(run.shown(), Ready);
         COMPARE_EVENTS(stopSearch(run), Stopped); // as the first time
-        Run late(Run::Add);                       // the list is shown before the reader stops
+        run.readerEnds(CommandStatus::Canceled);
+        run.fireTimer(3000);
+        COMPARE_EVENTS(run.readerDoesNotExecute(), {ReaderSilentBox});
+        QCOMPARE(run.shown(), Ready);
+        COMPARE_EVENTS(run.click("Search"), Stopped); // the search is still under way
+        QCOMPARE(run.shown(), QString("page 0, idle, (Search), (Cancel)"));
+        Run late(Run::Add); // the list is shown before the reader stops
         stopSearch(late);
         late.listPumps({"S1"});
         late.readerEnds(CommandStatus::Done);
@@ -323,18 +329,34 @@ private Q_SLOTS:
         }
     }
 
-    void endOfTheDiaryClosesTheDialog_data()
+    void endOfTheDiaryClosesTheDialog()
     {
-        QTest::addColumn<Run::Kind>("kind");
-        QTest::addColumn<Run::Steps>("steps");
-        QTest::addColumn<bool>("isInQuestion"); // while the question is shown that the button brings
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<int>("timer");
-        QTest::addColumn<QStringList>("expected");
-        const auto row = [](const char* name, Run::Kind kind, const Run::Steps& steps, const char* button, int timer,
-                            const QStringList& expected = {}, bool isInQuestion = false) {
-            QTest::newRow(name) << kind << steps << isInQuestion << button << timer
-                                << expected + QStringList("rejected");
+        // The name, the steps before the end, the button and the timer after it. If isInQuestion, the diary ends while
+        // the question of the button is shown.
+        const auto check = [](const QString& name, Run::Kind kind, const Run::Steps& steps, const QString& button,
+                              int timer, const QStringList& expected = {}, bool isInQuestion = false) {
+            const auto perform = [&](Run& run) {
+                steps(run);
+                if (isInQuestion) {
+                    run.answerNextBox(QMessageBox::Yes);
+                    run.duringNextBox([&run] { run.endDiary(); });
+                } else {
+                    run.endDiary();
+                }
+                QStringList events = run.readerEnds(CommandStatus::Done);
+                if (!button.isEmpty())
+                    events += run.click(button);
+                if (timer)
+                    events += run.fireTimer(timer);
+                return events += run.readerEnds(CommandStatus::Done);
+            };
+            Run run(kind);
+            COMPARE_EVENTS(QStringList(name) + perform(run), QStringList(name) + expected + QStringList("rejected"));
+            Run main(Run::Main);
+            const QStringList events = performInMain(main, kind, perform);
+            COMPARE_EVENTS(QStringList(name) + events.mid(events.size() - 3), QStringList(name) + DiaryEnded);
+            const PatientSession* session = PatientSession::instance(); // of the other diary
+            QCOMPARE(session->pumpSerialNumber() + session->exchangeFilePath(), QString());
         };
         const QStringList declined{"mcp|<== [Add Controller] Start pairing confirm: snr='S1'.",
                                    "command BTPAIRCONFIRM 0", "poll 60 0 500",
@@ -345,49 +367,18 @@ private Q_SLOTS:
         const QStringList saved{"file I1.xml", "mcp|==> [Read Controller] Readout succeeded: status='2'.||I1.xml"};
         const QStringList question{"databaseGuid('/data/open.db')", "patients('" + Run::host.database.guid + "')",
                                    ReassignBox};
-        row("assign", Run::Add, &Run::showList, "Assign", 0);
-        row("confirm", Run::Add, &Run::receiveCode, "Confirm", 0, declined); // not for another patient
-        row("decline", Run::Add, &Run::receiveCode, "Decline", 0, declined);
-        row("confirmed", Run::Add, &Run::confirmCode, "OK", 0, confirmed);
-        row("reassign", Run::Add, &Run::openReassignPage, "OK", 0);
-        row("question of reassign", Run::Add, &Run::openReassignPage, "OK", 0, question, true);
-        row("reassigned", Run::Add, &Run::reassign, "", 0, reassigned);
-        row("remove", Run::Remove, &Run::takeEvents, "Remove", 0);
-        row("question of remove", Run::Remove, &Run::takeEvents, "Remove", 0, {RemoveBox}, true);
-        row("removed", Run::Remove, &Run::startRemoving, "", 0, removed);
-        row("start of the read-out", Run::Read, &Run::takeEvents, "", 2600);
-        row("end of the read-out", Run::Read, &Run::startReading, "", 2000, saved);
-    }
-    void endOfTheDiaryClosesTheDialog()
-    {
-        QFETCH(Run::Kind, kind);
-        QFETCH(Run::Steps, steps);
-        QFETCH(bool, isInQuestion);
-        QFETCH(QString, button);
-        QFETCH(int, timer);
-        QFETCH(QStringList, expected);
-        const auto perform = [&](Run& run) {
-            steps(run);
-            if (isInQuestion) {
-                run.answerNextBox(QMessageBox::Yes);
-                run.duringNextBox([&run] { run.endDiary(); });
-            } else {
-                run.endDiary();
-            }
-            QStringList events = run.readerEnds(CommandStatus::Done);
-            if (!button.isEmpty())
-                events += run.click(button);
-            if (timer)
-                events += run.fireTimer(timer);
-            return events += run.readerEnds(CommandStatus::Done);
-        };
-        Run run(kind);
-        COMPARE_EVENTS(perform(run), expected);
-        Run main(Run::Main);
-        const QStringList events = performInMain(main, kind, perform);
-        COMPARE_EVENTS(events.mid(events.size() - 3), DiaryEnded);
-        const PatientSession* session = PatientSession::instance(); // of the other diary
-        QCOMPARE(session->pumpSerialNumber() + session->exchangeFilePath(), QString());
+        check("assign", Run::Add, &Run::showList, "Assign", 0);
+        check("confirm", Run::Add, &Run::receiveCode, "Confirm", 0, declined); // not for another patient
+        check("decline", Run::Add, &Run::receiveCode, "Decline", 0, declined);
+        check("confirmed", Run::Add, &Run::confirmCode, "OK", 0, confirmed);
+        check("reassign", Run::Add, &Run::openReassignPage, "OK", 0);
+        check("question of reassign", Run::Add, &Run::openReassignPage, "OK", 0, question, true);
+        check("reassigned", Run::Add, &Run::reassign, "", 0, reassigned);
+        check("remove", Run::Remove, &Run::takeEvents, "Remove", 0);
+        check("question of remove", Run::Remove, &Run::takeEvents, "Remove", 0, {RemoveBox}, true);
+        check("removed", Run::Remove, &Run::startRemoving, "", 0, removed);
+        check("start of the read-out", Run::Read, &Run::takeEvents, "", 2600);
+        check("end of the read-out", Run::Read, &Run::startReading, "", 2000, saved);
     }
 
     // What the dialogs neither use nor show of the workflows, which here are children of a dialog that waits for its
