@@ -219,6 +219,18 @@ list-devices=99 = BTREAD done IMV-1_0001.xml 0, 99; exchange-grows = BTREAD done
         QCOMPARE(bytesOf(reader.file("STATUS.TXT")), status);
     }
 
+    void vanishedDriveComesBack()
+    {
+        for (const char* fault : {"vanish=running,50@BTREAD:once", "vanish-folder=done,50@BTREAD:once"}) {
+            const QTemporaryDir folder;
+            RunningReader reader(folder, world(fault));
+            reader.send("BTREAD \"MV-1\"");
+            QTRY_VERIFY(!reader.trigger() || !reader.log.filter("drive removed").isEmpty());
+            QTRY_COMPARE(reader.log.filter("start 2").size(), 1);
+            QCOMPARE(reader.answer("BTISPAIRED p1"), QString("BTISPAIRED done MV-1 0"));
+        }
+    }
+
     void pairingsOutliveARestart()
     {
         const QTemporaryDir folder;
