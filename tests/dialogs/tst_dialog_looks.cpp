@@ -106,24 +106,15 @@ private Q_SLOTS:
         const auto row = [](const char* name, Run::Kind kind, const Run::Steps& steps) {
             QTest::newRow(name) << kind << steps;
         };
-        const auto then = [](const Run::Steps& first, const Run::Steps& last) {
-            return Run::Steps([=](Run& run) {
-                first(run);
-                return last(run);
-            });
-        };
-        const Run::Steps progress = [](Run& run) {
-            return run.report(42);
-        };
         const Run::Steps end = [](Run& run) {
             return run.readerEnds(CommandStatus::Done);
         };
         row("main-no-pump", Run::Main, end);
         row("main-pump", Run::Main, [](Run& run) { return run.readerEnds(CommandStatus::Done, "PU-1003456789"); });
-        row("read-reading", Run::Read, then(&Run::startReading, progress));
-        row("read-completed", Run::Read, then(&Run::startReading, end));
-        row("read-failed", Run::Read, then(&Run::startReading, [](Run& run) { return run.readerDoesNotExecute(); }));
-        row("add-searching", Run::Add, then(&Run::startSearch, progress));
+        row("read-reading", Run::Read, [](Run& run) { return run.startReading() + run.report(42); });
+        row("read-completed", Run::Read, [end](Run& run) { return run.startReading() + end(run); });
+        row("read-failed", Run::Read, [](Run& run) { return run.startReading() + run.readerDoesNotExecute(); });
+        row("add-searching", Run::Add, [](Run& run) { return run.startSearch() + run.report(42); });
         row("add-choosing", Run::Add, [](Run& run) {
             run.findPumps({"PU-1003456789", "PU-1003456790=P9", "PU-1003456791=P1", "PU-1003456792"});
             return run.selectRow(1);

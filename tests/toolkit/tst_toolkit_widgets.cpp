@@ -476,19 +476,6 @@ private Q_SLOTS:
         }
     }
 
-    void arrowsPointAlongTheLayout()
-    {
-        for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
-            Calendar calendar;
-            calendar.setLayoutDirection(direction);
-            calendar.setUp(0);
-            const char* const name = direction == Qt::LeftToRight ? "qt_calendar_prevmonth" : "qt_calendar_nextmonth";
-            const QIcon icon = calendar.findChild<QToolButton*>(name)->icon();
-            const QPixmap wanted(QStringLiteral(":/img/images/arrow_left_default.png"));
-            QCOMPARE(icon.pixmap(wanted.size(), QIcon::Normal, QIcon::On).toImage(), wanted.toImage());
-        }
-    }
-
     void numbersHaveTheDigitsOfTheLocale()
     {
         const QImage latin = Calendar().painted(march(7));
