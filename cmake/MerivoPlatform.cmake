@@ -7,6 +7,8 @@
 set(MERIVO_HAS_VIRTUAL_TIME OFF)
 # Menu entries, manual pages and completions for bash are used.
 set(MERIVO_HAS_DESKTOP_FILES OFF)
+# An installer and an archive contain all libraries, because the system has no packages.
+set(MERIVO_HAS_INSTALLER ${WIN32})
 # Prints the exports of a library.
 set(MERIVO_LIST_EXPORTS "")
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
@@ -62,4 +64,20 @@ function(merivo_export_only name)
     endif()
     file(GENERATE OUTPUT "${exports}" CONTENT "${content}\n")
     set_target_properties(${name} PROPERTIES LINK_DEPENDS "${exports}")
+endfunction()
+
+# merivo_add_program_resources(NAME DESCRIPTION): adds icon, version and manifest to a program for Windows.
+function(merivo_add_program_resources name description)
+    if(NOT WIN32)
+        return()
+    endif()
+    set(MERIVO_PROGRAM "${name}")
+    set(MERIVO_DESCRIPTION "${description}")
+    string(REPLACE "." "," MERIVO_NUMBERS "${PROJECT_VERSION}")
+    set(folder "${PROJECT_SOURCE_DIR}/packaging/windows")
+    set(resources "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
+    configure_file("${folder}/program.rc.in" "${resources}" @ONLY)
+    set_source_files_properties("${resources}" PROPERTIES OBJECT_DEPENDS "${folder}/program.manifest;${folder}/merivo.ico")
+    enable_language(RC)
+    target_sources(${name} PRIVATE "${resources}")
 endfunction()

@@ -70,6 +70,17 @@ function(merivo_set_test_properties name timeout labels)
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_ASSUME_STDERR_HAS_CONSOLE=1;LC_ALL=C.UTF-8;TSAN_OPTIONS=suppressions=${suppressions}:halt_on_error=1:second_deadlock_stack=1;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1")
 endfunction()
 
+# merivo_add_program(NAME DESCRIPTION SOURCES ... LINKS ... [GUI]): adds a program and installs it. On Windows it has an
+# icon, a version and a manifest, and a GUI program opens no console.
+function(merivo_add_program name description)
+    cmake_parse_arguments(arg "GUI" "" "SOURCES;LINKS" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    set_target_properties(${name} PROPERTIES WIN32_EXECUTABLE ${arg_GUI})
+    target_link_libraries(${name} PRIVATE ${arg_LINKS} merivo_options)
+    install(TARGETS ${name} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    merivo_add_program_resources(${name} "${description}")
+endfunction()
+
 # merivo_skip_test(NAME REASON): adds a test that ctest reports as skipped, with the reason in its output.
 function(merivo_skip_test name reason)
     add_test(NAME ${name} COMMAND "${CMAKE_COMMAND}" -E echo "${reason}")

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/support/CommandLine.h"
 
+#include "tools/support/Platform.h"
+
 #include <QCoreApplication>
 #include <QLocale>
 #include <QTextStream>
@@ -12,7 +14,7 @@ namespace {
 
 void write(std::FILE* stream, const QString& line)
 {
-    QTextStream out(stream);
+    QTextStream out(Platform::outputFor(stream));
     out.setCodec("UTF-8");
     out << line << Qt::endl;
 }
@@ -39,6 +41,7 @@ int complain(ExitStatus status, const QStringList& all)
 
 CommandLine::CommandLine(const QString& program, const QString& version, const QString& description)
 {
+    Platform::prepareProgram();
     QCoreApplication::setApplicationName(program);
     QCoreApplication::setApplicationVersion(version);
     setApplicationDescription(description);
@@ -59,10 +62,7 @@ std::optional<int> CommandLine::read(int argc, char** argv, const QVector<Option
     // Not addHelpOption(), which also adds --help-all.
     addOption({{"h", "help"}, "Show this help."});
     addOption({{"v", "version"}, "Show the version."});
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
-    if (!parse(arguments))
+    if (!parse(Platform::arguments(argc, argv)))
         return refuse(errorText());
     for (const QString& name : optionNames()) {
         if (values(name).contains(QString()))

@@ -29,7 +29,7 @@ public:
         const char* description;
     };
 
-    /// Sets the name and the version of the application.
+    /// Prepares the program for its platform, and sets its name and version. Construct it first in main().
     CommandLine(const QString& program, const QString& version, const QString& description);
 
     /// Parses the arguments. Returns a status if the program must end: after a usage error, which includes a missing

@@ -16,8 +16,15 @@
 
 #ifdef Q_OS_WIN
 #include <QAbstractNativeEventFilter>
+#include <QTextCodec>
 
 #include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+#include <shellapi.h>
+
+#include <memory>
 #endif
 
 static volatile std::sig_atomic_t s_isStopRequested = 0;
@@ -39,6 +46,51 @@ class CloseFilter final : public QAbstractNativeEventFilter
 
 } // namespace
 #endif
+
+void Platform::prepareProgram()
+{
+#ifdef Q_OS_WIN
+    // Lines end as on other systems, for programs that read them.
+    for (std::FILE* stream : {stdout, stderr})
+        if (_fileno(stream) >= 0)
+            _setmode(_fileno(stream), _O_BINARY);
+    // The manifest selects UTF-8 as the code page, which the codec of Qt 5 for code pages can't decode.
+    if (GetACP() == CP_UTF8)
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    // Qt's platform "offscreen" only finds fonts in this folder.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_FONTDIR"))
+        qputenv("QT_QPA_FONTDIR", qgetenv("SystemRoot") + "/Fonts");
+#endif
+}
+
+std::FILE* Platform::outputFor(std::FILE* stream)
+{
+#ifdef Q_OS_WIN
+    if (_fileno(stream) < 0) {
+        AttachConsole(ATTACH_PARENT_PROCESS);
+        static std::FILE* const console = std::fopen("CONOUT$", "wb");
+        return console ? console : stream;
+    }
+#endif
+    return stream;
+}
+
+QStringList Platform::arguments(int argc, char** argv)
+{
+    QStringList arguments;
+#ifdef Q_OS_WIN
+    Q_UNUSED(argv)
+    const std::unique_ptr<LPWSTR[], decltype(&LocalFree)> texts(CommandLineToArgvW(GetCommandLineW(), &argc),
+                                                                LocalFree);
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromWCharArray(texts[static_cast<std::size_t>(i)]));
+#else
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+#endif
+    return arguments;
+}
 
 bool Platform::isWithoutDisplay()
 {

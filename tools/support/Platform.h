@@ -3,14 +3,26 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
+#include <QStringList>
 
+#include <cstdio>
 #include <filesystem>
 
 class QFile;
 
 /// The differences between the operating systems and Qt's platforms. Any thread.
 namespace Platform {
+
+/// Prepares standard streams, text codec, scaling and fonts for a program on Windows; does nothing on other systems.
+/// Call it first in main().
+void prepareProgram();
+
+/// Returns the stream for what a program writes to @p stream, which is standard output or error. A GUI program on
+/// Windows has neither, unless they are redirected; it writes to the console of its parent process, if there is one.
+std::FILE* outputFor(std::FILE* stream);
+
+/// Returns the arguments of main() as text. On Windows they include characters outside of the code page.
+QStringList arguments(int argc, char** argv);
 
 /// Returns true if Qt would abort the process because there is no display. Assumes that a platform selected by
 /// QT_QPA_PLATFORM works.
