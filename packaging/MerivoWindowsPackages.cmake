@@ -68,6 +68,9 @@ set(CPACK_INSTALL_CMAKE_PROJECTS "${PROJECT_BINARY_DIR};MerivoConnections;Merivo
 set(CPACK_STRIP_FILES ON)
 set(CPACK_NSIS_DISPLAY_NAME "Merivo Connections")
 set(CPACK_NSIS_PACKAGE_NAME "Merivo Connections")
+# A 64-bit installer also runs where Windows or Wine can't run 32-bit programs.
+set(CPACK_NSIS_EXECUTABLE_PRE_ARGUMENTS [[-XTarget\ amd64-unicode]])
+set(CPACK_VERBATIM_VARIABLES ON) # keeps the backslash
 set(CPACK_NSIS_INSTALL_ROOT "$PROGRAMFILES64")
 set(CPACK_NSIS_EXECUTABLES_DIRECTORY "${CMAKE_INSTALL_BINDIR}")
 set(CPACK_NSIS_INSTALLED_ICON_NAME merivo-host.exe)
