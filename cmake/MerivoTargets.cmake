@@ -67,7 +67,7 @@ function(merivo_set_test_properties name timeout labels)
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${timeout}
         LABELS "${labels}"
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_ASSUME_STDERR_HAS_CONSOLE=1;LC_ALL=C.UTF-8;TSAN_OPTIONS=suppressions=${suppressions}:halt_on_error=1:second_deadlock_stack=1;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1")
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${MERIVO_TEST_ENVIRONMENT};TSAN_OPTIONS=suppressions=${suppressions}:halt_on_error=1:second_deadlock_stack=1;ASAN_OPTIONS=detect_leaks=0;UBSAN_OPTIONS=print_stacktrace=1")
 endfunction()
 
 # merivo_add_program(NAME DESCRIPTION SOURCES ... LINKS ... [GUI]): adds a program and installs it. On Windows it has an
