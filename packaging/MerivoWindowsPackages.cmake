@@ -13,7 +13,7 @@ foreach(page IN LISTS pages)
         install(FILES "${source}" DESTINATION "${documents}")
         continue()
     endif()
-    execute_process(COMMAND "${MERIVO_MARKDOWN}" -x tables -x toc -e utf-8 "${source}"
+    execute_process(COMMAND "${MERIVO_MARKDOWN}" -x fenced_code -x tables -x toc -e utf-8 "${source}"
         OUTPUT_VARIABLE body COMMAND_ERROR_IS_FATAL ANY)
     foreach(other IN LISTS pages)
         string(REPLACE "href=\"${other}.md" "href=\"${other}.html" body "${body}")
