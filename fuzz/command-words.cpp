@@ -46,7 +46,7 @@ private:
     PatientData m_patient;
 };
 
-/// Returns how many arguments are options and their values, including an unknown one, and sets the values.
+/// Returns how many arguments at the start are options and values, including an unknown option, and sets the values.
 int readOptions(const QStringList& words, QMap<QString, QString>* values)
 {
     int i = 0;
@@ -91,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     EveryOption command;
     QMap<QString, QString> values = command.values();
     const int count = readOptions(words, &values);
-    // Arguments that are taken begin with a hyphen, so only a file in the current folder can have such a name.
+    // Only arguments that begin with a hyphen are taken, which as paths name files in the current folder.
     require(QDir::setCurrent(drive.misc()), "the drive can be entered");
     const bool understood = command.setArguments(left);
     const QString line = lineOf(words.mid(0, count));

@@ -42,7 +42,7 @@ QString* fieldAt(const QStringList& path, DeviceInfo& device)
     return place == "INTERFACE/PATIENT_ID" ? &device.patientId : nullptr;
 }
 
-/// A second parser for the records before anything other than tags without attributes and printable texts.
+/// The result of a second parser, which stops at anything other than tags without attributes and printable texts.
 struct PlainReading
 {
     QList<DeviceInfo> devices;
@@ -100,7 +100,7 @@ PlainReading plainReading(const QByteArray& bytes)
     return reading;
 }
 
-/// The records at the start of a plain list are read, regardless of the rest.
+/// Checks that the records at the start of a plain list are read, regardless of the rest.
 void checkPlain(const QList<DeviceInfo>& devices, const QByteArray& bytes)
 {
     // Bytes that aren't UTF-8 can invalidate the records just before them, and many namespaces end a list.

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Longer lines are cut.
+/// The parser cuts longer lines.
 const int MaxLine = 65536;
 
 /// Returns the lines of a text, at least five.
@@ -66,7 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const StatusRecord record = parser->readStatus();
     require(record == parser->readStatus(), "two reads of a file are equal");
     require(record.header.size() <= MaxLine && record.command.size() <= MaxLine && record.result.size() <= MaxLine,
-            "a line is cut");
+            "long lines are cut");
 
     QTextStream stream(bytes);
     const QStringList lines = linesOf(stream.readAll());
@@ -75,8 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     else
         require(lines.at(0).startsWith(record.header), "the header is the start of the first line");
 
-    // An empty header marks a failed read, and the log has the whole record.
-    require(record.header.isEmpty() == lines.at(0).isEmpty(), "only an empty first line is an empty header");
+    // An empty header marks a failed read.
+    require(record.header.isEmpty() == lines.at(0).isEmpty(), "the header is empty only if the first line is");
     const QString shown = record.toLogText();
     require(shown.startsWith('[' + record.header + "]: " + record.command) &&
                 shown.endsWith(QString::number(record.error) + ", " + record.result),

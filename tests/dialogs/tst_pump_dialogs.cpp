@@ -220,7 +220,7 @@ private Q_SLOTS:
             COMPARE_EVENTS(isExecuted ? run.readerEnds(status, {}, 32) : run.readerDoesNotExecute(status),
                            box + QStringList("err|=!= [Read Controller] " + reason));
             run.report(50);
-            COMPARE_EVENTS(run.readerEnds(CommandStatus::Failed), QStringList()); // of nothing that was asked for
+            COMPARE_EVENTS(run.readerEnds(CommandStatus::Failed), QStringList()); // no command is pending
             QCOMPARE(run.shown(), QString("idle, Read out device pump PU1234, Read out failed!, %1%, Read pump, Cancel")
                                       .arg(status == CommandStatus::Done ? 100 : 9));
             run.click("Read pump");
@@ -290,7 +290,7 @@ private Q_SLOTS:
                 }
                 expected << start + ": " + QString(detail).replace("%1", QString::number(int(status)));
                 COMPARE_EVENTS(run.readerEnds(status, {}, 32), expected + after + QStringList("rejected"));
-                COMPARE_EVENTS(run.report(50) + run.readerEnds(CommandStatus::Done), {}); // nobody waits any more
+                COMPARE_EVENTS(run.report(50) + run.readerEnds(CommandStatus::Done), {}); // no command is pending
             }
         };
         const QVector<CommandStatus> failed{CommandStatus::Failed};
@@ -381,8 +381,7 @@ private Q_SLOTS:
         check("end of the read-out", Run::Read, &Run::startReading, "", 2000, saved);
     }
 
-    // What the dialogs neither use nor show of the workflows, which here are children of a dialog that waits for its
-    // user.
+    // What the dialogs neither use nor show of the workflows, which are children of an idle dialog here.
 
     void statusIsPassedOn()
     {
@@ -430,7 +429,7 @@ private Q_SLOTS:
         COMPARE_EVENTS(run.takeEvents() + run.readerEnds(CommandStatus::Done), QStringList());
         add.startPairing(0);
         run.readerEnds(CommandStatus::Done, "4711");
-        QVERIFY(QDir(run.reader.misc()).removeRecursively()); // a command that can't be written is awaited all the same
+        QVERIFY(QDir(run.reader.misc()).removeRecursively()); // a command that can't be written is polled for too
         add.startPairingSearch();
         COMPARE_EVENTS(run.takeEvents().filter("poll"), {"poll 120 0 500"});
         QCOMPARE(progress, (QList<QVariantList>{{"", 0}, {"", 100}, {"S1", 0}})); // of the latest pairing

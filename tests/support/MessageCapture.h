@@ -7,14 +7,14 @@
 
 #include <mutex>
 
-/// Takes Qt's messages for as long as it lives, from all threads, in the order in which they came. One at a time.
+/// Captures Qt's messages of all threads, in their order, while it exists. Only one can exist at a time.
 class MessageCapture final
 {
     Q_DISABLE_COPY_MOVE(MessageCapture)
 
 public:
-    /// Each message gets a line "qt|text" in @p journal, if given, at the moment when it comes. A source file that
-    /// it names precedes the text.
+    /// Appends a line "qt|text" to @p journal, if any, for each message. The text follows the source file that the
+    /// message names, if any.
     explicit MessageCapture(QStringList* journal = nullptr)
     {
         clear();
@@ -28,7 +28,7 @@ public:
         QLoggingCategory::setFilterRules({});
     }
 
-    /// The texts of one level, of all categories or of one.
+    /// Returns the texts of one level, of all categories or of one.
     QStringList texts(QtMsgType type, const QString& category = {}) const
     {
         const std::lock_guard<std::mutex> lock(s_mutex);
@@ -55,7 +55,7 @@ private:
 
     static void capture(QtMsgType type, const QMessageLogContext& context, const QString& text)
     {
-        // The platform without a display says so at each window, and means nothing by it.
+        // Qt's platform "offscreen" logs this for each window.
         if (text == QLatin1String("This plugin does not support propagateSizeHints()"))
             return;
         const std::lock_guard<std::mutex> lock(s_mutex);

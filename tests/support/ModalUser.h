@@ -60,7 +60,7 @@ public:
         QSize size;
     };
 
-    /// Each message box gets a line "box|title|text" in @p journal, if given, at the moment when it is seen.
+    /// Appends a line "box|title|text" to @p journal, if any, for each message box before it is answered.
     explicit BoxAnswerer(QStringList* journal = nullptr)
         : m_user([this, journal](QWidget& modal) {
             auto* box = qobject_cast<QMessageBox*>(&modal);
@@ -76,7 +76,7 @@ public:
         })
     {}
 
-    /// The button to press in the next message box; without it the first one.
+    /// The button to press in the next message box; NoButton: its first one.
     QMessageBox::StandardButton answer = QMessageBox::NoButton;
     QList<Box> seen;
 

@@ -12,12 +12,12 @@
 
 #include <functional>
 
-/// A temporary folder that plays the reader's drive, and a reader in it that answers on a schedule.
+/// Simulates the reader's drive in a temporary folder, and a reader that answers on a schedule.
 class ReaderFolder final : public QObject
 {
 public:
-    /// One status, @p delayMs after the one before it, or after the command file was seen. An empty command word stands
-    /// for that of the command.
+    /// One status, @p delayMs after the previous one, or after the command file was seen. If @p command is empty, the
+    /// status has the name of the command that was seen.
     struct Answer
     {
         int delayMs;
@@ -30,7 +30,7 @@ public:
     ReaderFolder()
     {
         QDir(drive()).mkdir(QStringLiteral("MISC"));
-        connect(&m_timer, &QTimer::timeout, this, &ReaderFolder::look);
+        connect(&m_timer, &QTimer::timeout, this, &ReaderFolder::checkCommandFile);
     }
 
     QString drive() const { return m_folder.path(); }
@@ -45,9 +45,9 @@ public:
         QFile file(misc() + QLatin1Char('/') + nameInMisc);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    /// The command file's bytes as they lie there now.
+    /// Returns the current bytes of the command file.
     QByteArray command() const { return readFile(QStringLiteral("CommandFile.txt")); }
-    /// The five lines of a status, in one step.
+    /// Writes the five lines of a status in one step.
     bool writeStatus(const QString& header, const QString& command, const QString& status, const QString& result = {},
                      int error = 0) const
     {
@@ -62,8 +62,8 @@ public:
             .toUtf8();
     }
 
-    /// From now on answers each command of that word so. A command counts as new when its file was written
-    /// again, or has another text within one step of the drive's time stamps.
+    /// Answers each command of that name from this call on. A command counts as new if its file was written again, or
+    /// has another text within one step of the drive's time stamps.
     void answer(const QString& commandWord, const QList<Answer>& answers)
     {
         m_answers.insert(commandWord, answers);
@@ -76,7 +76,7 @@ public:
     QStringList commandsSeen;
 
 private:
-    void look()
+    void checkCommandFile()
     {
         const QString path = misc() + QStringLiteral("/CommandFile.txt");
         const qint64 written = QFileInfo(path).lastModified().toMSecsSinceEpoch();

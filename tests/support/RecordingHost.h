@@ -20,7 +20,7 @@
 #include <memory>
 #include <vector>
 
-/// What the plug-in asked of its host, one line for each call, and the thread of each. A log record is
+/// The plug-in's calls of its host, one line for each, and their threads. A log record is
 /// "channel|message|detail1|detail2".
 struct Journal
 {
@@ -167,7 +167,6 @@ public:
         };
         return points.value(name);
     }
-    /// Emit diarySessionOpened() and patientChanged() for that patient.
     void openDiary(const QString& puid, const QStringList& pids = {})
     {
         using Event = PatientEvent<IDiarySessionOpenedEvt>;
@@ -186,5 +185,5 @@ public:
     IEventPublisher publisher;
     RecordingDatabase database{journal};
     IEventPublisher* foundPublisher = &publisher; ///< the plug-in deletes it when it finds another one
-    IDatabase* foundDatabase = &database;         ///< likewise
+    IDatabase* foundDatabase = &database;         ///< the plug-in deletes it when it finds another one
 };

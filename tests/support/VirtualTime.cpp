@@ -32,6 +32,7 @@ constexpr Nanoseconds Never = std::numeric_limits<Nanoseconds>::max();
 constexpr Nanoseconds Retry = 5 * Millisecond;
 /// A fixed start time, as coarse timers are rounded by the clock's value.
 constexpr Nanoseconds Start = 1000 * Second;
+
 constexpr timespec toTimespec(Nanoseconds time)
 {
     return {time / Second, time % Second};

@@ -419,7 +419,7 @@ private Q_SLOTS:
         // one is a Saturday.
         const std::tuple<int, int, int, int, int> states[] = {
             {3, 3, 0, 16, 1},  {3, 3, 15, 16, 1}, {3, 3, 14, 15, 1}, {3, 3, 14, 16, 1},
-            {3, 4, 14, 16, 1}, {3, 2, 0, 0, 1},   {3, 3, 0, 0, 16},  {6, 6, 0, 0, 1}, // A Saturday.
+            {3, 4, 14, 16, 1}, {3, 2, 0, 0, 1},   {3, 3, 0, 0, 16},  {6, 6, 0, 0, 1},
         };
         QList<QImage> looks;
         for (const auto& [month, shown, start, end, first] : states) {
@@ -538,7 +538,7 @@ private Q_SLOTS:
         QCOMPARE(tooltip.pos(), screen.topLeft());
     }
 
-    // Icons and pictures, which are also tested with two device pixels per logical pixel.
+    // Icons and pictures. The test tst_toolkit_icons_2x repeats some of these with two device pixels per logical pixel.
 
     void pixmapsHaveTheSizeAskedFor()
     {
