@@ -14,8 +14,8 @@ long peakMemory();
 /// Returns the processor time of the calling thread in milliseconds, or -1 if the system doesn't report it.
 double threadMilliseconds();
 
-/// Returns a time in milliseconds for work that never waits: threadMilliseconds(), or plain time where that isn't
-/// available. On a busy machine plain time grows faster than the work, as longer work is interrupted more.
+/// Returns a time in milliseconds for work that never waits: threadMilliseconds(), or elapsed time where that isn't
+/// available. On a busy machine elapsed time grows faster than the work, because longer work is interrupted more often.
 double workMilliseconds();
 
 /// Creates or truncates the trigger file, then reads the status file: the minimum cost of a forced read. Returns false

@@ -38,7 +38,7 @@ public:
     void showNotice(const QString& sentence);
 
 Q_SIGNALS:
-    /// Emitted when the user requests a report in that file.
+    /// Emitted when the user requests a report, which is to be written to @p path.
     void reportRequested(const QString& path, bool withPersonalData);
 
 protected:

@@ -12,7 +12,8 @@ using ActiveFaults = QHash<QString, QString>;
 struct FaultEntry;
 
 /// The faults of one run, from the scenario and the command line. Each is written NAME[=VALUE][@COMMAND][:once]. With
-/// @COMMAND it applies to that command only, with :once only to the first command that it can apply to.
+/// @COMMAND it applies to that command only, with :once only to the first command that it can apply to. ReaderSimulator
+/// has the effects.
 class FaultSet final
 {
 public:

@@ -79,7 +79,7 @@ const QVector<Robot::Verb> Robot::Verbs{
     {"quit", &Robot::quit},
     {"row NAME TEXT", &Robot::selectRow},
     {"type NAME TEXT", &Robot::type},
-    {"wait|expect box TEXT", &Robot::checkBox},
+    {"wait|expect box TEXT", &Robot::checkMessageBox},
     {"wait|expect dialog WINDOW open|closed", &Robot::checkDialog},
     {"wait|expect NAME enabled|disabled", &Robot::checkWidget},
     {"wait|expect NAME page PAGE", &Robot::checkWidget},
@@ -107,7 +107,7 @@ QStringList Robot::forms()
 
 void Robot::start()
 {
-    QApplication::setQuitOnLastWindowClosed(false); // the run ends with its last step
+    QApplication::setQuitOnLastWindowClosed(false); // the application ends with the last step
     m_clock.start();
     m_timer.start();
 }
@@ -195,7 +195,7 @@ Robot::Outcome Robot::selectRow(const QStringList& words)
 
 Robot::Outcome Robot::answer(const QStringList& words)
 {
-    const Outcome outcome = checkBox({"wait", "box", words.value(2)});
+    const Outcome outcome = checkMessageBox({"wait", "box", words.value(2)});
     if (outcome.kind != Outcome::Done)
         return outcome;
     QAbstractButton* button = WidgetFinder::button(QApplication::activeModalWidget(), words.at(1));
@@ -212,7 +212,7 @@ Robot::Outcome Robot::type(const QStringList& words)
     if (outcome.kind != Outcome::Done)
         return outcome;
     field->setFocus(Qt::OtherFocusReason);
-    // As an input method does, as a list of completions opens after the first keys and takes the others.
+    // Commits the text as an input method does. Typed keys would go to the list of completions, once it has opened.
     const auto input = [field = QPointer<QWidget>(field), text = words.at(2)] {
         if (!field)
             return;
@@ -237,7 +237,7 @@ Robot::Outcome Robot::pressKey(const QStringList& words)
     return {};
 }
 
-Robot::Outcome Robot::checkBox(const QStringList& words)
+Robot::Outcome Robot::checkMessageBox(const QStringList& words)
 {
     const auto* box = qobject_cast<const QMessageBox*>(QApplication::activeModalWidget());
     const bool isRight =

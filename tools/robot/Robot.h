@@ -14,19 +14,19 @@
 
 class QWidget;
 
-/// What the robot uses of the program in which it works. The functions return what failed, or an empty text.
+/// The operations of the program that the robot uses. The functions return what failed, or an empty text.
 struct RobotHost
 {
-    QWidget& window; ///< the step "quit" closes it
+    QWidget& window; ///< closed by the step "quit"
     std::function<QString(const QString& puid, const QStringList& ids)> addOrChangePatient;
     std::function<QString(const QString& puid)> openDiary;
 };
 
 /// Performs the steps of a script as a user at the window would, and reports each on standard output.
 ///
-/// Steps are started by a timer, so also inside the nested event loop of a modal dialog. Mouse and keyboard events are
-/// sent to windows, as the window system does: a dialog that blocks its parent blocks the robot too. A step that isn't
-/// done within its limit ends the run. The robot doesn't detect a GUI thread that hangs.
+/// A timer starts the steps, also in the nested event loop of a modal dialog. Mouse and keyboard events are sent to
+/// windows, as the window system does: a dialog that blocks its parent blocks the robot too. A step that isn't done
+/// within its limit ends the script. The robot doesn't detect a GUI thread that hangs.
 class Robot final : public QObject
 {
     Q_OBJECT
@@ -75,13 +75,13 @@ private:
     Outcome answer(const QStringList& words);
     Outcome type(const QStringList& words);
     Outcome pressKey(const QStringList& words);
-    Outcome checkBox(const QStringList& words);
+    Outcome checkMessageBox(const QStringList& words);
     Outcome checkDialog(const QStringList& words);
     Outcome checkWidget(const QStringList& words);
     static Outcome checkReachable(const QWidget* widget, const QString& name);
 
-    // Input is sent by a queued call, since it may block there in a dialog's loop, in which a timer whose slot hasn't
-    // returned doesn't fire again.
+    // Input is sent by queued calls, because it may open a modal dialog: the timer doesn't fire in its event loop until
+    // tick() has returned.
     void sendClick(QWidget* widget, const QPoint& position);
 
     const RobotHost m_host;

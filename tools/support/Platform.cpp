@@ -16,7 +16,6 @@
 
 #ifdef Q_OS_WIN
 #include <QAbstractNativeEventFilter>
-#include <QTextCodec>
 
 #include <windows.h>
 
@@ -32,7 +31,7 @@ static volatile std::sig_atomic_t s_isStopRequested = 0;
 #ifdef Q_OS_WIN
 namespace {
 
-/// Receives the message by which QProcess::terminate() of another program asks one without a window to end.
+/// Receives the message WM_CLOSE that QProcess::terminate() in another program posts to the main thread of this one.
 class CloseFilter final : public QAbstractNativeEventFilter
 {
     bool nativeEventFilter(const QByteArray& /*type*/, void* message, long* /*result*/) override
@@ -54,7 +53,7 @@ void Platform::prepareProgram()
     for (std::FILE* stream : {stdout, stderr})
         if (_fileno(stream) >= 0)
             _setmode(_fileno(stream), _O_BINARY);
-    // The manifest selects UTF-8 as the code page, which the codec of Qt 5 for code pages can't decode.
+    // Qt 5's codec for code pages can't decode UTF-8, which the program's manifest selects as the code page.
     if (GetACP() == CP_UTF8)
         QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);

@@ -17,8 +17,8 @@ namespace Platform {
 /// Call it first in main().
 void prepareProgram();
 
-/// Returns the stream for what a program writes to @p stream, which is standard output or error. A GUI program on
-/// Windows has neither, unless they are redirected; it writes to the console of its parent process, if there is one.
+/// Returns the stream to write to instead of @p stream, which is standard output or error. A GUI program on Windows has
+/// neither, unless they are redirected; it writes to the console of its parent process, if there is one.
 std::FILE* outputFor(std::FILE* stream);
 
 /// Returns the arguments of main() as text. On Windows they include characters outside of the code page.
@@ -28,14 +28,14 @@ QStringList arguments(int argc, char** argv);
 /// QT_QPA_PLATFORM works.
 bool isWithoutDisplay();
 
-/// Returns true for Qt's harmless messages on a machine without a display or user session.
+/// Returns true if @p message is one of Qt's harmless messages on a machine without a display or user session.
 bool isKnownNoise(const QString& message);
 
 /// Returns a path for the standard library, with all characters that the system allows in it.
 std::filesystem::path nativePath(const QString& path);
 
-/// Renames a file or folder atomically; replaces a file. Returns the error, or an empty text. Blocks for up to a second
-/// on Windows, which refuses this while another program has the file open.
+/// Renames a file or folder atomically, and replaces an existing file. Returns the error, or an empty text. On Windows,
+/// where this fails while another program has one of the files open, tries again for up to a second.
 QString rename(const QString& from, const QString& to);
 
 /// Returns the name of the codec of the locale, in which the plug-in writes commands.

@@ -161,8 +161,8 @@ void TrafficRecorder::checkFile(const QString& name)
     record(name);
 }
 
-/// Records an equal command again if only its answer shows it: within one time stamp, without a notification. After the
-/// end of a command only the next command changes the status.
+/// Records a repeated command whose write had the same time stamp and no notification, so that only its answer shows
+/// it: after the end of a command only the next command changes the status.
 void TrafficRecorder::recordRepeated(const QByteArray& status)
 {
     const QByteArray header = status.split('\n').first();
