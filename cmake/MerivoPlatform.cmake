@@ -1,11 +1,11 @@
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
 
-# What the build files know about the operating system.
+# The differences between operating systems in the build files.
 
-# The clock's functions can be replaced, and those for files: tests/support/VirtualTime.h.
+# Programs can replace the C library's functions for the clock and for files, see tests/support/VirtualTime.h.
 set(MERIVO_HAS_VIRTUAL_TIME OFF)
-# Menu entries, manual pages and completions for bash are used.
+# The test of menu entry, manual pages and completion for bash can run.
 set(MERIVO_HAS_DESKTOP_FILES OFF)
 # An installer and an archive contain all libraries, because the system has no packages.
 set(MERIVO_HAS_INSTALLER ${WIN32})

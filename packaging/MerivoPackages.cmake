@@ -53,7 +53,7 @@ of objects and timings; and XML validation.
 This package has the static libraries, the headers and the CMake package
 LmToolkit with its targets LmToolkit::Toolkit and LmToolkit::Xml.")
 
-# Debian's requirements for the files, applied after the installation and before packing.
+# Applies Debian's requirements to the installed files before packing.
 set(MERIVO_PACKAGE_VERSION "${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}")
 string(TIMESTAMP MERIVO_PACKAGE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(package IN ITEMS merivo-connections liblmtoolkit-dev)

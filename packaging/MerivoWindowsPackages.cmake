@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Merivo Connections developers
 # SPDX-License-Identifier: MIT
 
-# Installs what Windows doesn't provide, and packs everything as an archive and an installer, by CPack. Built by
+# Installs the libraries that Windows doesn't provide. CPack packs everything as an archive and an installer; see
 # scripts/windows.
 
 # The pages as HTML. Links to pages that aren't installed become text.
