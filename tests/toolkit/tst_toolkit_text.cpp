@@ -102,6 +102,7 @@ private Q_SLOTS:
         row("en_GB", "", [] { return lmLocalizedDate("d", QDate(2021, 2, 29)); });
         row("ar_EG", "١٤:٠٥", [] { return lmLocalizedTime(QTime(14, 5)); });
         row("en_GB", "Éclair %1%2", [] { return lmCapitalized("éCLAIR %1%2"); });
+        row("he_IL", "a%1.txt", [] { return lmEmbedLeftToRight("a%1.txt", QString("a")); });
         row("en_GB", "\u202eקובץ \u202aa%1.txt\u202c \u202aa%1.txt\u202c\u202c",
             [] { return lmEmbedLeftToRight("קובץ a%1.txt a%1.txt", QString("a%1.txt")); });
         row("he_IL", "\u202eקובץ \u202a\u202aa\u202c%1\u202c b\u202c", [] {

@@ -8,6 +8,7 @@
 #include "toolkit/LmClickFrame.h"
 #include "toolkit/LmDateEdit.h"
 #include "toolkit/LmDoubleSpinBox.h"
+#include "toolkit/LmFileDialog.h"
 #include "toolkit/LmGuiConfig.h"
 #include "toolkit/LmIcons.h"
 #include "toolkit/LmListWidget.h"
@@ -30,6 +31,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 #include <memory>
@@ -378,6 +380,16 @@ private Q_SLOTS:
         }
     }
 
+    void folderDialogShowsOnlyFolders()
+    {
+        QTimer::singleShot(0, qApp, [] {
+            auto& dialog = dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget());
+            QCOMPARE(dialog.options(), QFileDialog::ShowDirsOnly | QFileDialog::HideNameFilterDetails);
+            dialog.reject();
+        });
+        QCOMPARE(LmFileDialog::getExistingDirectory(nullptr, QStringLiteral("Title"), QString()), QString());
+    }
+
     void openMenuShowsShortcutsInItsTexts()
     {
         const QList<QKeySequence> keys{QKeySequence("Ctrl+P"), QKeySequence("F5")};
@@ -493,6 +505,7 @@ private Q_SLOTS:
         LmMessageBox box(QMessageBox::Question, text, QStringLiteral("Two"), QMessageBox::Ok, nullptr);
         const int width = qRound(QFontMetricsF(box.font()).horizontalAdvance(text) + 0.5);
         QVERIFY(box.minimumWidth() == width + 100 && box.windowFlags() & Qt::MSWindowsFixedSizeDialogHint);
+        QCOMPARE(LmMessageBox(nullptr).minimumWidth(), 101);
         const QAbstractButton* ok = box.button(QMessageBox::Ok);
         box.setButtonText(QMessageBox::Ok, QStringLiteral("i"));
         QCOMPARE(ok->minimumWidth(), 60);
@@ -610,6 +623,7 @@ private Q_SLOTS:
         const QString copy = file("copy.svg");
         QVERIFY(QFile::copy(file("v.svg"), copy) && !lmIcon(copy).isNull() && QFile::remove(copy));
         QVERIFY(lmPicture(copy).boundingRect() == QRect(0, 0, 40, 20) && lmMirroredPicture(copy).isNull());
+        QCOMPARE(lmPicture(file("r.png")).boundingRect().size(), QSize(20, 10)); // Not a vector image.
         QCOMPARE(lmPicture(":/img/images/flag.svg").boundingRect(), QRect(0, 0, 48, 48));
     }
 
