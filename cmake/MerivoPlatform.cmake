@@ -9,9 +9,9 @@ set(MERIVO_HAS_VIRTUAL_TIME OFF)
 set(MERIVO_HAS_DESKTOP_FILES OFF)
 # An installer and an archive contain all libraries, because the system has no packages.
 set(MERIVO_HAS_INSTALLER ${WIN32})
-# Prints the exports of a library.
+# The command that prints the exports of a library, and what it prints for the plug-in.
 set(MERIVO_LIST_EXPORTS "")
-# For all tests.
+# The environment variables of all tests.
 set(MERIVO_TEST_ENVIRONMENT LC_ALL=C.UTF-8)
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
     set(MERIVO_HAS_VIRTUAL_TIME ON)

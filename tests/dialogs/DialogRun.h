@@ -24,8 +24,8 @@ struct DialogSetup
     QString pump = "PU1234";
 };
 
-/// One dialog in a run of the plug-in, whose user, host and reader do what the test asks for. No polling takes place:
-/// each one ends when the test says so. The host opens the diary again for its patient at each step and log record.
+/// One dialog in a run of the plug-in, whose user, host and reader are controlled by the test. Instead of a polling,
+/// the test reports its end. The host opens the diary again for its patient at each step and log record.
 ///
 /// An operation returns its events, one line each: log records (except the reader link's own), commands, pollings,
 /// message boxes, changes of the session, signals, and the end of the dialog.
@@ -81,7 +81,7 @@ public:
     void setPolling(StatusFileParser::State state) { m_parser->m_state = state; }
     /// Writes the list of pumps; a serial number may be followed by "=" and the key of the patient.
     void listPumps(const QStringList& pumps);
-    /// Lets the timer of that interval fire now.
+    /// Makes the timer of that interval fire now.
     QStringList fireTimer(int ms);
     /// Opens the diary of another patient, who has no pump.
     void endDiary();
@@ -143,9 +143,9 @@ public:
         return click("OK");
     }
 
-    /// The page, what is shown to the user, and the visible buttons; disabled ones are in parentheses.
+    /// Returns the page, what is shown to the user, and the visible buttons; disabled ones are in parentheses.
     QString shown() const;
-    /// The events since the latest operation began.
+    /// Returns the events since the latest operation began.
     QStringList takeEvents();
 
     static RecordingHost host;
@@ -169,7 +169,7 @@ Q_DECLARE_METATYPE(DialogRun::Steps)
 
 #define COMPARE_EVENTS(events, ...) QCOMPARE((events).join('\n'), QStringList(__VA_ARGS__).join('\n'))
 
-/// The event of a message box.
+/// Returns the event of a message box.
 QString box(const QString& text);
 extern const QString ReaderSilentBox;
 extern const QString ReassignBox;

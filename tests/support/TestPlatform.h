@@ -4,7 +4,7 @@
 
 // What tests need to know about the compiler and the system.
 
-/// True if a pointer to a virtual member begins with its place in the table of its class.
+/// True if a pointer to a virtual member begins with the offset in the virtual table.
 #if defined(__x86_64__) && !defined(_MSC_VER)
 constexpr bool HasItaniumAbi = true;
 #else
