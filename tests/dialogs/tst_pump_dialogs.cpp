@@ -413,6 +413,25 @@ private Q_SLOTS:
             CommandStatus::Failed);
     }
 
+    void sessionHasThePumpAtItsAssignment()
+    {
+        Run run(Run::Remove);
+        AddPumpControl add(&Run::host.services, &Run::host.database, run.dialog.get());
+        QStringList pumps;
+        connect(&add, &AddPumpControl::pumpAssigned, &add,
+                [&pumps] { pumps << PatientSession::instance()->pumpSerialNumber(); });
+        run.listPumps({"S1", "S2"});
+        add.startPairingSearch();
+        run.readerEnds(CommandStatus::Done);
+        add.startPairing(0);
+        run.readerEnds(CommandStatus::Done);
+        add.startPairingConfirm(true);
+        run.readerEnds(CommandStatus::Done);
+        add.startReassign(1);
+        run.readerEnds(CommandStatus::Done);
+        QCOMPARE(pumps, QStringList({"S1", "S2"}));
+    }
+
     void pairingTakesTheRowsOfItsOwnList()
     {
         Run run(Run::Remove);
