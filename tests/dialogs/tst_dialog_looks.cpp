@@ -173,6 +173,7 @@ private Q_SLOTS:
                 QVERIFY(label("m_TitleLabel")->property("BigSizeFont").toBool());
                 for (const char* name : {"m_TitleLabel", "m_PatientLine1"})
                     QVERIFY(label(name)->property("HighlightFont").toBool());
+                QVERIFY(!run.dialog->windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
                 const qreal scale = run.dialog->logicalDpiY() == 120 ? 1.25 : 1;
                 QCOMPARE(run.dialog->size(), size * scale);
                 QCOMPARE(run.dialog->maximumSize(), (maximum * scale).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));

@@ -261,6 +261,8 @@ private Q_SLOTS:
     void pumpIsRemovedAfterAYes()
     {
         Run run(Run::Remove);
+        run.answerNextBox(QMessageBox::No);
+        COMPARE_EVENTS(run.click("Remove"), {RemoveBox});
         QCOMPARE(run.shown(), QString("row 0, Remove, Cancel"));
         run.answerNextBox(QMessageBox::Yes);
         COMPARE_EVENTS(run.click("Remove"), {RemoveBox, "mcp|<== [Remove Controller] Start removing: snr='PU1234'.",
@@ -280,6 +282,7 @@ private Q_SLOTS:
             Run notExecuted(kind);
             steps(notExecuted);
             COMPARE_EVENTS(notExecuted.readerDoesNotExecute(CommandStatus::Done), {start + '.', "rejected"});
+            COMPARE_EVENTS(notExecuted.report(50) + notExecuted.readerEnds(CommandStatus::Done), {});
             for (const CommandStatus status : ends) {
                 Run run(kind);
                 steps(run);

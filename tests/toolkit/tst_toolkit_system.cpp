@@ -114,8 +114,11 @@ private Q_SLOTS:
 
         const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(&observer);
         QVERIFY(timers.size() == 1 && timers[0].interval == 300000);
+        QTimerEvent foreign(timers[0].timerId + 1);
         QTimerEvent due(timers[0].timerId);
         QVERIFY(lmWriteBytes(QByteArray(1 << 23, 'x'), "filling", QIODevice::WriteOnly));
+        QCoreApplication::sendEvent(&observer, &foreign);
+        QCOMPARE(drives.size(), 2);
         QVERIFY(QTest::qWaitFor([&] { return QCoreApplication::sendEvent(&observer, &due) && drives.size() > 2; }));
         QVERIFY(QFile::remove("filling"));
         QVERIFY(QTest::qWaitFor([&] { return observer.observe("data", m_dir.path()), drives.size() > 3; }));

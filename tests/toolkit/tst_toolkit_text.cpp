@@ -156,17 +156,22 @@ private Q_SLOTS:
     void textIsDrawnAtTheEdgeOfTheDirection()
     {
         lmDrawTextLeading(nullptr, {}, 0, "x", nullptr);
-        for (const bool isMirrored : {false, true}) {
-            const auto direction = isMirrored ? Qt::RightToLeft : Qt::LeftToRight;
+        QWidget opposite;
+        for (const bool rightToLeft : {false, true}) {
+            const auto direction = rightToLeft ? Qt::RightToLeft : Qt::LeftToRight;
             QGuiApplication::setLayoutDirection(direction);
-            for (const auto& [draw, atLeft] : {std::pair(&lmDrawTextLeading, true), {&lmDrawTextTrailing, false}}) {
-                const QImage image = imageOf({200, 90}, Qt::white, [draw = draw, direction](QPainter& painter) {
-                    painter.setLayoutDirection(direction); // As on a widget.
-                    draw(&painter, {0, 0, 200, 90}, 20, "HH", nullptr);
-                });
-                const QRect text = boundsOf(image, [](QRgb pixel) { return qGray(pixel) < 255; });
-                QCOMPARE(text.center().x() < 100, atLeft != isMirrored);
-                QVERIFY(text.left() >= 20 && text.right() < 180);
+            opposite.setLayoutDirection(rightToLeft ? Qt::LeftToRight : Qt::RightToLeft);
+            for (QWidget* widget : {static_cast<QWidget*>(nullptr), &opposite}) {
+                for (const auto& [draw, atLeft] : {std::pair(&lmDrawTextLeading, true), {&lmDrawTextTrailing, false}}) {
+                    const QImage image = imageOf({200, 90}, Qt::white, [&, draw = draw](QPainter& painter) {
+                        painter.setLayoutDirection(direction); // As on a widget.
+                        draw(&painter, {0, 0, 200, 90}, 20, "HH", widget);
+                    });
+                    const QRect text = boundsOf(image, [](QRgb pixel) { return qGray(pixel) < 255; });
+                    const bool isMirrored = rightToLeft != bool(widget);
+                    QCOMPARE(text.center().x() < 100, atLeft != isMirrored);
+                    QVERIFY(text.left() >= 20 && text.right() < 180);
+                }
             }
         }
     }

@@ -18,6 +18,7 @@
 #include "toolkit/LmProgressBar.h"
 #include "toolkit/LmProgressDialog.h"
 #include "toolkit/LmSpinBox.h"
+#include "toolkit/LmTabs.h"
 #include "toolkit/LmTimeEdit.h"
 #include "toolkit/LmTooltip.h"
 #include "toolkit/LmWidgets.h"
@@ -382,12 +383,15 @@ private Q_SLOTS:
 
     void folderDialogShowsOnlyFolders()
     {
-        QTimer::singleShot(0, qApp, [] {
+        QVERIFY(!LmFileDialog(nullptr, Qt::Dialog).windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+        QFileDialog::Options options;
+        QTimer::singleShot(0, qApp, [&options] {
             auto& dialog = dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget());
-            QCOMPARE(dialog.options(), QFileDialog::ShowDirsOnly | QFileDialog::HideNameFilterDetails);
+            options = dialog.options();
             dialog.reject();
         });
         QCOMPARE(LmFileDialog::getExistingDirectory(nullptr, QStringLiteral("Title"), QString()), QString());
+        QCOMPARE(options, QFileDialog::ShowDirsOnly | QFileDialog::HideNameFilterDetails);
     }
 
     void openMenuShowsShortcutsInItsTexts()
@@ -488,6 +492,21 @@ private Q_SLOTS:
         }
     }
 
+    void widgetsFollowTheLayoutDirection()
+    {
+        for (const bool rightToLeft : {false, true}) {
+            QGuiApplication::setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+            QCOMPARE(LmTabStackedWidget().property("LayoutDirInverted"), QVariant(rightToLeft));
+            const Calendar calendar;
+            for (const QString button : {"prev", "next"}) {
+                const QString side = (button == "next") == rightToLeft ? "left" : "right";
+                const QPixmap arrow(QStringLiteral(":/img/images/arrow_%1_default.png").arg(side));
+                const QIcon icon = calendar.findChild<QToolButton*>("qt_calendar_" + button + "month")->icon();
+                QCOMPARE(icon.pixmap(arrow.size(), QIcon::Normal, QIcon::On).toImage(), arrow.toImage());
+            }
+        }
+    }
+
     void numbersHaveTheDigitsOfTheLocale()
     {
         const QImage latin = Calendar().painted(march(7));
@@ -534,6 +553,7 @@ private Q_SLOTS:
         const QRect screen = QGuiApplication::primaryScreen()->geometry();
         LmTooltip tooltip(nullptr);
         QVERIFY(tooltip.setProperty("text", "Text") && tooltip.property("text") == "Text");
+        QCOMPARE(tooltip.property("LmTooltip"), QVariant(true));
         tooltip.resize(100, 30);
         tooltip.show();
         sendMouse(tooltip, QEvent::MouseButtonPress, {5.6, 4.4}, {}); // Held at (6, 4).
