@@ -5,10 +5,10 @@
 
 # Programs can replace the C library's functions for the clock and for files, see tests/support/VirtualTime.h.
 set(MERIVO_HAS_VIRTUAL_TIME OFF)
-# The test of menu entry, manual pages and completion for bash can run.
+# Menu entry, manual pages and the completion for bash are installed and tested.
 set(MERIVO_HAS_DESKTOP_FILES OFF)
-# An installer and an archive contain all libraries, because the system has no packages.
-set(MERIVO_HAS_INSTALLER ${WIN32})
+# An installer and an archive contain all libraries, because the system has no packages. Their build needs MinGW-w64.
+set(MERIVO_HAS_INSTALLER ${MINGW})
 # The command that prints the exports of a library, and what it prints for the plug-in.
 set(MERIVO_LIST_EXPORTS "")
 # The environment variables of all tests.

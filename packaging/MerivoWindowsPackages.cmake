@@ -48,11 +48,16 @@ foreach(plugin IN ITEMS iconengines/qsvgicon imageformats/qgif imageformats/qsvg
     install(PROGRAMS "${qt}/plugins/${plugin}.dll" DESTINATION "${CMAKE_INSTALL_BINDIR}/plugins/${folder}")
 endforeach()
 install(DIRECTORY "${qt}/licences" DESTINATION "${CMAKE_INSTALL_BINDIR}" OPTIONAL)
-foreach(library IN ITEMS compiler=libstdc++-6.dll mingw=libkernel32.a)
-    string(REGEX MATCH "(.*)=(.*)" library "${library}")
-    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${CMAKE_MATCH_2}" OUTPUT_VARIABLE path)
-    get_filename_component(${CMAKE_MATCH_1}_libraries "${path}/.." ABSOLUTE)
-endforeach()
+# merivo_find_library_folder(VARIABLE LIBRARY): sets the variable to the compiler's folder that contains the library.
+function(merivo_find_library_folder variable library)
+    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${library}"
+        OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+    get_filename_component(folder "${path}" DIRECTORY)
+    get_filename_component(folder "${folder}" ABSOLUTE)
+    set(${variable} "${folder}" PARENT_SCOPE)
+endfunction()
+merivo_find_library_folder(compiler_libraries libstdc++-6.dll)
+merivo_find_library_folder(mingw_libraries libkernel32.a)
 configure_file(windows/install-libraries.cmake.in install-libraries.cmake @ONLY)
 install(SCRIPT "${CMAKE_CURRENT_BINARY_DIR}/install-libraries.cmake")
 

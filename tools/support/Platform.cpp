@@ -67,8 +67,10 @@ std::FILE* Platform::outputFor(std::FILE* stream)
 {
 #ifdef Q_OS_WIN
     if (_fileno(stream) < 0) {
-        AttachConsole(ATTACH_PARENT_PROCESS);
-        static std::FILE* const console = std::fopen("CONOUT$", "wb");
+        static std::FILE* const console = [] {
+            AttachConsole(ATTACH_PARENT_PROCESS);
+            return std::fopen("CONOUT$", "wb");
+        }();
         return console ? console : stream;
     }
 #endif
