@@ -7,7 +7,6 @@
 #include "tools/reader/ReaderSimulator.h"
 #include "tools/reader/Scenario.h"
 #include "tools/traffic/ReaderCommand.h"
-#include "tools/traffic/TrafficRecorder.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -175,23 +174,6 @@ BTDELETEADDR  "MV-3" = done MV-3 0; BTISPAIRED p1 = done 0 0; BTDELETEADDR  "MV-
         QCOMPARE(reader.devices(), QString("MV-1=A1= MV 2=A2={p 2} MV-4=A4=p4 MV-5=A5= MV-6=A6= "));
         const QByteArray status = "\nCmd=BTDELETEADDR\nStatus  = failed\nResult  = \nError code -31.\n";
         QVERIFY(before.startsWith("QD17-C RemoteControl File ") && before.endsWith(status));
-    }
-
-    void equalCommandIsRecordedTwice()
-    {
-        const QTemporaryDir folder;
-        const QString misc = folder.filePath("MISC/"), recording = folder.filePath("r");
-        QString error;
-        TrafficRecorder recorder(folder.path());
-        QVERIFY(QDir().mkpath(misc) && recorder.start(recording, &error));
-        int count = 0;
-        for (const QByteArray command : {"ABORT ", "ABORT ", "SEARCH 00100"}) {
-            const QByteArray status = "\nCmd=" + command.split(' ').first() + "\nStatus  = done\n";
-            QVERIFY(writeAtOnce(misc + "CommandFile.txt", Head + command));
-            QVERIFY(writeAtOnce(misc + "STATUS.TXT", QByteArray::number(++count) + status));
-            QTRY_COMPARE(bytesOf(recording).count("Cmd="), count);
-            QCOMPARE(bytesOf(recording).count("Command="), count);
-        }
     }
 
     /// The faults that no run of the plug-in shows.

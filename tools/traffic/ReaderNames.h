@@ -35,14 +35,8 @@ struct FileStamp
     bool operator!=(const FileStamp& other) const { return !(*this == other); }
 };
 
-/// Returns the status word of the bytes of a STATUS.TXT.
-inline QByteArray statusWord(const QByteArray& statusText)
-{
-    const QByteArray word = statusText.split('\n').value(2).mid(10);
-    return word.endsWith('\r') ? word.chopped(1) : word;
-}
-
+/// Returns true if the bytes of a STATUS.TXT show a running command.
 inline bool isRunning(const QByteArray& statusText)
 {
-    return statusWord(statusText) == "running";
+    return statusText.split('\n').value(2).mid(10).trimmed() == "running";
 }

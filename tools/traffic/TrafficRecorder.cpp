@@ -156,22 +156,7 @@ void TrafficRecorder::checkFile(const QString& name)
     // Records a pending command before its answer. The end of a read-out confirms that the exchange file is complete.
     if (!isCommand && !(isStatus && !isAnswerTo(bytes, m_seen.value(ReaderNames::Command).bytes)))
         recordPending(isStatus && !isRunning(bytes));
-    if (isStatus)
-        recordRepeated(bytes);
     record(name);
-}
-
-/// Records a repeated command whose write had the same time stamp and no notification, so that only its answer shows
-/// it: after the end of a command only the next command changes the status.
-void TrafficRecorder::recordRepeated(const QByteArray& status)
-{
-    const QByteArray header = status.split('\n').first();
-    if (!isAnswerTo(status, m_seen.value(ReaderNames::Command).bytes))
-        return;
-    if (!m_finalHeader.isEmpty() && (isRunning(status) || header != m_finalHeader))
-        record(ReaderNames::Command);
-    if (statusWord(status) == "done" || statusWord(status) == "failed")
-        m_finalHeader = header;
 }
 
 /// Records the pending command, which two checks haven't found unchanged yet.
@@ -194,8 +179,6 @@ void TrafficRecorder::record(const QString& name)
         return;
     seen.isRecorded = true;
     seen.recordedMs = m_clock.elapsed();
-    if (name == ReaderNames::Command)
-        m_finalHeader.clear();
     write(name, bytes);
 }
 

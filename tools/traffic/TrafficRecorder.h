@@ -50,7 +50,6 @@ private:
     void check();
     void checkFile(const QString& name);
     void recordPending(bool withExchangeFiles);
-    void recordRepeated(const QByteArray& status);
     void record(const QString& name);
     void write(const QString& name, const std::optional<QByteArray>& bytes);
     QString pathOf(const QString& name) const;
@@ -61,7 +60,6 @@ private:
     QFile m_file;
     QFileSystemWatcher m_watcher;
     bool m_isCommandWritten = false; // since the last check
-    QByteArray m_finalHeader;        // of the status that ended the last recorded command, or empty
     QTimer m_timer;
     QElapsedTimer m_clock;
     QHash<QString, Seen> m_seen;
