@@ -26,21 +26,20 @@ const int HalfStatusMs = 250;
 
 /// Returns true if the file was written since the last call. Sets the file's time back by a day, so that the next write
 /// changes it even if the drive's time stamps are coarse (two seconds on FAT).
-bool takeWrite(const QString& path, FileStamp* seen)
+bool takeWrite(const QString& path, SeenFile* seen)
 {
     const FileStamp stamp = FileStamp::of(path);
-    const bool isWritten = stamp.exists() && stamp != *seen;
-    if (isWritten) {
+    const bool isWritten = stamp.exists() && stamp != seen->stamp;
+    if (isWritten || !seen->isSetBack) {
         const std::filesystem::path file = Platform::nativePath(path);
         std::error_code error;
         const auto time = std::filesystem::last_write_time(file, error);
         if (!error)
             std::filesystem::last_write_time(file, time - std::chrono::hours(24), error);
-        // Another program has the file open without sharing it; the next check tries again.
-        if (error == std::errc::permission_denied)
-            return false;
+        // While another program has the file open without sharing it, this fails.
+        seen->isSetBack = !error;
     }
-    *seen = FileStamp::of(path);
+    seen->stamp = FileStamp::of(path);
     return isWritten;
 }
 
@@ -90,8 +89,8 @@ bool ReaderDrive::open(QString* error)
 
 void ReaderDrive::listen()
 {
-    takeWrite(triggerPath(), &m_triggerStamp);
-    takeWrite(commandPath(), &m_commandStamp);
+    takeWrite(triggerPath(), &m_trigger);
+    takeWrite(commandPath(), &m_command);
     m_commandTaken = true;
     m_timer.start();
 }
@@ -248,7 +247,7 @@ void ReaderDrive::checkFiles()
 
 void ReaderDrive::checkTrigger()
 {
-    if (!takeWrite(triggerPath(), &m_triggerStamp))
+    if (!takeWrite(triggerPath(), &m_trigger))
         return;
     int due = 0;
     for (ShownStatus& status : m_statuses)
@@ -263,7 +262,7 @@ void ReaderDrive::checkTrigger()
 
 void ReaderDrive::checkCommand()
 {
-    if (takeWrite(commandPath(), &m_commandStamp)) {
+    if (takeWrite(commandPath(), &m_command)) {
         m_unchangedChecks = 0;
         m_commandTaken = false;
     }

@@ -29,6 +29,13 @@ struct ShownStatus
     bool isFolder = false;
 };
 
+/// A file of the plug-in, as the reader saw it last.
+struct SeenFile
+{
+    FileStamp stamp;
+    bool isSetBack = true; ///< False if the reader couldn't set the file's time back yet.
+};
+
 /// The reader's side of its drive: receives command files and writes the reader's files.
 ///
 /// The drive is cached: a status becomes visible only when the trigger file is written the next time. Every file is
@@ -106,8 +113,8 @@ private:
     QTimer m_rest;
     QHash<QString, QDeadlineTimer> m_blocked;
 
-    FileStamp m_triggerStamp;
-    FileStamp m_commandStamp;
+    SeenFile m_trigger;
+    SeenFile m_command;
     int m_unchangedChecks = 0;
     bool m_commandTaken = true;
 };
