@@ -30,6 +30,7 @@ bool takeWrite(const QString& path, SeenFile* seen)
 {
     const FileStamp stamp = FileStamp::of(path);
     const bool isWritten = stamp.exists() && stamp != seen->stamp;
+    seen->stamp = stamp;
     if (isWritten || !seen->isSetBack) {
         const std::filesystem::path file = Platform::nativePath(path);
         std::error_code error;
@@ -38,8 +39,9 @@ bool takeWrite(const QString& path, SeenFile* seen)
             std::filesystem::last_write_time(file, time - std::chrono::hours(24), error);
         // While another program has the file open without sharing it, this fails.
         seen->isSetBack = !error;
+        if (!error)
+            seen->stamp = FileStamp::of(path);
     }
-    seen->stamp = FileStamp::of(path);
     return isWritten;
 }
 
