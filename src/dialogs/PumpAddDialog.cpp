@@ -19,7 +19,7 @@ namespace {
 constexpr int PauseAfterAbortMs = 3000;
 constexpr int AbortTimeoutSec = 20;
 constexpr int AbortStartTimeoutSec = 10;
-constexpr int AbortDelayMs = 5; ///< until the first reading of the status
+constexpr int AbortDelayMs = 5; ///< before the first tick of the polling
 
 } // namespace
 

@@ -37,7 +37,7 @@ bool takeWrite(const QString& path, SeenFile* seen)
         const auto time = std::filesystem::last_write_time(file, error);
         if (!error)
             std::filesystem::last_write_time(file, time - std::chrono::hours(24), error);
-        // While another program has the file open without sharing it, this fails.
+        // Fails while another program has the file open without sharing it, and always on a drive that forbids it.
         seen->isSetBack = !error;
         if (!error)
             seen->stamp = FileStamp::of(path);
